@@ -1,0 +1,21 @@
+# What every target is compiled with; linked as kemba_options.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+
+add_library(kemba_options INTERFACE)
+target_include_directories(kemba_options INTERFACE ${PROJECT_SOURCE_DIR})
+# The oldest system served is Windows Vista.
+target_compile_definitions(kemba_options INTERFACE
+    _WIN32_WINNT=0x0600 UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN STRICT)
+target_compile_options(kemba_options INTERFACE
+    -Wall -Wextra -Werror -Wpedantic -Wshadow -Wconversion
+    -ffunction-sections -fdata-sections
+    # Paths of the building machine stay out of the programs.
+    -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
+    $<$<CONFIG:Debug>:-D_GLIBCXX_ASSERTIONS -fsanitize=undefined -fsanitize-undefined-trap-on-error>)
+target_link_options(kemba_options INTERFACE
+    -Wl,--gc-sections
+    -Wl,--no-insert-timestamp
+    $<$<CONFIG:Debug>:-fsanitize=undefined -fsanitize-undefined-trap-on-error>
+    $<$<CONFIG:Release>:-s>)

@@ -1,0 +1,379 @@
+// OString: shared body, lazy conversion, and the character operations on whichever form they work on.
+#include "core/OString.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <string>
+#include <utility>
+
+#include "core/Utf8.h"
+
+namespace {
+
+using Body = OString::Body;
+
+constexpr std::uint64_t kCapacityStep = 32;
+constexpr std::size_t kFormatCharacters = 4096;
+
+UINT EffectiveCodePage(std::uint32_t codePage) {
+    return codePage == OCore::kCodePageAnsi ? GetACP() : codePage;
+}
+
+bool IsMultiByte(std::uint32_t codePage) {
+    switch (EffectiveCodePage(codePage)) {
+    case OCore::kCodePageUtf8:
+    case 932:
+    case 936:
+    case 949:
+    case 950:
+    case 1361:
+    case 54936: return true;
+    default: return false;
+    }
+}
+
+std::size_t NarrowBytes(const Body& body) {
+    return body.capacity * (body.codePage == OCore::kCodePageUtf8 ? 4 : 2);
+}
+
+/// A form counts as present when its buffer exists and its first unit is not zero.
+template<class Unit>
+bool IsPresent(const std::unique_ptr<Unit[]>& form) {
+    return form && form[0] != 0;
+}
+
+template<class Unit>
+void CopyBounded(std::basic_string_view<Unit> text, Unit* buffer, std::size_t size) {
+    buffer[text.copy(buffer, size - 1)] = 0;
+}
+
+void MakeWide(Body& body) {
+    const std::size_t size = body.capacity;
+    body.wide = std::make_unique<wchar_t[]>(size);
+    const std::string_view text = body.narrow.get();
+    if (body.codePage == OCore::kCodePageBytes) {
+        std::transform(text.begin(), text.end(), body.wide.get(),
+                       [](char byte) { return static_cast<unsigned char>(byte); });
+    } else if (body.codePage == OCore::kCodePageUtf8) {
+        CopyBounded<wchar_t>(OCore::DecodeUtf8(text), body.wide.get(), size);
+    } else {
+        MultiByteToWideChar(EffectiveCodePage(body.codePage), 0, text.data(), -1, body.wide.get(),
+                            static_cast<int>(size));
+        body.wide[size - 1] = 0; // a conversion that ran out of room leaves no terminator
+    }
+}
+
+void MakeNarrow(Body& body) {
+    const std::size_t size = NarrowBytes(body);
+    body.narrow = std::make_unique<char[]>(size);
+    const std::wstring_view text = body.wide.get();
+    if (body.codePage == OCore::kCodePageBytes) {
+        std::transform(text.begin(), text.end(), body.narrow.get(),
+                       [](wchar_t unit) { return static_cast<char>(unit); });
+    } else if (body.codePage == OCore::kCodePageUtf8) {
+        CopyBounded<char>(OCore::EncodeUtf8(text), body.narrow.get(), size);
+    } else {
+        WideCharToMultiByte(EffectiveCodePage(body.codePage), 0, text.data(), -1, body.narrow.get(),
+                            static_cast<int>(size), nullptr, nullptr);
+        body.narrow[size - 1] = 0;
+    }
+}
+
+void ReleaseBody(Body* body) {
+    if (body && body->references.fetch_sub(1) == 1) {
+        delete body;
+    }
+}
+
+std::ptrdiff_t Index(std::size_t position) {
+    return position == std::string_view::npos ? OString::kNotFound : static_cast<std::ptrdiff_t>(position);
+}
+
+template<class Unit>
+std::basic_string<Unit> Joined(std::basic_string_view<Unit> first, std::basic_string_view<Unit> second,
+                               std::basic_string_view<Unit> third = {}) {
+    std::basic_string<Unit> text;
+    text.reserve(first.size() + second.size() + third.size());
+    return text.append(first).append(second).append(third);
+}
+
+template<class Unit>
+std::basic_string<Unit> Replaced(std::basic_string_view<Unit> text, std::basic_string_view<Unit> what,
+                                 std::basic_string_view<Unit> with) {
+    std::basic_string<Unit> result;
+    std::size_t done = 0;
+    for (auto found = text.find(what); found != text.npos; found = text.find(what, done)) {
+        result.append(text.substr(done, found - done)).append(with);
+        done = found + what.size();
+    }
+    return result.append(text.substr(done));
+}
+
+} // namespace
+
+bool OCore::EqualsIgnoreCase(const wchar_t* left, const wchar_t* right) {
+    const auto fold = [](wchar_t unit) { return unit >= L'a' && unit <= L'z' ? unit - L'a' + L'A' : unit; };
+    while (*left != 0 && fold(*left) == fold(*right)) {
+        ++left;
+        ++right;
+    }
+    return *left == *right;
+}
+
+template<class Unit>
+std::basic_string_view<Unit> OString::Units() const {
+    if constexpr (std::is_same_v<Unit, char>) {
+        return Narrow();
+    } else {
+        return Wide();
+    }
+}
+
+OString::OString(const char* text, std::uint32_t codePage) {
+    if (text && *text) {
+        m_body = new Body;
+        m_body->codePage = codePage;
+        Assign(std::string_view(text));
+    }
+}
+
+OString::OString(const wchar_t* text) {
+    if (text && *text) {
+        Assign(std::wstring_view(text));
+    }
+}
+
+OString::OString(wchar_t character) {
+    if (character != 0) {
+        Assign(std::wstring_view(&character, 1));
+    }
+}
+
+OString::OString(const OString& other) noexcept : m_body(other.m_body) {
+    if (m_body) {
+        m_body->references.fetch_add(1);
+    }
+}
+
+OString::OString(OString&& other) noexcept : m_body(std::exchange(other.m_body, nullptr)) {}
+
+OString& OString::operator=(const OString& other) noexcept {
+    return *this = OString(other);
+}
+
+OString& OString::operator=(OString&& other) noexcept {
+    std::swap(m_body, other.m_body);
+    return *this;
+}
+
+OString::~OString() {
+    ReleaseBody(m_body);
+}
+
+bool OString::IsEmpty() const {
+    return !m_body || !(IsPresent(m_body->narrow) || IsPresent(m_body->wide));
+}
+
+std::size_t OString::GetLength() const {
+    return WorksOnWide() ? Units<wchar_t>().size() : Units<char>().size();
+}
+
+std::uint32_t OString::GetCodePage() const {
+    return m_body ? m_body->codePage : OCore::kCodePageAnsi;
+}
+
+const char* OString::Narrow() const {
+    if (IsEmpty()) {
+        return "";
+    }
+    if (!IsPresent(m_body->narrow)) {
+        MakeNarrow(*m_body);
+    }
+    return m_body->narrow.get();
+}
+
+const wchar_t* OString::Wide() const {
+    if (IsEmpty()) {
+        return L"";
+    }
+    if (!IsPresent(m_body->wide)) {
+        MakeWide(*m_body);
+    }
+    return m_body->wide.get();
+}
+
+OString OString::InCodePage(std::uint32_t codePage) const {
+    OString text = Wide();
+    if (text.m_body) {
+        text.m_body->codePage = codePage;
+    }
+    return text;
+}
+
+bool OString::WorksOnWide() const {
+    if (!m_body) {
+        return false;
+    }
+    return IsPresent(m_body->narrow) ? IsMultiByte(m_body->codePage) : IsPresent(m_body->wide);
+}
+
+bool OString::WorksOnWideWith(const OString& other) const {
+    if (WorksOnWide() || other.WorksOnWide()) {
+        return true;
+    }
+    return !IsEmpty() && !other.IsEmpty() &&
+           EffectiveCodePage(GetCodePage()) != EffectiveCodePage(other.GetCodePage());
+}
+
+void OString::Prepare(std::size_t length) {
+    if (!m_body || m_body->references.load() != 1) {
+        auto* const own = new Body;
+        own->codePage = GetCodePage();
+        ReleaseBody(std::exchange(m_body, own));
+    }
+    if (length + 1 > m_body->capacity) {
+        m_body->capacity = (length + kCapacityStep) / kCapacityStep * kCapacityStep;
+        m_body->narrow.reset();
+        m_body->wide.reset();
+    }
+}
+
+template<class Unit>
+OString& OString::Assign(std::basic_string_view<Unit> text) {
+    Prepare(text.size());
+    if constexpr (std::is_same_v<Unit, char>) {
+        if (!m_body->narrow) {
+            m_body->narrow = std::make_unique<char[]>(NarrowBytes(*m_body));
+        }
+        m_body->wide.reset();
+        CopyBounded(text, m_body->narrow.get(), NarrowBytes(*m_body));
+    } else {
+        if (!m_body->wide) {
+            m_body->wide = std::make_unique<wchar_t[]>(m_body->capacity);
+        }
+        m_body->narrow.reset();
+        CopyBounded(text, m_body->wide.get(), m_body->capacity);
+    }
+    return *this;
+}
+
+OString& OString::Append(const OString& text) {
+    return Insert(GetLength(), text);
+}
+
+OString& OString::AppendSlash() {
+    return Append(L"/");
+}
+
+OString OString::operator+(const OString& text) const {
+    return OString(*this).Append(text);
+}
+
+template<class Unit>
+OString OString::Part(std::size_t position, std::size_t count) const {
+    const auto units = Units<Unit>();
+    const std::basic_string<Unit> part(units.substr(std::min(position, units.size()), count));
+    return OString(*this).Assign<Unit>(part);
+}
+
+OString OString::Left(std::size_t length) const {
+    return Middle(0, length);
+}
+
+OString OString::From(std::size_t position) const {
+    return Middle(position, std::string_view::npos);
+}
+
+OString OString::Middle(std::size_t position, std::size_t count) const {
+    return WorksOnWide() ? Part<wchar_t>(position, count) : Part<char>(position, count);
+}
+
+wchar_t OString::LastCharacter() const {
+    if (IsEmpty()) {
+        return 0;
+    }
+    return WorksOnWide() ? Units<wchar_t>().back() : static_cast<unsigned char>(Units<char>().back());
+}
+
+std::ptrdiff_t OString::Find(wchar_t character, std::size_t from) const {
+    if (character == 0) {
+        return kNotFound;
+    }
+    if (WorksOnWide()) {
+        return Index(Units<wchar_t>().find(character, from));
+    }
+    const OString inThisCodePage = OString(character).InCodePage(GetCodePage());
+    const std::string_view byte = inThisCodePage.Narrow();
+    return byte.size() == 1 ? Index(Units<char>().find(byte, from)) : kNotFound;
+}
+
+std::ptrdiff_t OString::FindLastOf(const OString& set) const {
+    return WorksOnWideWith(set) ? Index(Units<wchar_t>().find_last_of(set.Units<wchar_t>()))
+                                : Index(Units<char>().find_last_of(set.Units<char>()));
+}
+
+OString& OString::ReplaceAll(const OString& what, const OString& with) {
+    if (what.IsEmpty()) {
+        return *this;
+    }
+    if (WorksOnWideWith(what) || WorksOnWideWith(with)) {
+        return Assign<wchar_t>(Replaced(Units<wchar_t>(), what.Units<wchar_t>(), with.Units<wchar_t>()));
+    }
+    return Assign<char>(Replaced(Units<char>(), what.Units<char>(), with.Units<char>()));
+}
+
+OString& OString::TrimRight(const OString& set) {
+    const auto kept = [](auto text, auto trimmed) { return text.find_last_not_of(trimmed) + 1; };
+    return *this = WorksOnWideWith(set)
+                       ? Part<wchar_t>(0, kept(Units<wchar_t>(), set.Units<wchar_t>()))
+                       : Part<char>(0, kept(Units<char>(), set.Units<char>()));
+}
+
+OString& OString::Delete(std::size_t position, std::size_t count) {
+    const std::size_t length = GetLength();
+    const std::size_t from = std::min(position, length);
+    return *this = Left(from).Append(From(from + std::min(count, length - from)));
+}
+
+OString& OString::Insert(std::size_t position, const OString& text) {
+    if (text.IsEmpty()) {
+        return *this;
+    }
+    if (IsEmpty()) {
+        return *this = text;
+    }
+    const auto inserted = [position](auto units, auto added) {
+        const std::size_t at = std::min(position, units.size());
+        return Joined(units.substr(0, at), added, units.substr(at));
+    };
+    return WorksOnWideWith(text) ? Assign<wchar_t>(inserted(Units<wchar_t>(), text.Units<wchar_t>()))
+                                 : Assign<char>(inserted(Units<char>(), text.Units<char>()));
+}
+
+int OString::Compare(const OString& other) const {
+    // Both views order by unsigned code unit: wchar_t is unsigned on Windows, and char compares as bytes do.
+    const int order = WorksOnWideWith(other) ? Units<wchar_t>().compare(other.Units<wchar_t>())
+                                             : Units<char>().compare(other.Units<char>());
+    return (order > 0) - (order < 0);
+}
+
+OString& OString::ToUpper() {
+    const int needed = LCMapStringW(LOCALE_USER_DEFAULT, LCMAP_UPPERCASE, Wide(), -1, nullptr, 0);
+    if (needed < 1) {
+        return *this;
+    }
+    std::wstring mapped(static_cast<std::size_t>(needed), L'\0');
+    LCMapStringW(LOCALE_USER_DEFAULT, LCMAP_UPPERCASE, Wide(), -1, mapped.data(), needed);
+    return Assign<wchar_t>(mapped.c_str());
+}
+
+int OString::Format(const wchar_t* format, ...) {
+    std::wstring buffer(kFormatCharacters, L'\0');
+    va_list arguments;
+    va_start(arguments, format);
+    const int count = wvsprintfW(buffer.data(), format, arguments);
+    va_end(arguments);
+    Prepare(kFormatCharacters);
+    Assign<wchar_t>(buffer.c_str());
+    return count;
+}

@@ -1,0 +1,26 @@
+// Binding of the platform calls behind the seam.
+#include "core/SystemCalls.h"
+
+namespace OCore {
+namespace {
+
+/// `GetDefaultPrinterW` came with version 5 of the system; its ordinal is older than its name.
+constexpr WORD kGetDefaultPrinterOrdinal = 203;
+
+decltype(&::GetDefaultPrinterW) BindGetDefaultPrinter() {
+    const HMODULE spooler = GetModuleHandleW(L"winspool.drv");
+    auto* const address =
+        reinterpret_cast<void*>(GetProcAddress(spooler, MAKEINTRESOURCEA(kGetDefaultPrinterOrdinal)));
+    return reinterpret_cast<decltype(&::GetDefaultPrinterW)>(address);
+}
+
+} // namespace
+
+SystemCalls::SystemCalls() : getDefaultPrinter(BindGetDefaultPrinter()) {}
+
+SystemCalls& TheSystemCalls() {
+    static SystemCalls calls;
+    return calls;
+}
+
+} // namespace OCore

@@ -1,0 +1,25 @@
+// The one seam to those platform calls whose answers a test must choose.
+#pragma once
+
+#include <windows.h>
+
+#include <winspool.h>
+
+namespace OCore {
+
+/// The calls, each with the platform's own as its value. Tests put others in their place; the program never does.
+struct SystemCalls {
+    decltype(&::GetTickCount64) getTickCount64 = &::GetTickCount64;
+    decltype(&::GetVersionExW) getVersionEx = &::GetVersionExW;
+    decltype(&::GetSystemMetrics) getSystemMetrics = &::GetSystemMetrics;
+    decltype(&::GetProfileStringW) getProfileString = &::GetProfileStringW;
+    decltype(&::EnumPrintersW) enumPrinters = &::EnumPrintersW;
+    decltype(&::GetDefaultPrinterW) getDefaultPrinter; ///< by ordinal; null where the spooler library lacks it
+
+    SystemCalls();
+};
+
+/// The calls in force.
+SystemCalls& TheSystemCalls();
+
+} // namespace OCore
