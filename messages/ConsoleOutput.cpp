@@ -1,0 +1,37 @@
+// Console writer.
+#include "messages/ConsoleOutput.h"
+
+#include <fcntl.h>
+#include <io.h>
+
+#include <cstdio>
+
+ConsoleOutput::ConsoleOutput(const bool& quiet) : m_quiet(&quiet) {
+    SetBufferSize(0);
+}
+
+std::uint32_t ConsoleOutput::WriteRaw(const void* bytes, std::uint32_t count) {
+    if (!*m_quiet) {
+        // The texts carry their own CR LF, to which a stream in text mode would add another CR.
+        _setmode(_fileno(stdout), _O_BINARY);
+        std::fwrite(bytes, 1, count, stdout);
+        std::fflush(stdout);
+    }
+    return count;
+}
+
+void ConsoleOutput::PrintMessage(const OString& key) {
+    PrintText(FetchMessage(key));
+}
+
+void ConsoleOutput::PrintMessage(const OString& key, const OString& argument) {
+    PrintText(FetchMessage(key).ReplaceAll("%1", argument));
+}
+
+void ConsoleOutput::PrintText(const OString& text) {
+    *this << text << OCore::EndOfLine;
+}
+
+OString ConsoleOutput::FetchMessage(const OString& key) {
+    return m_catalogue.GetText(key);
+}

@@ -1,0 +1,27 @@
+// The message catalogue: keyed sections of a text resource in the program's own module.
+#pragma once
+
+#include "core/OString.h"
+
+/// Finds a section of the catalogue by its key. Nothing is cached: every lookup scans the resource afresh.
+class TextResource {
+  public:
+    TextResource() = default;
+    TextResource(const TextResource&) = delete;
+    TextResource& operator=(const TextResource&) = delete;
+    virtual ~TextResource();
+
+    /// The body of the section "#key", compared ignoring case, without its trailing white space. Empty when
+    /// the key is empty or has no section, or when the resource cannot be had.
+    OString GetText(const OString& key);
+
+  protected:
+    /// The lookup itself, in any bytes of the catalogue's format.
+    OString FindSection(const char* begin, const char* end, const OString& key);
+
+  private:
+    /// Copies the next line, or the next piece of a long one, into `line`; false at the end of the resource.
+    bool ReadLine(wchar_t* line, const char* end);
+
+    const char* m_position = nullptr; // in the locked resource; null when no lookup is under way
+};
