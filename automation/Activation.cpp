@@ -1,0 +1,63 @@
+// Activation and the raising of failed calls.
+#include "automation/Activation.h"
+
+#include <objbase.h>
+#include <ole2.h>
+
+namespace kemba {
+namespace {
+
+constexpr DWORD kAnyContext =
+    CLSCTX_INPROC_SERVER | CLSCTX_INPROC_HANDLER | CLSCTX_LOCAL_SERVER | CLSCTX_REMOTE_SERVER;
+
+/// The thread's error information if the object keeps any for the interface, else null.
+IErrorInfo* TakeErrorInformation(IUnknown* called, REFIID interfaceId) {
+    ComPtr<ISupportErrorInfo> support;
+    if (FAILED(called->QueryInterface(IID_ISupportErrorInfo, reinterpret_cast<void**>(support.Put()))) ||
+        !support) {
+        return nullptr;
+    }
+    const bool supported = support->InterfaceSupportsErrorInfo(interfaceId) == S_OK;
+    support.Reset();
+    IErrorInfo* information = nullptr;
+    if (supported && FAILED(GetErrorInfo(0, &information))) {
+        return nullptr;
+    }
+    return information;
+}
+
+} // namespace
+
+IUnknown* ActivateObject(REFCLSID classId, REFIID interfaceId) {
+    ComPtr<IUnknown> object;
+    IUnknown* result = nullptr;
+    HRESULT status =
+        CoCreateInstance(classId, nullptr, kAnyContext, IID_IUnknown, reinterpret_cast<void**>(object.Put()));
+    if (SUCCEEDED(status)) {
+        status = OleRun(object.Get());
+    }
+    if (SUCCEEDED(status)) {
+        status = object->QueryInterface(interfaceId, reinterpret_cast<void**>(&result));
+    }
+    if (FAILED(status)) {
+        if (status != E_NOINTERFACE) {
+            throw ComError(status);
+        }
+        return nullptr;
+    }
+    return result;
+}
+
+void CheckCall(HRESULT status, IUnknown* called, REFIID interfaceId) {
+    if (FAILED(status)) {
+        throw ComError(status, TakeErrorInformation(called, interfaceId));
+    }
+}
+
+ComPtr<IDriverAutomation> ActivateForPrinter(const OString& printerName) {
+    ComPtr<IDriverAutomation> automation = Activate<DriverAutomation, IDriverAutomation>();
+    CallWithText(automation, &IDriverAutomation::PutPrinterName, printerName);
+    return automation;
+}
+
+} // namespace kemba
