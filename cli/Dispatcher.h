@@ -1,0 +1,33 @@
+// From the command word to a run of its command.
+#pragma once
+
+#include <memory>
+#include <span>
+
+#include "cli/Command_Base.h"
+
+namespace kemba {
+
+/// A command word, in lower case, and the command it stands for.
+struct CommandRow {
+    const wchar_t* word;
+    std::unique_ptr<Command_Base> (*make)(const ApplicationSettings&, ConsoleOutput&, const Arguments&);
+};
+
+/// Makes a command of the given class; for the rows of command tables.
+template<class Command>
+std::unique_ptr<Command_Base> MakeCommand(const ApplicationSettings& settings, ConsoleOutput& console,
+                                          const Arguments& arguments) {
+    return std::make_unique<Command>(settings, console, arguments);
+}
+
+/// The first row whose word equals `word` ignoring case, or null.
+const CommandRow* FindCommand(std::span<const CommandRow> table, const wchar_t* word);
+
+/// Runs the command that the first word names, with the other words as its arguments, and returns its result.
+/// False, with a message, when there is no word or no such command. What the command's own `Run` throws
+/// passes through.
+bool Dispatch(std::span<const CommandRow> table, const ApplicationSettings& settings, ConsoleOutput& console,
+              const OStringArray& words);
+
+} // namespace kemba
