@@ -1,0 +1,123 @@
+// Action command.
+#include "commands/Command_Action.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "automation/Activation.h"
+
+namespace kemba {
+namespace {
+
+struct Action {
+    const wchar_t* word;
+    long code; // part of the contract with the server
+};
+
+constexpr Action kActions[] = {
+    {L"Test", 1},
+    {L"Blank", 2},
+    {L"Cut", 3},
+    {L"Feed", 4},
+    {L"ManageCache", 5},
+    {L"FlushCache", 6},
+    {L"Reset", 7},
+    {L"FactoryDefaults", 8},
+    {L"Calibrate", 9},
+    {L"PrintConfiguration", 10},
+    {L"ConfigureMemory", 11},
+    {L"FormatMemory", 30}, // not 12, on purpose; no word has the code 12
+    {L"RFIDOptions", 13},
+    {L"StatusMonitoring", 14},
+    {L"ReadInformation", 15},
+    {L"SendPrinterCommand", 16},
+    {L"ConfigurePrinter", 17},
+};
+
+bool IsQueryOption(const wchar_t* word) {
+    return OCore::EqualsIgnoreCase(word, L"-n") || OCore::EqualsIgnoreCase(word, L"/n");
+}
+
+bool CallForFlag(const ComPtr<IDriverActions>& request, HRESULT (IDriverActions::*operation)(VARIANT_BOOL*)) {
+    VARIANT_BOOL flag = VARIANT_FALSE;
+    Call(request, operation, &flag);
+    return flag != VARIANT_FALSE;
+}
+
+} // namespace
+
+void Command_Action::ShowHelp() {
+    GetConsole().PrintMessage("help:action");
+}
+
+bool Command_Action::Execute(const OString& printerName) {
+    if (GetArguments().empty()) {
+        GetConsole().PrintMessage("error:NumberOfArguments");
+        return false;
+    }
+    ScanArguments();
+    try {
+        if (m_actionCode == 0) {
+            throw L"error:ActionUndefined";
+        }
+        Perform(printerName);
+        return true;
+    } catch (const ComError&) {
+        // The catalogue has no such section: an empty line is what a failure shows, on purpose.
+        GetConsole().PrintMessage("error:ActionNotSupported", m_actionWord);
+        return true;
+    } catch (const wchar_t* key) {
+        GetConsole().PrintMessage(key);
+        return true;
+    } catch (...) {
+        GetConsole().PrintMessage("error:Unspecified");
+        return false;
+    }
+}
+
+OString Command_Action::GetName() const {
+    return L"Action";
+}
+
+/// Takes in all words, the last action word winning; unknown ones are ignored.
+void Command_Action::ScanArguments() {
+    for (const wchar_t* const word : GetArguments()) {
+        if (IsQueryOption(word)) {
+            m_queryOnly = true;
+            continue;
+        }
+        const auto* const action =
+            std::find_if(std::begin(kActions), std::end(kActions),
+                         [word](const Action& row) { return OCore::EqualsIgnoreCase(word, row.word); });
+        if (action != std::end(kActions)) {
+            m_actionWord = action->word;
+            m_actionCode = action->code;
+        }
+    }
+}
+
+void Command_Action::Perform(const OString& printerName) {
+    GetConsole().PrintText(printerName + L":");
+    const auto automation = ActivateForPrinter(printerName);
+    const auto request = Activate<DriverActions, IDriverActions>();
+    // 1 and not VARIANT_TRUE, on purpose: servers take any value but 0 as true.
+    Call(request, &IDriverActions::PutExecute, static_cast<VARIANT_BOOL>(m_queryOnly ? 0 : 1));
+    Call(automation, &IDriverAutomation::PerformAction, m_actionCode, OwnedVariant(request.Get()).Get());
+
+    if (!m_queryOnly && CallForFlag(request, &IDriverActions::GetSupported)) {
+        GetConsole().PrintMessage("text:ActionComplete");
+        return;
+    }
+    // Also reached by an action that was carried out but not reported as such, a dialog for one: both
+    // questions then are asked after the action.
+    const char* key = "text:ActionNotSupported";
+    if (CallForFlag(request, &IDriverActions::GetSupported)) {
+        key = "text:ActionIsSupported";
+    }
+    if (CallForFlag(request, &IDriverActions::GetDisplaysInterface)) {
+        key = "text:ActionDisplayInterface";
+    }
+    GetConsole().PrintMessage(key, m_actionWord);
+}
+
+} // namespace kemba

@@ -1,0 +1,42 @@
+// Send command.
+#include "commands/Command_Send.h"
+
+#include "automation/Activation.h"
+#include "core/OFile.h"
+
+namespace kemba {
+
+void Command_Send::ShowHelp() {
+    GetConsole().PrintMessage("help:send");
+}
+
+bool Command_Send::Execute(const OString& printerName) {
+    if (GetArguments().empty()) {
+        GetConsole().PrintMessage("error:NumberOfArguments");
+        return false;
+    }
+    // Two handlers and no third, unlike the other commands: whatever else happens ends the run in
+    // Command_Base.
+    try {
+        const OString path = GetArguments().front();
+        if (!OFile::Exists(path)) {
+            throw L"error:FileNotFound";
+        }
+        const auto automation = ActivateForPrinter(printerName);
+        Call(automation, &IDriverAutomation::SendFile, OwnedBstr(path.Wide()).Get(), OwnedBstr(L"").Get());
+        GetConsole().PrintMessage("text:FileSent", printerName);
+        return true;
+    } catch (const ComError&) {
+        GetConsole().PrintMessage("error:CommandNotSupported");
+        return true;
+    } catch (const wchar_t* key) {
+        GetConsole().PrintMessage(key);
+        return false;
+    }
+}
+
+OString Command_Send::GetName() const {
+    return L"Send";
+}
+
+} // namespace kemba
