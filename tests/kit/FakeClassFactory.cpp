@@ -1,0 +1,66 @@
+// The class factories of the fake server.
+#include "tests/kit/FakeClassFactory.h"
+
+#include "tests/kit/FakeObjects.h"
+
+#include <objbase.h>
+
+#include <stdexcept>
+#include <utility>
+
+namespace kit {
+namespace {
+
+class FakeClassFactory final : public IClassFactory {
+  public:
+    FakeClassFactory(std::shared_ptr<ServerState> state, FakeClass which)
+        : m_state(std::move(state)), m_class(which) {}
+    FakeClassFactory(const FakeClassFactory&) = delete;
+    FakeClassFactory& operator=(const FakeClassFactory&) = delete;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
+        const bool known = IsEqualIID(id, __uuidof(IUnknown)) || IsEqualIID(id, __uuidof(IClassFactory));
+        *object = known ? static_cast<IClassFactory*>(this) : nullptr;
+        if (known)
+            AddRef();
+        return known ? S_OK : E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = --m_references;
+        if (left == 0)
+            delete this;
+        return left;
+    }
+
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID id, void** object) override {
+        *object = nullptr;
+        return outer ? CLASS_E_NOAGGREGATION : MakeFakeObject(m_state, m_class, id, object);
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(WINBOOL lock) override {
+        m_state->factoryLocks += lock ? 1 : -1;
+        return S_OK;
+    }
+
+  private:
+    ~FakeClassFactory() = default;
+
+    std::shared_ptr<ServerState> m_state;
+    FakeClass m_class;
+    ULONG m_references = 1;
+};
+
+} // namespace
+
+DWORD RegisterFakeClass(std::shared_ptr<ServerState> state, FakeClass which) {
+    auto* const factory = new FakeClassFactory(std::move(state), which);
+    DWORD registration = 0;
+    const HRESULT status = CoRegisterClassObject(ClassIdOf(which), factory, CLSCTX_INPROC_SERVER,
+                                                 REGCLS_MULTIPLEUSE, &registration);
+    factory->Release();
+    if (FAILED(status))
+        throw std::runtime_error("a class of the fake server cannot be registered");
+    return registration;
+}
+
+} // namespace kit

@@ -1,0 +1,82 @@
+// An error information object with a journal, whose texts are watched.
+#include "tests/kit/FakeErrorInformation.h"
+
+#include "tests/kit/TextWatch.h"
+
+#include <oaidl.h>
+
+#include <utility>
+
+namespace kit {
+namespace {
+
+using Text = std::optional<std::wstring>;
+
+class FakeErrorInformation final : public IErrorInfo {
+  public:
+    FakeErrorInformation(std::shared_ptr<ServerState> state, Text source, Text description)
+        : m_state(std::move(state)), m_source(std::move(source)), m_description(std::move(description)),
+          m_label("ErrorInformation#" + std::to_string(m_state->NextNumber("ErrorInformation"))) {
+        m_state->errorInformation.push_back(m_label);
+    }
+    FakeErrorInformation(const FakeErrorInformation&) = delete;
+    FakeErrorInformation& operator=(const FakeErrorInformation&) = delete;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
+        const bool known = IsEqualIID(id, __uuidof(IUnknown)) || IsEqualIID(id, __uuidof(IErrorInfo));
+        *object = known ? static_cast<IErrorInfo*>(this) : nullptr;
+        if (known)
+            AddRef();
+        return known ? S_OK : E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = --m_references;
+        if (left == 0)
+            delete this;
+        return left;
+    }
+
+    HRESULT STDMETHODCALLTYPE GetGUID(GUID* id) override {
+        *id = {};
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetSource(BSTR* source) override { return Give("GetSource", m_source, source); }
+    HRESULT STDMETHODCALLTYPE GetDescription(BSTR* description) override {
+        return Give("GetDescription", m_description, description);
+    }
+    HRESULT STDMETHODCALLTYPE GetHelpFile(BSTR* file) override {
+        *file = nullptr;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetHelpContext(DWORD* context) override {
+        *context = 0;
+        return S_OK;
+    }
+
+  private:
+    ~FakeErrorInformation() { std::erase(m_state->errorInformation, m_label); }
+
+    HRESULT Give(const std::string& operation, const Text& text, BSTR* out) const {
+        *out = nullptr;
+        m_state->journal.AddEvent(m_label + "." + operation + "()");
+        if (!text)
+            return E_FAIL;
+        *out = TextWatch::Give(*text, m_label + "." + operation);
+        return S_OK;
+    }
+
+    std::shared_ptr<ServerState> m_state;
+    Text m_source;
+    Text m_description;
+    std::string m_label;
+    ULONG m_references = 0;
+};
+
+} // namespace
+
+void SetFakeErrorInformation(std::shared_ptr<ServerState> state, Text source, Text description) {
+    SetErrorInfo(0, new FakeErrorInformation(std::move(state), std::move(source), std::move(description)));
+}
+
+} // namespace kit

@@ -1,0 +1,104 @@
+// The COM side of the fake server's objects: one contract interface, error information, the running state.
+#pragma once
+
+#include "tests/kit/FakeIdentity.h"
+
+#include <windows.h>
+
+#include <oaidl.h>
+#include <objidl.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace kit {
+
+/// An object with one dual interface, made with no reference; it deletes itself when the last one goes.
+template<class Interface>
+class FakeObject : public Interface, public ISupportErrorInfo, public IRunnableObject, public FakeIdentity {
+  public:
+    FakeObject(std::shared_ptr<ServerState> state, std::string_view className, int number)
+        : FakeIdentity(std::move(state), className, ContractInterfaceName(__uuidof(Interface)), number) {
+        State().objects.emplace(Identity(), this);
+    }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
+        *object = Find(id);
+        if (!*object)
+            return E_NOINTERFACE;
+        AddRef();
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = --m_references;
+        if (left == 0)
+            delete this;
+        return left;
+    }
+
+    // Dispatch is there because the interfaces are dual; a client of the contract calls early bound.
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+        *count = 0;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
+        *info = nullptr;
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+        return CallReserved("GetIDsOfNames");
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                                     UINT*) override {
+        return CallReserved("Invoke");
+    }
+
+    HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID id) override {
+        AddEvent("InterfaceSupportsErrorInfo(" + std::string(ContractInterfaceName(id)) + ")");
+        return Support() == ErrorInfoSupport::Yes && IsEqualIID(id, __uuidof(Interface)) ? S_OK : S_FALSE;
+    }
+
+    HRESULT STDMETHODCALLTYPE GetRunningClass(CLSID* id) override {
+        *id = {};
+        return E_UNEXPECTED;
+    }
+    HRESULT STDMETHODCALLTYPE Run(IBindCtx*) override {
+        AddEvent("Run()");
+        return EventStatus("Run");
+    }
+    WINBOOL STDMETHODCALLTYPE IsRunning() override { return TRUE; }
+    HRESULT STDMETHODCALLTYPE LockRunning(WINBOOL, WINBOOL) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE SetContainedObject(WINBOOL) override { return S_OK; }
+
+  protected:
+    virtual ~FakeObject() {
+        State().objects.erase(Identity());
+        State().journal.AddEvent("~" + Label());
+    }
+
+  private:
+    IUnknown* Identity() { return static_cast<Interface*>(this); }
+
+    /// The interface without a reference of its own, or null.
+    void* Find(REFIID id) {
+        if (IsEqualIID(id, __uuidof(IUnknown)) || IsEqualIID(id, __uuidof(IDispatch)))
+            return static_cast<Interface*>(this);
+        if (IsEqualIID(id, __uuidof(IRunnableObject)))
+            return static_cast<IRunnableObject*>(this);
+        if (IsEqualIID(id, __uuidof(ISupportErrorInfo)))
+            return Support() == ErrorInfoSupport::Absent ? nullptr : static_cast<ISupportErrorInfo*>(this);
+        const std::string_view name = ContractInterfaceName(id);
+        if (name.empty())
+            return nullptr;
+        AddEvent("QueryInterface(" + std::string(name) + ")");
+        const bool offered = IsEqualIID(id, __uuidof(Interface)) && SUCCEEDED(EventStatus("QueryInterface"));
+        return offered ? static_cast<Interface*>(this) : nullptr;
+    }
+
+    ULONG m_references = 0;
+};
+
+} // namespace kit

@@ -1,0 +1,69 @@
+// Runs of built programs as processes of their own.
+#include "tests/kit/ProcessRun.h"
+
+#include "tests/kit/CommandLine.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/OutputChannel.h"
+
+#include <stdexcept>
+
+namespace kit {
+namespace {
+
+std::wstring FolderOfThisProgram() {
+    wchar_t path[MAX_PATH];
+    const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
+    const std::wstring_view whole(path, length);
+    return std::wstring(whole.substr(0, whole.find_last_of(L"\\/")));
+}
+
+} // namespace
+
+std::wstring ProgramPath(std::wstring_view name) {
+    const std::wstring folder = EnvironmentVariable(L"KEMBA_PROGRAMS");
+    return (folder.empty() ? FolderOfThisProgram() : folder) + L"\\" + std::wstring(name);
+}
+
+ProcessResult RunProgram(std::wstring_view name, const std::vector<std::wstring>& words,
+                         const ProcessOptions& options) {
+    const std::wstring path = ProgramPath(name);
+    std::wstring line = L"\"" + path + L"\"";
+    if (!words.empty())
+        line += L" " + MakeCommandLine(words);
+    std::wstring environment = EnvironmentBlock(options.environment);
+
+    OutputChannel output(options.outputToFile);
+    OutputChannel errors(false);
+    const Handle input = OpenEmptyInput();
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = input.Get();
+    startup.hStdOutput = output.WriteEnd();
+    startup.hStdError = errors.WriteEnd();
+    PROCESS_INFORMATION started{};
+    if (!CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE, CREATE_UNICODE_ENVIRONMENT,
+                        environment.data(), nullptr, &startup, &started))
+        throw std::runtime_error("the program cannot be started, error " + std::to_string(GetLastError()));
+    const Handle process(started.hProcess);
+    const Handle thread(started.hThread);
+
+    ProcessResult result;
+    const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(options.timeout.count());
+    // A pipe holds little: it must be emptied while the program runs.
+    while (WaitForSingleObject(process.Get(), 5) == WAIT_TIMEOUT) {
+        output.Drain();
+        errors.Drain();
+        if (GetTickCount64() >= end) {
+            result.timedOut = true;
+            TerminateProcess(process.Get(), 1);
+            WaitForSingleObject(process.Get(), INFINITE);
+        }
+    }
+    GetExitCodeProcess(process.Get(), &result.status);
+    result.output = output.Finish();
+    result.errors = errors.Finish();
+    return result;
+}
+
+} // namespace kit

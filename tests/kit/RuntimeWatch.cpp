@@ -1,0 +1,73 @@
+// A spy on the initialisation of the component runtime.
+#include "tests/kit/RuntimeWatch.h"
+
+#include <objbase.h>
+#include <objidl.h>
+
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace kit {
+
+class RuntimeWatch::Spy final : public IInitializeSpy {
+  public:
+    explicit Spy(std::shared_ptr<ServerState> state) : m_state(std::move(state)) {}
+
+    int Balance() const { return m_balance; }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
+        const bool known = IsEqualIID(id, __uuidof(IUnknown)) || IsEqualIID(id, __uuidof(IInitializeSpy));
+        *object = known ? static_cast<IInitializeSpy*>(this) : nullptr;
+        if (known)
+            AddRef();
+        return known ? S_OK : E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = --m_references;
+        if (left == 0)
+            delete this;
+        return left;
+    }
+
+    HRESULT STDMETHODCALLTYPE PreInitialize(DWORD, DWORD) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE PostInitialize(HRESULT status, DWORD apartment, DWORD) override {
+        m_state->journal.AddEvent("CoInitialize(" + std::to_string(apartment) + ")");
+        if (SUCCEEDED(status))
+            ++m_balance;
+        return status;
+    }
+    HRESULT STDMETHODCALLTYPE PreUninitialize(DWORD) override {
+        m_state->journal.AddEvent("CoUninitialize()");
+        --m_balance;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE PostUninitialize(DWORD) override { return S_OK; }
+
+  private:
+    ~Spy() = default;
+
+    std::shared_ptr<ServerState> m_state;
+    ULONG m_references = 1;
+    int m_balance = 0;
+};
+
+RuntimeWatch::RuntimeWatch(std::shared_ptr<ServerState> state) : m_spy(new Spy(std::move(state))) {
+    if (FAILED(CoInitialize(nullptr)) || FAILED(CoRegisterInitializeSpy(m_spy, &m_cookie))) {
+        m_spy->Release();
+        throw std::runtime_error("the component runtime cannot be initialised and watched");
+    }
+}
+
+RuntimeWatch::~RuntimeWatch() {
+    CoRevokeInitializeSpy(m_cookie);
+    m_spy->Release();
+    CoUninitialize();
+}
+
+int RuntimeWatch::Balance() const {
+    return m_spy->Balance();
+}
+
+} // namespace kit

@@ -1,0 +1,32 @@
+// The component runtime of the test's thread, and how a client initialises it.
+#pragma once
+
+#include "tests/kit/ServerState.h"
+
+#include <windows.h>
+
+#include <memory>
+
+namespace kit {
+
+/// Initialises the runtime (single-threaded apartment) and journals what others do with it from then on:
+/// `CoInitialize(2)` with the kind of apartment asked for, and `CoUninitialize()`.
+class RuntimeWatch {
+  public:
+    /// Throws std::runtime_error when the runtime cannot be initialised or watched.
+    explicit RuntimeWatch(std::shared_ptr<ServerState> state);
+    RuntimeWatch(const RuntimeWatch&) = delete;
+    RuntimeWatch& operator=(const RuntimeWatch&) = delete;
+    ~RuntimeWatch();
+
+    /// Initialisations by others that are not undone yet; negative when they undid more.
+    int Balance() const;
+
+  private:
+    class Spy;
+
+    Spy* m_spy; // one reference is ours
+    ULARGE_INTEGER m_cookie{};
+};
+
+} // namespace kit

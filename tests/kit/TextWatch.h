@@ -1,0 +1,34 @@
+// Finds BSTRs that nobody freed, by watching the task allocator from which they come.
+#pragma once
+
+#include <windows.h>
+
+#include <oleauto.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kit {
+
+/// The watch over the texts of the present test; one per process.
+///
+/// The system's cache of freed BSTRs is switched off so that every free reaches the allocator. The watch is
+/// set up at its first use and stays until the process ends: allocations made before that are unknown to it.
+namespace TextWatch {
+
+/// Sets the watch up and forgets all texts watched so far. Needs an initialised component runtime.
+void Start();
+
+/// Makes a BSTR that must be freed by whoever receives it; `label` tells where it came from.
+BSTR Give(std::wstring_view text, std::string_view label);
+
+/// Watches a BSTR that the client made: it too must be freed. False when it lies in no live allocation, which
+/// means that it is no BSTR at all. A null counts as a BSTR and needs no freeing.
+bool Receive(BSTR text, std::string_view label);
+
+/// The labels of the watched texts that are not freed yet, in order of address.
+std::vector<std::string> Live();
+
+} // namespace TextWatch
+} // namespace kit
