@@ -12,7 +12,9 @@ function(kemba_tests name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} kemba_resources kemba_options GTest::gtest_main)
+    # Tests run where the sources are, so that they can look at them.
     gtest_discover_tests(${name}
+        WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}
         DISCOVERY_TIMEOUT 120
         PROPERTIES TIMEOUT 120)
 endfunction()
