@@ -30,16 +30,16 @@ class OBaseArray {
     std::int32_t GetCapacity() const { return m_capacity; }
     std::int32_t GetGrowBy() const { return m_growBy; }
 
-    /// Sets the number of elements; size 0 frees the data. `growBy` is how many elements are added at least when the
-    /// capacity grows, 0 for an eighth of the size within 4 to 1024. False, and nothing changed, when memory is short
-    /// or `size` is negative.
+    /// Sets the number of elements; size 0 frees the data. `growBy` is how many elements are added at least
+    /// when the capacity grows, 0 for an eighth of the size within 4 to 1024. False, and nothing changed,
+    /// when memory is short or `size` is negative.
     bool SetSize(std::int32_t size, std::int32_t growBy = kKeepGrowBy);
 
   protected:
     void* At(std::int32_t index) const { return m_data + static_cast<std::size_t>(index) * ElementSize; }
 
-    /// Grows by one and opens a zero-filled gap at `index`, from 0 to the size. False when memory is short; throws
-    /// std::length_error when no further element can be counted.
+    /// Grows by one and opens a zero-filled gap at `index`, from 0 to the size. False when memory is short;
+    /// throws std::length_error when no further element can be counted.
     bool OpenGap(std::int32_t index);
     /// Closes the gap of one element at `index`, whose contents are dropped as bytes.
     void CloseGap(std::int32_t index);
@@ -59,8 +59,8 @@ class OBaseArray {
     std::int32_t m_growBy = 0;
 };
 
-/// Whether elements may be moved as bytes and all-zero bytes are an empty element. True for plain values; a class
-/// whose only contents is a pointer or two that nothing points back to says so here.
+/// Whether elements may be moved as bytes and all-zero bytes are an empty element. True for plain values; a
+/// class whose only contents is a pointer or two that nothing points back to says so here.
 template<class T>
 inline constexpr bool kMovesAsBytes = std::is_trivially_copyable_v<T>;
 template<>
@@ -126,28 +126,27 @@ bool OBaseArray<ElementSize>::SetSize(std::int32_t size, std::int32_t growBy) {
     if (size < 0) {
         return false;
     }
-    if (growBy != kKeepGrowBy) {
-        m_growBy = growBy;
-    }
+    const std::int32_t newGrowBy = growBy == kKeepGrowBy ? m_growBy : growBy;
     if (size == 0) {
         std::free(m_data);
         m_data = nullptr;
         m_size = m_capacity = 0;
-        return true;
-    }
-    if (!m_data) {
+    } else if (!m_data) {
         if (!Reallocate(size)) {
             return false;
         }
     } else if (size > m_capacity) {
         const std::int32_t step =
-            m_growBy != 0 ? m_growBy : std::clamp(m_size / 8, kMinimumStep, kMaximumStep);
+            newGrowBy != 0 ? newGrowBy : std::clamp(m_size / 8, kMinimumStep, kMaximumStep);
         if (!Reallocate(std::max<std::int64_t>(size, std::int64_t{m_capacity} + step))) {
             return false;
         }
     }
-    Zero(std::min(m_size, size), std::max(m_size, size));
+    if (size != m_size) {
+        Zero(std::min(m_size, size), std::max(m_size, size));
+    }
     m_size = size;
+    m_growBy = newGrowBy;
     return true;
 }
 

@@ -34,6 +34,9 @@ std::uint32_t Now() {
 
 OEventLogBase::OEventLogBase(const OString& source)
     : m_source(source), m_maskPath(OString("LOCAL:DebugLogMasks\\") + source) {
+    // Threads read these two at the same time, so none of them may have to convert one.
+    m_source.Wide();
+    m_maskPath.Wide();
     const std::uint32_t mask = ReadMask();
     m_mask = mask;
     m_lastRefresh = Now();
@@ -42,13 +45,14 @@ OEventLogBase::OEventLogBase(const OString& source)
 
 OEventLogBase::~OEventLogBase() {
     if (m_eventSource) {
-        DeregisterEventSource(m_eventSource);
+        OCore::TheSystemCalls().deregisterEventSource(m_eventSource);
     }
 }
 
 bool OEventLogBase::IsEnabled(std::uint32_t bits) {
+    const std::uint32_t last = m_lastRefresh; // before the clock: meanwhile a thread may store a later tick
     const std::uint32_t now = Now();
-    if (now - m_lastRefresh > kRefreshMilliseconds) {
+    if (now - last > kRefreshMilliseconds) {
         if (!m_maskPath.IsEmpty()) {
             m_lastRefresh = now;
             m_mask = ReadMask();

@@ -38,10 +38,14 @@ class OEventLogBase {
     std::atomic<std::uint32_t> m_mask{kDefaultMask};
     std::atomic<std::uint32_t> m_lastRefresh{0}; // low 32 bits of the tick count, milliseconds
     OCriticalSection m_lock;
-    HANDLE m_eventSource = nullptr; // Windows event-log source; never set in this tool
+
+  protected:
+    HANDLE m_eventSource = nullptr; // owned Windows event-log source; never set in this tool
+
+  private:
     OString m_source;
-    OString m_second;    // not read in this tool
-    bool m_flag = false; // not read in this tool
+    OString m_second;                     // not read in this tool
+    [[maybe_unused]] bool m_flag = false; // not read in this tool
     OString m_maskPath;
 };
 
@@ -54,8 +58,8 @@ class OEventLogTagList {
     OStringArray m_tags;
 };
 
-/// A component's log, held through a shared pointer. It answers by its source's base or, when it has none, by that
-/// of the nearest parent that has one.
+/// A component's log, held through a shared pointer. It answers by its source's base or, when it has none, by
+/// that of the nearest parent that has one.
 class OEventLog : public OEventLogTagList {
   public:
     explicit OEventLog(const OString& source);
@@ -71,8 +75,8 @@ class OEventLog : public OEventLogTagList {
 
   private:
     OCriticalSection m_lock;
-    std::int32_t m_firstSetting = 45;   // not read in this tool
-    std::int32_t m_secondSetting = 120; // not read in this tool
+    [[maybe_unused]] std::int32_t m_firstSetting = 45;   // not read in this tool
+    [[maybe_unused]] std::int32_t m_secondSetting = 120; // not read in this tool
     std::shared_ptr<OEventLogBase> m_base;
     std::shared_ptr<OEventLog> m_parent;
 };

@@ -16,8 +16,8 @@ DWORD ShareOf(std::uint32_t mode) {
 HANDLE OpenHandle(const OString& name, std::uint32_t mode) {
     const DWORD access = mode & OFile::kWrite ? GENERIC_READ | GENERIC_WRITE : GENERIC_READ;
     const DWORD disposition = mode & OFile::kOpenAlways ? OPEN_ALWAYS : OPEN_EXISTING;
-    const HANDLE handle = CreateFileW(name.Wide(), access, ShareOf(mode), nullptr, disposition,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE handle =
+        CreateFileW(name.Wide(), access, ShareOf(mode), nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
     return handle == INVALID_HANDLE_VALUE ? nullptr : handle;
 }
 

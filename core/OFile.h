@@ -12,7 +12,7 @@
 /// Operations on a closed file return 0 or false; a failed read or write returns 0.
 class OFile : public OCore::OStream {
   public:
-    /// Open mode bits; the sharing values exclude each other, and none of them means sharing reads and writes.
+    /// Open mode bits; the sharing values exclude each other, and without one reads and writes are shared.
     enum Mode : std::uint32_t {
         kRead = 0x0000,
         kWrite = 0x0001, ///< read and write; truncates unless `kAppend`

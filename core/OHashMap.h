@@ -9,16 +9,16 @@
 
 namespace OCore {
 
-/// CRC-32 (reflected polynomial 0xEDB88320) of a text's 8-bit form, its terminating zero byte included on purpose:
-/// the values differ from the plain CRC-32 of the text.
+/// CRC-32 (reflected polynomial 0xEDB88320) of a text's 8-bit form, its terminating zero byte included on
+/// purpose: the values differ from the plain CRC-32 of the text.
 struct StringHash {
     std::uint32_t operator()(const OString& key) const;
 };
 
 } // namespace OCore
 
-/// A map sorted ascending by `Hash` of the key; entries with equal hashes stand next to each other and are told apart
-/// by `operator==` of the key. A key inserted again stands before its older entry and hides it.
+/// A map sorted ascending by `Hash` of the key; entries with equal hashes stand next to each other and are
+/// told apart by `operator==` of the key. A key inserted again stands before its older entry and hides it.
 template<class Key, class Value, class Hash>
 class OHashMap {
   public:
@@ -66,13 +66,12 @@ class OHashMap {
         return index;
     }
 
-    /// Where among `size` entries a hash would stand if hashes were spread evenly; the highest hash stands at the end.
+    /// Where among `size` entries a hash would stand if hashes were spread evenly; the highest, at the end.
     static std::int32_t Estimate(std::uint32_t hash, std::int32_t size) {
         constexpr std::uint32_t kHighest = 0xFFFFFFFF;
-        return hash == kHighest ? size
-                                : static_cast<std::int32_t>(std::uint64_t{hash} *
-                                                                static_cast<std::uint32_t>(size) >>
-                                                            32);
+        return hash == kHighest
+                   ? size
+                   : static_cast<std::int32_t>(std::uint64_t{hash} * static_cast<std::uint32_t>(size) >> 32);
     }
 
   private:

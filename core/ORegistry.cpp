@@ -22,8 +22,8 @@ struct Alias {
     const char* expansion;
 };
 
-// Names in square brackets are places for a printer's or server's name; whoever uses such an alias fills them in
-// before the path reaches OpenKey.
+// Names in square brackets are places for a printer's or server's name; whoever uses such an alias fills them
+// in before the path reaches OpenKey.
 constexpr Alias kAliases[] = {
     {"CLASSES_ROOT", "0:"},
     {"CURRENT_USER", "1:"},
@@ -39,9 +39,11 @@ constexpr Alias kAliases[] = {
     {"DATA", "2:SYSTEM/CurrentControlSet/Control/Print/Printers/[PRINTER]/PrinterDriverData"},
     {"CACHE", "2:SYSTEM/CurrentControlSet/Control/Print/Printers/[PRINTER]/PrinterDriverData/Cache"},
     {"DEBUG", "2:SYSTEM/CurrentControlSet/Control/Print/Printers/[PRINTER]/PrinterDriverData/Development"},
-    {"FONTS", "2:SYSTEM/CurrentControlSet/Control/Print/Printers/[PRINTER]/PrinterDriverData/Downloaded Fonts"},
+    {"FONTS",
+     "2:SYSTEM/CurrentControlSet/Control/Print/Printers/[PRINTER]/PrinterDriverData/Downloaded Fonts"},
     {"MODEL", "2:SYSTEM/CurrentControlSet/Control/Print/Printers/[PRINTER]/PrinterDriverData/Model"},
-    {"PAPERSIZES", "2:SYSTEM/CurrentControlSet/Control/Print/Printers/[PRINTER]/PrinterDriverData/Paper Sizes"},
+    {"PAPERSIZES",
+     "2:SYSTEM/CurrentControlSet/Control/Print/Printers/[PRINTER]/PrinterDriverData/Paper Sizes"},
     {"PRESETS", "2:SYSTEM/CurrentControlSet/Control/Print/Printers/[PRINTER]/PrinterDriverData/Presets"},
     {"SECURITY", "2:SYSTEM/CurrentControlSet/Control/Print/Printers/[PRINTER]/PrinterDriverData/Security"},
     {"SETTINGS", "2:SYSTEM/CurrentControlSet/Control/Print/Printers/[PRINTER]/PrinterDriverData/Settings"},
@@ -64,6 +66,13 @@ using OwnedKey = std::unique_ptr<std::remove_pointer_t<HKEY>, KeyCloser>;
 
 using AliasTable = std::map<OString, OString>;
 
+/// An 8-bit text with its UTF-16 form made as well: what several threads read must not be converted by them.
+OString InBothForms(const char* text) {
+    const OString both = text;
+    both.Wide();
+    return both;
+}
+
 /// The alias table, filled on first use and only read afterwards; it lives until the process ends.
 const AliasTable& TheAliases() {
     static OCriticalSection& lock = *new OCriticalSection;
@@ -73,7 +82,7 @@ const AliasTable& TheAliases() {
         const OScopedLock hold(lock);
         if (!built) {
             for (const Alias& alias : kAliases) {
-                table.emplace(alias.name, alias.expansion);
+                table.emplace(InBothForms(alias.name), InBothForms(alias.expansion));
             }
             built = true;
         }
@@ -132,8 +141,8 @@ HKEY ORegistry::OpenKey(const OString& path, bool create) const {
             return key;
         }
     }
-    if (create && RegCreateKeyExW(root, subkey.Wide(), 0, nullptr, 0, m_extraAccess | kReadWriteAccess, nullptr,
-                                  &key, nullptr) == ERROR_SUCCESS) {
+    if (create && RegCreateKeyExW(root, subkey.Wide(), 0, nullptr, 0, m_extraAccess | kReadWriteAccess,
+                                  nullptr, &key, nullptr) == ERROR_SUCCESS) {
         return key;
     }
     return nullptr;
@@ -149,14 +158,17 @@ std::int32_t ORegistry::ReadValue(const OString& valuePath, void* destination, s
     if (!key) {
         return kKeyNotOpen;
     }
-    std::vector<std::byte> buffer(capacity);
+    // Never without a buffer: the query would then succeed for a value that does not fit.
+    std::vector<std::byte> buffer(std::max(capacity, 1U));
     DWORD size = capacity;
     const LSTATUS status = RegQueryValueExW(key.get(), name.Wide(), nullptr, nullptr,
                                             reinterpret_cast<BYTE*>(buffer.data()), &size);
     if (status != ERROR_SUCCESS) {
         return status == ERROR_MORE_DATA ? kMoreData : kFailed;
     }
-    std::memcpy(destination, buffer.data(), std::min<std::size_t>(size, capacity));
+    if (size > 0) {
+        std::memcpy(destination, buffer.data(), std::min<std::size_t>(size, capacity));
+    }
     return static_cast<std::int32_t>(size);
 }
 
@@ -251,8 +263,8 @@ void ORegistry::DecodePercent(OString& text) {
     std::ptrdiff_t found = text.Find(L'%');
     while (found > 0 && static_cast<std::size_t>(found) + 2 < text.GetLength()) {
         const auto at = static_cast<std::size_t>(found);
-        const OString digits = text.Middle(at + 1, 2);
-        const unsigned code = DigitValue(digits.Wide()[0]) * 16 + DigitValue(digits.Wide()[1]);
+        const unsigned high = DigitValue(text.Left(at + 2).LastCharacter());
+        const unsigned code = high * 16 + DigitValue(text.Left(at + 3).LastCharacter());
         text.Delete(at, 3).Insert(at, OString(static_cast<wchar_t>(code & 0xFF)));
         found = text.Find(L'%', at);
     }

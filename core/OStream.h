@@ -9,8 +9,8 @@
 
 namespace OCore {
 
-/// Base of all streams: a kind of stream supplies `WriteRaw`, and flushes in its own destructor if it wants to.
-/// No operation throws or reports text.
+/// Base of all streams: a kind of stream supplies `WriteRaw`, and flushes in its own destructor if it wants
+/// to. No operation throws or reports text.
 class OStream {
   public:
     /// What `Write` does when the buffer is full.

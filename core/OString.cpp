@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "core/SystemCalls.h"
 #include "core/Utf8.h"
 
 namespace {
@@ -302,9 +303,11 @@ std::ptrdiff_t OString::Find(wchar_t character, std::size_t from) const {
     if (WorksOnWide()) {
         return Index(Units<wchar_t>().find(character, from));
     }
-    const OString inThisCodePage = OString(character).InCodePage(GetCodePage());
-    const std::string_view byte = inThisCodePage.Narrow();
-    return byte.size() == 1 ? Index(Units<char>().find(byte, from)) : kNotFound;
+    const OString converted = OString(character).InCodePage(GetCodePage());
+    const std::string_view byte = converted.Narrow();
+    // What the code page cannot hold was converted to something else, which is not to be found in its place.
+    const bool held = byte.size() == 1 && OString(byte.data(), GetCodePage()).Wide()[0] == character;
+    return held ? Index(Units<char>().find(byte, from)) : kNotFound;
 }
 
 std::ptrdiff_t OString::FindLastOf(const OString& set) const {
@@ -324,9 +327,8 @@ OString& OString::ReplaceAll(const OString& what, const OString& with) {
 
 OString& OString::TrimRight(const OString& set) {
     const auto kept = [](auto text, auto trimmed) { return text.find_last_not_of(trimmed) + 1; };
-    return *this = WorksOnWideWith(set)
-                       ? Part<wchar_t>(0, kept(Units<wchar_t>(), set.Units<wchar_t>()))
-                       : Part<char>(0, kept(Units<char>(), set.Units<char>()));
+    return *this = WorksOnWideWith(set) ? Part<wchar_t>(0, kept(Units<wchar_t>(), set.Units<wchar_t>()))
+                                        : Part<char>(0, kept(Units<char>(), set.Units<char>()));
 }
 
 OString& OString::Delete(std::size_t position, std::size_t count) {
@@ -358,12 +360,13 @@ int OString::Compare(const OString& other) const {
 }
 
 OString& OString::ToUpper() {
-    const int needed = LCMapStringW(LOCALE_USER_DEFAULT, LCMAP_UPPERCASE, Wide(), -1, nullptr, 0);
+    auto* const map = OCore::TheSystemCalls().lcMapString;
+    const int needed = map(LOCALE_USER_DEFAULT, LCMAP_UPPERCASE, Wide(), -1, nullptr, 0);
     if (needed < 1) {
         return *this;
     }
     std::wstring mapped(static_cast<std::size_t>(needed), L'\0');
-    LCMapStringW(LOCALE_USER_DEFAULT, LCMAP_UPPERCASE, Wide(), -1, mapped.data(), needed);
+    map(LOCALE_USER_DEFAULT, LCMAP_UPPERCASE, Wide(), -1, mapped.data(), needed);
     return Assign<wchar_t>(mapped.c_str());
 }
 

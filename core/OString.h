@@ -14,7 +14,7 @@ namespace OCore {
 /// Code page values with a meaning of the library's own; every other value is a Windows code page.
 inline constexpr std::uint32_t kCodePageAnsi = 0;      ///< the system's ANSI code page, asked for at each use
 inline constexpr std::uint32_t kCodePageUtf8 = 1208;   ///< UTF-8 by the library's own converter
-inline constexpr std::uint32_t kCodePageBytes = 64999; ///< byte for unit: a byte is the UTF-16 unit of its value
+inline constexpr std::uint32_t kCodePageBytes = 64999; ///< byte for unit: a byte is the unit of its value
 
 /// Compares two zero-terminated texts as whole words, folding a to z and nothing else.
 bool EqualsIgnoreCase(const wchar_t* left, const wchar_t* right);
@@ -23,10 +23,10 @@ bool EqualsIgnoreCase(const wchar_t* left, const wchar_t* right);
 
 /// A zero-terminated text whose copies share one reference-counted body.
 ///
-/// Positions and lengths count units of the form that character operations work on: the 8-bit form, unless it is
-/// absent or its code page is multi-byte or UTF-8, in which case the UTF-16 form.
-/// No operation reports a failure; what a code page cannot hold is converted as the system converts it.
-/// Only the reference count is atomic: producing a missing form writes into the shared body.
+/// Positions and lengths count units of the form that character operations work on: the 8-bit form, unless it
+/// is absent or its code page is multi-byte or UTF-8, in which case the UTF-16 form. No operation reports a
+/// failure; what a code page cannot hold is converted as the system converts it. Only the reference count is
+/// atomic: producing a missing form writes into the shared body.
 class OString {
   public:
     /// The text's shared body.
@@ -62,7 +62,7 @@ class OString {
     const char* Narrow() const;
     /// The UTF-16 form, never null; owned by the text and valid until it changes.
     const wchar_t* Wide() const;
-    /// The same text tagged with another code page: its UTF-16 form alone, from which the 8-bit one is made anew.
+    /// The same text tagged with another code page: its UTF-16 form alone, so the 8-bit one is made anew.
     OString InCodePage(std::uint32_t codePage) const;
 
     OString& Append(const OString& text);
@@ -98,7 +98,7 @@ class OString {
 
     /// Maps to upper case by the user's locale; a text that the system cannot map stays as it is.
     OString& ToUpper();
-    /// Replaces the text by a formatted one as `wvsprintfW` does it (at most 1024 characters); returns its count.
+    /// Replaces the text by one that `wvsprintfW` formats (at most 1024 characters); returns its count.
     int Format(const wchar_t* format, ...);
 
     /// The shared body, or null; for looking at what is held, not for changing it.
@@ -107,9 +107,12 @@ class OString {
   private:
     bool WorksOnWide() const;
     bool WorksOnWideWith(const OString& other) const;
-    template<class Unit> std::basic_string_view<Unit> Units() const;
-    template<class Unit> OString& Assign(std::basic_string_view<Unit> text);
-    template<class Unit> OString Part(std::size_t position, std::size_t count) const;
+    template<class Unit>
+    std::basic_string_view<Unit> Units() const;
+    template<class Unit>
+    OString& Assign(std::basic_string_view<Unit> text);
+    template<class Unit>
+    OString Part(std::size_t position, std::size_t count) const;
     /// Gives this text a body of its own with room for `length` characters; what it held may be lost.
     void Prepare(std::size_t length);
 

@@ -24,7 +24,7 @@ OScopedLock::OScopedLock(OSynchronizer& lock) : m_lock(&lock) {
 
 void OScopedLock::Release() {
     if (m_held) {
-        m_held = false;
         m_lock->Unlock();
+        m_held = false;
     }
 }

@@ -7,14 +7,17 @@
 
 namespace OCore {
 
-/// The calls, each with the platform's own as its value. Tests put others in their place; the program never does.
+/// The calls, each the platform's own. Tests put others in their place; the program never does.
 struct SystemCalls {
     decltype(&::GetTickCount64) getTickCount64 = &::GetTickCount64;
     decltype(&::GetVersionExW) getVersionEx = &::GetVersionExW;
     decltype(&::GetSystemMetrics) getSystemMetrics = &::GetSystemMetrics;
     decltype(&::GetProfileStringW) getProfileString = &::GetProfileStringW;
+    decltype(&::LCMapStringW) lcMapString = &::LCMapStringW;
+    decltype(&::DeregisterEventSource) deregisterEventSource = &::DeregisterEventSource;
     decltype(&::EnumPrintersW) enumPrinters = &::EnumPrintersW;
-    decltype(&::GetDefaultPrinterW) getDefaultPrinter; ///< by ordinal; null where the spooler library lacks it
+    /// By ordinal; null where the spooler library lacks it.
+    decltype(&::GetDefaultPrinterW) getDefaultPrinter;
 
     SystemCalls();
 };

@@ -6,9 +6,10 @@
 
 namespace OCore {
 
-/// Decodes without validating, on purpose: a two- or three-byte lead takes the bytes that follow whatever they are,
-/// and every other byte with the high bit set, stray continuation bytes included, is read as a four-byte lead under
-/// the mask 0x0F. Bytes missing at the end count as zero. Surrogate pairs are made from the low 16 bits.
+/// Decodes without validating, on purpose: a two- or three-byte lead takes the bytes that follow whatever
+/// they are, and every other byte with the high bit set, stray continuation bytes included, is read as a
+/// four-byte lead under the mask 0x0F. Bytes missing at the end count as zero. Surrogate pairs are made from
+/// the low 16 bits.
 std::wstring DecodeUtf8(std::string_view bytes);
 
 /// Encodes UTF-16; a lone surrogate becomes three bytes, from which `DecodeUtf8` makes it again.
