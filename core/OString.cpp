@@ -366,8 +366,8 @@ OString& OString::ToUpper() {
         return *this;
     }
     std::wstring mapped(static_cast<std::size_t>(needed), L'\0');
-    map(LOCALE_USER_DEFAULT, LCMAP_UPPERCASE, Wide(), -1, mapped.data(), needed);
-    return Assign<wchar_t>(mapped.c_str());
+    const int written = map(LOCALE_USER_DEFAULT, LCMAP_UPPERCASE, Wide(), -1, mapped.data(), needed);
+    return written < 1 ? *this : Assign<wchar_t>(mapped.c_str());
 }
 
 int OString::Format(const wchar_t* format, ...) {
