@@ -1,0 +1,161 @@
+// Maps sorted by hash: the hash itself, positions, equal hashes.
+#include "core/OHashMap.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+/// A key that is its own hash, but for a name that tells keys of one hash apart.
+struct NamedHash {
+    std::uint32_t hash = 0;
+    int name = 0;
+    bool operator==(const NamedHash& other) const { return hash == other.hash && name == other.name; }
+};
+struct HashOf {
+    std::uint32_t operator()(const NamedHash& key) const { return key.hash; }
+};
+using NamedMap = OHashMap<NamedHash, int, HashOf>;
+
+TEST(StringHash, IsTheCrc32WithTheTerminatingZero) {
+    const struct {
+        const char* text;
+        std::uint32_t hash;
+    } rows[] = {
+        {"", 0xD202EF8D},
+        {"a", 0x3D3F4819},
+        {"123456789", 0x00C49E49},
+        {"Brandle KEMBA CLI", 0x20F7B447},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        EXPECT_EQ(OCore::StringHash()(row.text), row.hash);
+    }
+    EXPECT_EQ(OCore::StringHash()(OString()), 0xD202EF8DU);
+    EXPECT_NE(OCore::StringHash()("123456789"), 0xCBF43926U); // the plain CRC-32 of that text
+}
+
+TEST(StringHash, IsTakenOverThe8BitForm) {
+    EXPECT_EQ(OCore::StringHash()(OString("\x80", 1252)), 0x7A5A8AB4U);
+    EXPECT_EQ(OCore::StringHash()(L"Brandle KEMBA CLI"), OCore::StringHash()("Brandle KEMBA CLI"));
+    EXPECT_NE(OCore::StringHash()("a"), OCore::StringHash()("A"));
+}
+
+TEST(OHashMap, EstimatesAPositionByTheShareOfTheHash) {
+    const struct {
+        std::uint32_t hash;
+        std::int32_t size;
+        std::int32_t position;
+    } rows[] = {
+        {0, 0, 0},
+        {0, 10, 0},
+        {0x7FFFFFFF, 10, 4},
+        {0x80000000, 10, 5},
+        {0xFFFFFFFE, 10, 9},
+        {0xFFFFFFFF, 10, 10},
+        {0xFFFFFFFF, 0, 0},
+        {0x19999999, 10, 0},
+        {0x1999999A, 10, 1},
+        {0xC0000000, 4, 3},
+        {0xFFFFFFFF, 1'000'000'000, 1'000'000'000},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.hash << " of " << row.size);
+        EXPECT_EQ(NamedMap::Estimate(row.hash, row.size), row.position);
+    }
+}
+
+TEST(OHashMap, FindsTheFirstPositionWhoseHashIsNotSmaller) {
+    NamedMap map;
+    EXPECT_EQ(map.PositionOf(5), 0);
+    EXPECT_EQ(map.PositionOf(0xFFFFFFFF), 0);
+    for (const std::uint32_t hash : {10U, 20U, 20U, 20U, 0xF0000000U, 0xFFFFFFFFU, 0xFFFFFFFFU}) {
+        map.Insert({hash, 0}, 0);
+    }
+    const struct {
+        std::uint32_t hash;
+        std::int32_t position;
+    } rows[] = {{0, 0},          {10, 0},         {11, 1},         {20, 1},         {21, 4},
+                {0x80000000, 4}, {0xF0000000, 4}, {0xF0000001, 5}, {0xFFFFFFFE, 5}, {0xFFFFFFFF, 5}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.hash);
+        EXPECT_EQ(map.PositionOf(row.hash), row.position);
+    }
+}
+
+TEST(OHashMap, KeepsItsKeysSortedByHash) {
+    NamedMap map;
+    std::uint32_t hash = 1;
+    for (int i = 0; i < 500; ++i) {
+        hash = hash * 1'664'525 + 1'013'904'223;
+        map.Insert({hash, i}, i);
+    }
+    ASSERT_EQ(map.GetSize(), 500);
+    ASSERT_EQ(map.GetKeys().GetSize(), 500);
+    for (std::int32_t i = 1; i < 500; ++i) {
+        EXPECT_LE(map.GetKeys()[i - 1].hash, map.GetKeys()[i].hash);
+    }
+    for (const NamedHash& key : map.GetKeys()) {
+        EXPECT_EQ(map.Find(key, -1), key.name);
+    }
+}
+
+TEST(OHashMap, TellsKeysOfOneHashApart) {
+    NamedMap map;
+    map.Insert({7, 1}, 100);
+    map.Insert({7, 2}, 200);
+    map.Insert({8, 1}, 300);
+    EXPECT_EQ(map.Find({7, 1}), 100);
+    EXPECT_EQ(map.Find({7, 2}), 200);
+    EXPECT_EQ(map.Find({7, 3}, -1), -1);
+    EXPECT_TRUE(map.Remove({7, 2}));
+    EXPECT_EQ(map.Find({7, 1}), 100);
+    EXPECT_EQ(map.Find({7, 2}, -1), -1);
+    EXPECT_EQ(map.Find({8, 1}), 300);
+}
+
+TEST(OHashMap, GivesTheDefaultForAMissingKey) {
+    const OStringMap<std::shared_ptr<int>> empty;
+    EXPECT_EQ(empty.Find("missing"), nullptr);
+    EXPECT_EQ(OStringMap<int>().Find("missing", 5), 5);
+
+    OStringMap<int> map;
+    map.Insert("present", 1);
+    EXPECT_EQ(map.Find("missing", 5), 5);
+    EXPECT_EQ(map.Find("present", 5), 1);
+}
+
+TEST(OHashMap, KeyedByTextMindsTheCase) {
+    OStringMap<int> map;
+    map.Insert("Source", 1);
+    map.Insert(L"SOURCE", 2);
+    EXPECT_EQ(map.Find(L"Source"), 1);
+    EXPECT_EQ(map.Find("SOURCE"), 2);
+    EXPECT_EQ(map.Find("source", -1), -1);
+}
+
+TEST(OHashMap, AnswersWithTheLatestOfTwoEntriesOfOneKey) {
+    OStringMap<int> map;
+    map.Insert("key", 1);
+    map.Insert("key", 2);
+    EXPECT_EQ(map.GetSize(), 2);
+    EXPECT_EQ(map.Find("key"), 2);
+    EXPECT_TRUE(map.Remove("key"));
+    EXPECT_EQ(map.Find("key"), 1);
+}
+
+TEST(OHashMap, RemovesAnEntryWithItsValue) {
+    OStringMap<std::shared_ptr<int>> map;
+    const auto value = std::make_shared<int>(1);
+    map.Insert("a", value);
+    map.Insert("b", value);
+    EXPECT_FALSE(map.Remove("c"));
+    EXPECT_TRUE(map.Remove("a"));
+    EXPECT_FALSE(map.Remove("a"));
+    EXPECT_EQ(map.GetSize(), 1);
+    EXPECT_EQ(value.use_count(), 2);
+    EXPECT_EQ(map.Find("b"), value);
+}
+
+} // namespace
