@@ -1,0 +1,127 @@
+// Printers on Wine's own spooler.
+#include "demo/WinePrinters.h"
+
+#include "demo/LabelDriver.h"
+#include "demo/SpoolerError.h"
+
+#include <winspool.h>
+
+#include <atomic>
+#include <utility>
+
+namespace demo {
+namespace {
+
+constexpr wchar_t kProfileSection[] = L"windows";
+constexpr wchar_t kProfileDevice[] = L"device"; // holds the default printer
+
+/// A string that the spooler takes as one to change, though it never does; null for an empty one.
+wchar_t* Optional(std::wstring& text) {
+    return text.empty() ? nullptr : text.data();
+}
+
+HANDLE Open(const std::wstring& name, DWORD access) {
+    std::wstring changeable = name;
+    PRINTER_DEFAULTSW defaults{nullptr, nullptr, access};
+    HANDLE printer = nullptr;
+    return OpenPrinterW(changeable.data(), &printer, &defaults) ? printer : nullptr;
+}
+
+} // namespace
+
+void MakePrinter(const std::wstring& name, const PrinterSettings& settings) {
+    // Wine's spooler would take a second one of the same name.
+    if (PrinterExists(name))
+        throw SpoolerError("AddPrinter", ERROR_PRINTER_ALREADY_EXISTS);
+    InstallLabelDriver();
+    std::wstring printerName = name;
+    PrinterSettings texts = settings;
+    std::wstring driver = kLabelDriver;
+    std::wstring processor = L"WinPrint";
+    std::wstring datatype = L"RAW";
+    PRINTER_INFO_2W info{};
+    info.pPrinterName = printerName.data();
+    info.pShareName = Optional(texts.shareName);
+    info.pPortName = texts.port.data();
+    info.pDriverName = driver.data();
+    info.pComment = Optional(texts.comment);
+    info.pLocation = Optional(texts.location);
+    info.pPrintProcessor = processor.data();
+    info.pDatatype = datatype.data();
+    info.Attributes = settings.attributes | (settings.shareName.empty() ? 0 : PRINTER_ATTRIBUTE_SHARED);
+    const HANDLE printer = AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&info));
+    if (!printer)
+        throw SpoolerError("AddPrinter", GetLastError());
+    ClosePrinter(printer);
+}
+
+void RemovePrinter(const std::wstring& name) {
+    if (const HANDLE printer = Open(name, PRINTER_ALL_ACCESS)) {
+        DeletePrinter(printer);
+        ClosePrinter(printer);
+    }
+}
+
+bool PrinterExists(const std::wstring& name) {
+    const HANDLE printer = Open(name, PRINTER_ACCESS_USE);
+    if (printer)
+        ClosePrinter(printer);
+    return printer != nullptr;
+}
+
+std::vector<std::wstring> PrinterNames() {
+    constexpr DWORD kFlags = PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS;
+    std::vector<BYTE> buffer;
+    DWORD size = 0;
+    DWORD count = 0;
+    // Others add printers meanwhile: the size asked for may be too small by the time it is used.
+    while (
+        !EnumPrintersW(kFlags, nullptr, 4, buffer.data(), static_cast<DWORD>(buffer.size()), &size, &count)) {
+        if (GetLastError() != ERROR_INSUFFICIENT_BUFFER)
+            throw SpoolerError("EnumPrinters", GetLastError());
+        buffer.resize(size);
+    }
+    const auto* const printers = reinterpret_cast<const PRINTER_INFO_4W*>(buffer.data());
+    std::vector<std::wstring> names;
+    for (DWORD i = 0; i < count; ++i)
+        names.emplace_back(printers[i].pPrinterName);
+    return names;
+}
+
+std::wstring UniquePrinterName() {
+    static std::atomic<int> made{0};
+    return L"Label " + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++made);
+}
+
+Printer::Printer(std::wstring name, const PrinterSettings& settings) : m_name(std::move(name)) {
+    MakePrinter(m_name, settings);
+}
+
+std::optional<std::wstring> GetDefaultPrinterName() {
+    DWORD size = 0;
+    GetDefaultPrinterW(nullptr, &size);
+    std::wstring name(size, L'\0');
+    if (size == 0 || !GetDefaultPrinterW(name.data(), &size))
+        return std::nullopt;
+    name.resize(size - 1); // the size counts the zero
+    return name;
+}
+
+void SetDefaultPrinterName(const std::optional<std::wstring>& name) {
+    // Clearing what is clear already counts as a failure, which is none here.
+    if (!name)
+        WriteProfileStringW(kProfileSection, kProfileDevice, nullptr);
+    else if (!SetDefaultPrinterW(name->c_str()))
+        throw SpoolerError("SetDefaultPrinter", GetLastError());
+}
+
+DefaultPrinter::DefaultPrinter(const std::optional<std::wstring>& name) : m_former(GetDefaultPrinterName()) {
+    SetDefaultPrinterName(name);
+}
+
+DefaultPrinter::~DefaultPrinter() {
+    // A former one that is gone by now leaves none behind.
+    SetDefaultPrinterName(m_former && PrinterExists(*m_former) ? m_former : std::nullopt);
+}
+
+} // namespace demo

@@ -1,0 +1,75 @@
+// Printers on Wine's own spooler.
+//
+//     const demo::Printer printer({.comment = L"by the door", .shareName = L"dock"});
+//     ... use printer.Name(); it is gone at the end of the scope ...
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace demo {
+
+/// What a new printer is; all texts may be empty.
+struct PrinterSettings {
+    std::wstring port = L"LPT1:";
+    std::wstring comment{};
+    std::wstring location{};
+    std::wstring shareName{}; ///< a printer with one is shared
+    DWORD attributes = 0;     ///< further attributes, PRINTER_ATTRIBUTE_...
+};
+
+/// Makes a printer that stays until it is deleted or Wine's server ends, and installs its driver if need be.
+/// Throws SpoolerError when there is a printer of that name, or the spooler refuses.
+void MakePrinter(const std::wstring& name, const PrinterSettings& settings);
+
+/// Deletes the printer; does nothing when there is none of that name.
+void RemovePrinter(const std::wstring& name);
+
+/// Whether there is a printer of that name, which is compared as the spooler does it: ignoring case.
+bool PrinterExists(const std::wstring& name);
+
+/// The names of all printers in the spooler's order.
+std::vector<std::wstring> PrinterNames();
+
+/// A name that no other printer has.
+std::wstring UniquePrinterName();
+
+/// Makes a printer and deletes it in the end.
+class Printer {
+  public:
+    Printer(std::wstring name, const PrinterSettings& settings);
+    /// With a unique name.
+    explicit Printer(const PrinterSettings& settings = {}) : Printer(UniquePrinterName(), settings) {}
+    Printer(const Printer&) = delete;
+    Printer& operator=(const Printer&) = delete;
+    ~Printer() { RemovePrinter(m_name); }
+
+    const std::wstring& Name() const { return m_name; }
+
+  private:
+    std::wstring m_name;
+};
+
+/// The default printer; none when there is none.
+std::optional<std::wstring> GetDefaultPrinterName();
+
+/// Sets the default printer, or none. Throws SpoolerError when the printer is not there.
+void SetDefaultPrinterName(const std::optional<std::wstring>& name);
+
+/// Sets the default printer, or none; puts the former one back in the end. Hold a SpoolerLock around it.
+class DefaultPrinter {
+  public:
+    /// Throws SpoolerError when the printer is not there.
+    explicit DefaultPrinter(const std::optional<std::wstring>& name);
+    DefaultPrinter(const DefaultPrinter&) = delete;
+    DefaultPrinter& operator=(const DefaultPrinter&) = delete;
+    ~DefaultPrinter();
+
+  private:
+    std::optional<std::wstring> m_former;
+};
+
+} // namespace demo

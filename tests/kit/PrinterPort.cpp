@@ -1,0 +1,39 @@
+// A printer port of a test's own whose other end is a file.
+#include "tests/kit/PrinterPort.h"
+
+#include "demo/PortTarget.h"
+
+#include <windows.h>
+
+#include <atomic>
+
+namespace kit {
+namespace {
+
+std::wstring UniquePortName() {
+    static std::atomic<int> made{0};
+    return L"KIT" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++made) + L":";
+}
+
+} // namespace
+
+PrinterPort::PrinterPort() : m_name(UniquePortName()) {
+    demo::ConnectPort(m_name, m_file.Path());
+}
+
+PrinterPort::~PrinterPort() {
+    demo::DisconnectPort(m_name);
+}
+
+std::string PrinterPort::Received(std::size_t count) const {
+    constexpr ULONGLONG kPatience = 5'000; // milliseconds
+    const ULONGLONG end = GetTickCount64() + kPatience;
+    std::string bytes = m_file.Read();
+    while (bytes.size() < count && GetTickCount64() < end) {
+        Sleep(10);
+        bytes = m_file.Read();
+    }
+    return bytes;
+}
+
+} // namespace kit

@@ -1,0 +1,28 @@
+// A printer port of a test's own whose other end is a file.
+#pragma once
+
+#include "tests/kit/TemporaryFile.h"
+
+#include <cstddef>
+#include <string>
+
+namespace kit {
+
+/// Collects what is printed to it: demo::Printer printer({.port = port.Name()}).
+class PrinterPort {
+  public:
+    PrinterPort();
+    PrinterPort(const PrinterPort&) = delete;
+    PrinterPort& operator=(const PrinterPort&) = delete;
+    ~PrinterPort();
+
+    const std::wstring& Name() const { return m_name; }
+    /// The bytes that arrived. They come through another process: waits some seconds for that many at least.
+    std::string Received(std::size_t count) const;
+
+  private:
+    std::wstring m_name;
+    TemporaryFile m_file;
+};
+
+} // namespace kit
