@@ -1,0 +1,28 @@
+// The server program's words.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+namespace kemba::substitute {
+
+enum class Scope { Machine, CurrentUser };
+
+struct CommandLine {
+    enum class Verb { Usage, Register, Unregister, Serve };
+
+    Verb verb = Verb::Usage;
+    Scope scope = Scope::Machine;
+};
+
+inline constexpr wchar_t kUsage[] =
+    L"usage: kemba-dal /regserver [/user]     register for all users, or for this one\r\n"
+    L"       kemba-dal /unregserver [/user]   remove that registration\r\n"
+    L"       kemba-dal /automation            serve clients (COM starts it so)\r\n";
+
+/// Reads the words after the program's name; "/" and "-" are alike, case does not matter. COM's "-Embedding"
+/// and
+/// "/automation" mean the same. Anything that is not understood as a whole asks for the usage text.
+CommandLine ParseCommandLine(const std::vector<std::wstring_view>& words);
+
+} // namespace kemba::substitute

@@ -1,0 +1,38 @@
+// Loading the embedded type library.
+#include "substitute/ContractTypes.h"
+
+#include <oleauto.h>
+
+#include "substitute/Failure.h"
+
+namespace kemba::substitute {
+
+std::wstring ProgramPath() {
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+        if (length == 0) {
+            throw WindowsFailure(L"asking for the program's path failed", GetLastError());
+        }
+        if (length < path.size()) {
+            path.resize(length);
+            return path;
+        }
+        path.resize(path.size() * 2); // cut off: the path is longer
+    }
+}
+
+ContractTypes::ContractTypes() {
+    ITypeLib* library = nullptr;
+    ThrowIfFailed(LoadTypeLibEx(ProgramPath().c_str(), REGKIND_NONE, &library),
+                  L"loading the type library failed");
+    m_library.reset(library);
+}
+
+Held<ITypeInfo> ContractTypes::Find(REFIID iid) const {
+    ITypeInfo* information = nullptr;
+    ThrowIfFailed(m_library->GetTypeInfoOfGuid(iid, &information), L"the type library lacks an interface");
+    return Held<ITypeInfo>(information);
+}
+
+} // namespace kemba::substitute

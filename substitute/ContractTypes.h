@@ -1,0 +1,31 @@
+// The contract's type library as the program file carries it.
+#pragma once
+
+#include <windows.h>
+
+#include <oaidl.h>
+
+#include <string>
+
+#include "substitute/Holders.h"
+
+namespace kemba::substitute {
+
+/// Full path of the running program's file. Throws Failure.
+std::wstring ProgramPath();
+
+/// The type library embedded in the running program; read-only after its construction.
+class ContractTypes {
+  public:
+    /// Loads it without registering anything. Throws Failure.
+    ContractTypes();
+
+    /// What the library says of one interface. Throws Failure.
+    Held<ITypeInfo> Find(REFIID iid) const;
+    ITypeLib& GetLibrary() const { return *m_library; }
+
+  private:
+    Held<ITypeLib> m_library;
+};
+
+} // namespace kemba::substitute

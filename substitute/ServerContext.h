@@ -1,0 +1,17 @@
+// What the server's objects work with.
+#pragma once
+
+#include "substitute/ContractTypes.h"
+#include "substitute/PrinterApi.h"
+#include "substitute/ServerProcess.h"
+
+namespace kemba::substitute {
+
+/// Made once per process and given to every object; all of it outlives them and may be used from any thread.
+struct ServerContext {
+    PrinterApi& printers;
+    ServerProcess& process;
+    const ContractTypes& types;
+};
+
+} // namespace kemba::substitute
