@@ -1,0 +1,42 @@
+// The ground of all tests that run whole command lines through the entry point.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "demo/WinePrinters.h"
+#include "tests/kit/FakeServer.h"
+#include "tests/kit/WholeRun.h"
+
+namespace whole_run {
+
+using kit::Lines;
+using kit::RunResult;
+using Words = std::vector<std::wstring>;
+
+/// The lines as the program prints them, each ended by CR LF.
+std::string Output(const Lines& lines);
+
+/// The text in the code page of the output.
+std::string Printed(const std::wstring& text);
+
+/// A scripted server and two printers; every run must leave the server with nothing alive and nothing
+/// unfreed.
+class WholeRunTest : public testing::Test {
+  protected:
+    /// Runs the entry point on the words as a fresh process would: the process-wide settings start empty.
+    RunResult Run(const Words& words);
+    /// The same for the first printer, or for both, which "/p" options before the words select.
+    RunResult RunOnFirst(const Words& words);
+    RunResult RunOnBoth(const Words& words);
+
+    kit::FakeServer server;
+    const demo::Printer first;
+    const demo::Printer second;
+    const std::string firstName = Printed(first.Name());
+    const std::string secondName = Printed(second.Name());
+};
+
+} // namespace whole_run
