@@ -1,0 +1,123 @@
+// Registry keys and values that a test sets up and that are as before at its end.
+#pragma once
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// A value's type and bytes.
+struct RegistryData {
+    DWORD type = REG_NONE;
+    std::vector<BYTE> bytes;
+
+    static RegistryData OfBytes(DWORD type, std::vector<BYTE> bytes) { return {type, std::move(bytes)}; }
+    static RegistryData OfDword(std::uint32_t value) {
+        const auto* const first = reinterpret_cast<const BYTE*>(&value);
+        return {REG_DWORD, {first, first + sizeof(value)}};
+    }
+    /// As REG_SZ, with its terminator.
+    static RegistryData OfText(const std::wstring& text) {
+        const auto* const first = reinterpret_cast<const BYTE*>(text.c_str());
+        return {REG_SZ, {first, first + (text.size() + 1) * sizeof(wchar_t)}};
+    }
+    bool operator==(const RegistryData&) const = default;
+};
+
+/// Sets a value below `root`, making its key.
+inline void SetRegistryData(HKEY root, const std::wstring& key, const std::wstring& name,
+                            const RegistryData& data) {
+    HKEY opened = nullptr;
+    ASSERT_EQ(RegCreateKeyExW(root, key.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &opened, nullptr),
+              ERROR_SUCCESS);
+    EXPECT_EQ(RegSetValueExW(opened, name.c_str(), 0, data.type, data.bytes.data(),
+                             static_cast<DWORD>(data.bytes.size())),
+              ERROR_SUCCESS);
+    RegCloseKey(opened);
+}
+
+/// The value below `root`, or nothing.
+inline std::optional<RegistryData> GetRegistryData(HKEY root, const std::wstring& key,
+                                                   const std::wstring& name) {
+    RegistryData data;
+    DWORD size = 0;
+    if (RegGetValueW(root, key.c_str(), name.c_str(), RRF_RT_ANY | RRF_NOEXPAND, nullptr, nullptr, &size) !=
+        ERROR_SUCCESS) {
+        return std::nullopt;
+    }
+    data.bytes.resize(size);
+    HKEY opened = nullptr;
+    if (RegOpenKeyExW(root, key.c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS) {
+        return std::nullopt;
+    }
+    const LSTATUS status =
+        RegQueryValueExW(opened, name.c_str(), nullptr, &data.type, data.bytes.data(), &size);
+    RegCloseKey(opened);
+    data.bytes.resize(size);
+    return status == ERROR_SUCCESS ? std::optional(data) : std::nullopt;
+}
+
+/// One value in a key that others use too. It is absent at first, may be set and read, and is at the end what
+/// it was before. The key stays, as a test at its side may be using it.
+class RegistryPreset {
+  public:
+    RegistryPreset(HKEY root, std::wstring key, std::wstring name)
+        : m_root(root), m_key(std::move(key)), m_name(std::move(name)),
+          m_before(GetRegistryData(m_root, m_key, m_name)) {
+        Remove();
+    }
+    RegistryPreset(const RegistryPreset&) = delete;
+    RegistryPreset& operator=(const RegistryPreset&) = delete;
+    ~RegistryPreset() {
+        Remove();
+        if (m_before) {
+            Set(*m_before);
+        }
+    }
+
+    void Set(const RegistryData& data) const { SetRegistryData(m_root, m_key, m_name, data); }
+    std::optional<RegistryData> Get() const { return GetRegistryData(m_root, m_key, m_name); }
+    void Remove() const { RegDeleteKeyValueW(m_root, m_key.c_str(), m_name.c_str()); }
+
+  private:
+    HKEY m_root;
+    std::wstring m_key;
+    std::wstring m_name;
+    std::optional<RegistryData> m_before;
+};
+
+/// A key of a test's own, absent at first; at the end it goes with all that is in it.
+class ScratchKey {
+  public:
+    ScratchKey(HKEY root, std::wstring path) : m_root(root), m_path(std::move(path)) { Remove(); }
+    ScratchKey(const ScratchKey&) = delete;
+    ScratchKey& operator=(const ScratchKey&) = delete;
+    ~ScratchKey() { Remove(); }
+
+    /// Sets a value of this key, or of a key below it.
+    void Set(const std::wstring& name, const RegistryData& data, const std::wstring& below = L"") const {
+        SetRegistryData(m_root, Below(below), name, data);
+    }
+    std::optional<RegistryData> Get(const std::wstring& name, const std::wstring& below = L"") const {
+        return GetRegistryData(m_root, Below(below), name);
+    }
+    bool Exists() const {
+        HKEY key = nullptr;
+        return RegOpenKeyExW(m_root, m_path.c_str(), 0, KEY_READ, &key) == ERROR_SUCCESS &&
+               RegCloseKey(key) == ERROR_SUCCESS;
+    }
+
+  private:
+    std::wstring Below(const std::wstring& path) const {
+        return path.empty() ? m_path : m_path + L"\\" + path;
+    }
+    void Remove() const { RegDeleteTreeW(m_root, m_path.c_str()); }
+
+    HKEY m_root;
+    std::wstring m_path;
+};
