@@ -8,6 +8,7 @@
 #include <DriverAutomation.h>
 
 #include <cstdio>
+#include <memory>
 #include <stdexcept>
 #include <utility>
 
@@ -21,6 +22,9 @@ std::string StatusText(HRESULT status) {
 }
 
 } // namespace
+
+ServerState::ServerState() = default;
+ServerState::~ServerState() = default;
 
 std::string_view ContractInterfaceName(REFIID id) {
     static const std::pair<const IID*, std::string_view> rows[] = {
@@ -43,6 +47,34 @@ FakeIdentity::FakeIdentity(std::shared_ptr<ServerState> state, std::string_view 
     : m_state(std::move(state)), m_className(className), m_interfaceName(interfaceName), m_number(number),
       m_label(m_className + "#" + std::to_string(number)) {}
 
+void FakeIdentity::Enlist(IUnknown* identity) {
+    m_state->objects.emplace(identity, this);
+}
+
+ULONG FakeIdentity::AddReference() {
+    CheckAlive("AddRef");
+    return ++m_references;
+}
+
+ULONG FakeIdentity::DropReference(IUnknown* identity) {
+    CheckAlive("Release");
+    const ULONG left = m_references == 0 ? 0 : --m_references;
+    if (left > 0 || m_isReleased)
+        return left;
+    m_isReleased = true;
+    m_state->objects.erase(identity);
+    m_state->journal.AddEvent("~" + m_label);
+    std::unique_ptr<FakeIdentity> self(this);
+    if (m_state->isOpen)
+        m_state->released.push_back(std::move(self));
+    return 0;
+}
+
+void FakeIdentity::CheckAlive(std::string_view use) {
+    if (m_isReleased)
+        m_state->problems.push_back("used after its last release: " + m_label + "." + std::string(use));
+}
+
 HRESULT FakeIdentity::EventStatus(std::string_view event) {
     const Answer* const answer =
         m_state->script.Find(m_className + "." + std::string(event), {m_printer, m_number, 1});
@@ -55,6 +87,7 @@ ErrorInfoSupport FakeIdentity::Support() const {
 }
 
 Answer FakeIdentity::Call(std::string_view operation, std::string_view arguments) {
+    CheckAlive(operation);
     m_state->journal.AddCall(m_label + "." + std::string(operation) + "(" + std::string(arguments) + ")");
     const int call = ++m_calls.emplace(operation, 0).first->second;
     const Answer* const scripted =

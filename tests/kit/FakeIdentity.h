@@ -23,13 +23,19 @@ class FakeIdentity {
                  std::string_view interfaceName, int number);
     FakeIdentity(const FakeIdentity&) = delete;
     FakeIdentity& operator=(const FakeIdentity&) = delete;
+    virtual ~FakeIdentity() = default;
 
     /// "DriverAutomation#1"
     const std::string& Label() const { return m_label; }
     void Bind(std::wstring printer) { m_printer = std::move(printer); }
 
   protected:
-    ~FakeIdentity() = default;
+    /// Counts the object as live under its identity.
+    void Enlist(IUnknown* identity);
+    ULONG AddReference();
+    /// With the last reference the object leaves the list of the live ones; the state owns what is left of
+    /// it.
+    ULONG DropReference(IUnknown* identity);
 
     ServerState& State() { return *m_state; }
     const std::shared_ptr<ServerState>& SharedState() { return m_state; }
@@ -55,7 +61,12 @@ class FakeIdentity {
     FakeIdentity* FindObject(const VARIANT& value);
 
   private:
+    /// Notes a use of the object when it has no reference any more.
+    void CheckAlive(std::string_view use);
+
     std::shared_ptr<ServerState> m_state;
+    ULONG m_references = 0;
+    bool m_isReleased = false;
     std::string m_className;
     std::string m_interfaceName;
     int m_number;

@@ -15,13 +15,13 @@
 
 namespace kit {
 
-/// An object with one dual interface, made with no reference; it deletes itself when the last one goes.
+/// An object with one dual interface, made with no reference; it goes with the last one.
 template<class Interface>
 class FakeObject : public Interface, public ISupportErrorInfo, public IRunnableObject, public FakeIdentity {
   public:
     FakeObject(std::shared_ptr<ServerState> state, std::string_view className, int number)
         : FakeIdentity(std::move(state), className, ContractInterfaceName(__uuidof(Interface)), number) {
-        State().objects.emplace(Identity(), this);
+        Enlist(Identity());
     }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
@@ -31,13 +31,8 @@ class FakeObject : public Interface, public ISupportErrorInfo, public IRunnableO
         AddRef();
         return S_OK;
     }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --m_references;
-        if (left == 0)
-            delete this;
-        return left;
-    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return AddReference(); }
+    ULONG STDMETHODCALLTYPE Release() override { return DropReference(Identity()); }
 
     // Dispatch is there because the interfaces are dual; a client of the contract calls early bound.
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
@@ -73,12 +68,6 @@ class FakeObject : public Interface, public ISupportErrorInfo, public IRunnableO
     HRESULT STDMETHODCALLTYPE LockRunning(WINBOOL, WINBOOL) override { return S_OK; }
     HRESULT STDMETHODCALLTYPE SetContainedObject(WINBOOL) override { return S_OK; }
 
-  protected:
-    virtual ~FakeObject() {
-        State().objects.erase(Identity());
-        State().journal.AddEvent("~" + Label());
-    }
-
   private:
     IUnknown* Identity() { return static_cast<Interface*>(this); }
 
@@ -97,8 +86,6 @@ class FakeObject : public Interface, public ISupportErrorInfo, public IRunnableO
         const bool offered = IsEqualIID(id, __uuidof(Interface)) && SUCCEEDED(EventStatus("QueryInterface"));
         return offered ? static_cast<Interface*>(this) : nullptr;
     }
-
-    ULONG m_references = 0;
 };
 
 } // namespace kit

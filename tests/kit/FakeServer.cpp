@@ -38,6 +38,8 @@ FakeServer::~FakeServer() {
     for (const FakeClass which : kAllClasses)
         Unregister(which);
     SetErrorInfo(0, nullptr);
+    m_state->isOpen = false;
+    m_state->released.clear(); // they hold the state that holds them
 }
 
 Rule& FakeServer::AddRule(std::string_view operation, std::initializer_list<Gives> kinds, Answer answer) {
@@ -114,6 +116,8 @@ Lines FakeServer::Faults() {
         faults.push_back("not released: " + label);
     for (const std::string& label : TextWatch::Live())
         faults.push_back("not freed: text of " + label);
+    for (const std::string& label : TextWatch::FreedTwice())
+        faults.push_back("freed twice: text of " + label);
     if (m_state->factoryLocks != 0)
         faults.push_back("locks of class factories: " + std::to_string(m_state->factoryLocks));
     if (m_runtime.Balance() != 0)

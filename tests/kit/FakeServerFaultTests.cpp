@@ -96,6 +96,29 @@ TEST(FakeServerFaults, ALeakedArgumentIsNamed) {
     EXPECT_EQ(server.Faults(), Lines{});
 }
 
+TEST(FakeServerFaults, ATextThatIsFreedTwiceIsNamed) {
+    kit::FakeServer server;
+    IDriverAutomation* const automation = Bound(L"A");
+    BSTR text = nullptr;
+    automation->GetComment(&text);
+    SysFreeString(text);
+    SysFreeString(text);
+    automation->Release();
+    EXPECT_EQ(server.Faults(), Lines{"freed twice: text of DriverAutomation#1.GetComment"});
+}
+
+TEST(FakeServerFaults, AUseAfterTheLastReleaseIsNamed) {
+    kit::FakeServer server;
+    IDriverAutomation* const automation = Bound(L"A");
+    automation->Release();
+    automation->PutComment(nullptr);
+    automation->AddRef();
+    automation->Release();
+    EXPECT_EQ(server.Faults(), (Lines{"used after its last release: DriverAutomation#1.PutComment",
+                                      "used after its last release: DriverAutomation#1.AddRef",
+                                      "used after its last release: DriverAutomation#1.Release"}));
+}
+
 TEST(FakeServerFaults, AnArgumentThatIsNoBstrIsReported) {
     kit::FakeServer server;
     IDriverAutomation* const automation = Bound(L"A");
@@ -164,6 +187,17 @@ TEST(FakeServerFaults, WhatOneServerSawLeakingDoesNotCountForTheNext) {
     kit::FakeServer next;
     EXPECT_EQ(next.Faults(), Lines{});
     SysFreeString(text);
+}
+
+TEST(FakeServerFaults, AnObjectMayOutliveTheServer) {
+    IDriverAutomation* automation = nullptr;
+    {
+        kit::FakeServer server;
+        automation = Bound(L"A");
+    }
+    kit::FakeServer next;
+    EXPECT_EQ(automation->Release(), 0U);
+    EXPECT_EQ(next.Journal(), Lines{});
 }
 
 } // namespace

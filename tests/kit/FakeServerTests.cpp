@@ -4,11 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 namespace {
 
-using kit::FakeClass;
 using kit::Lines;
 
 TEST(FakeServer, ActivationAndReleaseAreJournaledInOrder) {
@@ -128,18 +125,6 @@ TEST(FakeServer, NothingIsRegisteredAfterwards) {
     EXPECT_EQ(ActivateAutomation(&status), nullptr);
     EXPECT_EQ(status, REGDB_E_CLASSNOTREG);
     CoUninitialize();
-}
-
-TEST(Operations, EveryClassHasOperationsThatCanBeFoundByName) {
-    for (const FakeClass which : kit::kAllClasses) {
-        const auto all = kit::AllOperations();
-        EXPECT_TRUE(std::ranges::any_of(
-            all, [&](const kit::Operation& row) { return row.Interface() == kit::InterfaceOf(which); }));
-    }
-    ASSERT_NE(kit::FindOperation("IPrinterQueue.Purge"), nullptr);
-    EXPECT_EQ(kit::FindOperation("IPrinterQueue.Purge")->Interface(), "IPrinterQueue");
-    EXPECT_EQ(kit::FindOperation("IPrinterQueue.purge"), nullptr);
-    EXPECT_EQ(kit::FindOperation("IPrinterQueue.Reserved1"), nullptr);
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 #include <unknwn.h>
 
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,6 +23,7 @@ enum class ErrorInfoSupport {
     Absent ///< the object has no ISupportErrorInfo
 };
 
+/// The common base of the server's objects.
 class FakeIdentity;
 
 /// One server's state; leaked objects keep it alive beyond the server.
@@ -35,6 +37,15 @@ struct ServerState {
     ErrorInfoSupport support = ErrorInfoSupport::Yes;
     int factoryLocks = 0;
     std::vector<std::string> problems; ///< what the client did that no client may do
+    bool isOpen = true;                ///< the server is still there
+    /// Objects without references, kept while the server is there so that a use after the last release is
+    /// noticed.
+    std::vector<std::unique_ptr<FakeIdentity>> released;
+
+    ServerState();
+    ServerState(const ServerState&) = delete;
+    ServerState& operator=(const ServerState&) = delete;
+    ~ServerState();
 
     int NextNumber(std::string_view className) { return ++numbers.emplace(className, 0).first->second; }
 };

@@ -46,8 +46,15 @@ class AllocatorSpy final : public IMallocSpy {
         return labels;
     }
 
+    std::vector<std::string> FreedTwice() {
+        const std::scoped_lock lock(m_mutex);
+        return m_freedTwice;
+    }
+
     void ForgetLabels() {
         const std::scoped_lock lock(m_mutex);
+        m_freed.clear();
+        m_freedTwice.clear();
         for (auto& [start, block] : m_blocks)
             block.label.reset();
     }
@@ -67,13 +74,22 @@ class AllocatorSpy final : public IMallocSpy {
     }
     void* STDMETHODCALLTYPE PostAlloc(void* block) override {
         if (block)
-            m_blocks[static_cast<const char*>(block)] = {m_size, std::nullopt};
+            Enter(block, {m_size, std::nullopt});
         m_mutex.unlock();
         return block;
     }
     void* STDMETHODCALLTYPE PreFree(void* block, WINBOOL) override {
         m_mutex.lock();
-        m_blocks.erase(static_cast<const char*>(block));
+        const char* const start = static_cast<const char*>(block);
+        if (const auto freed = m_freed.find(start); freed != m_freed.end()) {
+            m_freedTwice.push_back(freed->second);
+            return nullptr; // which frees nothing
+        }
+        if (const auto found = m_blocks.find(start); found != m_blocks.end()) {
+            if (found->second.label)
+                m_freed[start] = *found->second.label;
+            m_blocks.erase(found);
+        }
         return block;
     }
     void STDMETHODCALLTYPE PostFree(WINBOOL) override { m_mutex.unlock(); }
@@ -89,7 +105,7 @@ class AllocatorSpy final : public IMallocSpy {
         if (m_moving)
             moved.label = m_moving.mapped().label;
         if (block)
-            m_blocks[static_cast<const char*>(block)] = moved;
+            Enter(block, std::move(moved));
         else if (m_moving && m_size > 0)
             m_blocks.insert(std::move(m_moving)); // a failed growth leaves the block as it was
         m_moving = {};
@@ -106,8 +122,15 @@ class AllocatorSpy final : public IMallocSpy {
   private:
     using Blocks = std::map<const char*, Block>;
 
+    void Enter(const void* start, Block block) {
+        m_freed.erase(static_cast<const char*>(start));
+        m_blocks[static_cast<const char*>(start)] = std::move(block);
+    }
+
     std::mutex m_mutex; // held from each Pre call to its Post call
     Blocks m_blocks;
+    std::map<const char*, std::string> m_freed; // watched texts that are freed, by the place where they were
+    std::vector<std::string> m_freedTwice;
     Blocks::node_type m_moving;
     SIZE_T m_size = 0;
 };
@@ -142,6 +165,10 @@ bool TextWatch::Receive(BSTR text, std::string_view label) {
 
 std::vector<std::string> TextWatch::Live() {
     return TheSpy().Labels();
+}
+
+std::vector<std::string> TextWatch::FreedTwice() {
+    return TheSpy().FreedTwice();
 }
 
 } // namespace kit

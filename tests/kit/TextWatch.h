@@ -1,4 +1,4 @@
-// Finds BSTRs that nobody freed, by watching the task allocator from which they come.
+// Finds BSTRs that nobody freed, or freed twice, by watching the task allocator from which they come.
 #pragma once
 
 #include <windows.h>
@@ -29,6 +29,9 @@ bool Receive(BSTR text, std::string_view label);
 
 /// The labels of the watched texts that are not freed yet, in order of address.
 std::vector<std::string> Live();
+
+/// The labels of the watched texts that were freed more than once.
+std::vector<std::string> FreedTwice();
 
 } // namespace TextWatch
 } // namespace kit

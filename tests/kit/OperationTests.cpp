@@ -1,0 +1,191 @@
+// The operations by name: the table against the objects, operation by operation.
+#include "tests/kit/FakeServer.h"
+#include "tests/kit/TestClient.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <map>
+
+namespace {
+
+using kit::Gives;
+using kit::Lines;
+
+/// One object with each of the interfaces.
+struct Objects {
+    Objects() {
+        automation->GetSettings(&settings);
+        automation->GetPrinterQueue(&queue);
+        automation->GetPrinterInformation(&information);
+    }
+    Objects(const Objects&) = delete;
+    Objects& operator=(const Objects&) = delete;
+    ~Objects() {
+        for (IUnknown* const object :
+             std::initializer_list<IUnknown*>{automation, settings, actions, queue, information, version})
+            object->Release();
+    }
+
+    IDriverAutomation* automation = Bound(L"A");
+    IDriverSettings* settings = nullptr;
+    IDriverActions* actions = Activate<IDriverActions>(__uuidof(DriverActions));
+    IPrinterQueue* queue = nullptr;
+    IPrinterInformation* information = nullptr;
+    IVersionInformation* version = Activate<IVersionInformation>(__uuidof(VersionInformation));
+};
+
+/// Where an operation leaves what it gives; freed in the end.
+struct Out {
+    Out() = default;
+    Out(const Out&) = delete;
+    Out& operator=(const Out&) = delete;
+    ~Out() {
+        SysFreeString(text);
+        if (object)
+            object->Release();
+    }
+
+    template<class Part>
+    HRESULT Get(IDriverAutomation* from, HRESULT (IDriverAutomation::*get)(Part**)) {
+        Part* part = nullptr;
+        const HRESULT status = (from->*get)(&part);
+        object = part;
+        return status;
+    }
+
+    BSTR text = nullptr;
+    VARIANT_BOOL flag = 0;
+    IUnknown* object = nullptr;
+};
+
+using CallOne = std::function<HRESULT(Objects&, Out&)>;
+
+const std::map<std::string_view, CallOne> kCalls = {
+    {"IDriverAutomation.PutPrinterName",
+     [](Objects& on, Out&) { return on.automation->PutPrinterName(nullptr); }},
+    {"IDriverAutomation.SendFile",
+     [](Objects& on, Out&) { return on.automation->SendFile(nullptr, nullptr); }},
+    {"IDriverAutomation.PerformAction",
+     [](Objects& on, Out&) { return on.automation->PerformAction(1, {}); }},
+    {"IDriverAutomation.GetShareName",
+     [](Objects& on, Out& out) { return on.automation->GetShareName(&out.text); }},
+    {"IDriverAutomation.PutShareName",
+     [](Objects& on, Out&) { return on.automation->PutShareName(nullptr); }},
+    {"IDriverAutomation.GetPortName",
+     [](Objects& on, Out& out) { return on.automation->GetPortName(&out.text); }},
+    {"IDriverAutomation.GetModelName",
+     [](Objects& on, Out& out) { return on.automation->GetModelName(&out.text); }},
+    {"IDriverAutomation.GetComment",
+     [](Objects& on, Out& out) { return on.automation->GetComment(&out.text); }},
+    {"IDriverAutomation.PutComment", [](Objects& on, Out&) { return on.automation->PutComment(nullptr); }},
+    {"IDriverAutomation.GetLocation",
+     [](Objects& on, Out& out) { return on.automation->GetLocation(&out.text); }},
+    {"IDriverAutomation.PutLocation", [](Objects& on, Out&) { return on.automation->PutLocation(nullptr); }},
+    {"IDriverAutomation.GetDriverVersion",
+     [](Objects& on, Out& out) { return on.automation->GetDriverVersion(&out.text); }},
+    {"IDriverAutomation.GetDriverVersionDetail",
+     [](Objects& on, Out& out) { return on.automation->GetDriverVersionDetail(&out.text); }},
+    {"IDriverAutomation.GetPrinterQueue",
+     [](Objects& on, Out& out) { return out.Get(on.automation, &IDriverAutomation::GetPrinterQueue); }},
+    {"IDriverAutomation.GetPrinterInformation",
+     [](Objects& on, Out& out) { return out.Get(on.automation, &IDriverAutomation::GetPrinterInformation); }},
+    {"IDriverAutomation.GetSettings",
+     [](Objects& on, Out& out) { return out.Get(on.automation, &IDriverAutomation::GetSettings); }},
+    {"IDriverSettings.ImportSettings",
+     [](Objects& on, Out&) { return on.settings->ImportSettings(nullptr, {}); }},
+    {"IDriverSettings.ExportSettings",
+     [](Objects& on, Out&) { return on.settings->ExportSettings(nullptr, {}); }},
+    {"IDriverSettings.ResetSettings", [](Objects& on, Out&) { return on.settings->ResetSettings({}); }},
+    {"IDriverActions.PutExecute", [](Objects& on, Out&) { return on.actions->PutExecute(1); }},
+    {"IDriverActions.GetSupported",
+     [](Objects& on, Out& out) { return on.actions->GetSupported(&out.flag); }},
+    {"IDriverActions.GetDisplaysInterface",
+     [](Objects& on, Out& out) { return on.actions->GetDisplaysInterface(&out.flag); }},
+    {"IPrinterQueue.Pause", [](Objects& on, Out&) { return on.queue->Pause(); }},
+    {"IPrinterQueue.Resume", [](Objects& on, Out&) { return on.queue->Resume(); }},
+    {"IPrinterQueue.Purge", [](Objects& on, Out&) { return on.queue->Purge(); }},
+    {"IPrinterInformation.GetStatus",
+     [](Objects& on, Out& out) { return on.information->GetStatus(&out.text); }},
+    {"IVersionInformation.GetVersion",
+     [](Objects& on, Out& out) { return on.version->GetVersion(&out.text); }},
+    {"IVersionInformation.GetVersionDetail",
+     [](Objects& on, Out& out) { return on.version->GetVersionDetail(&out.text); }},
+};
+
+TEST(Operations, TheTableNamesExactlyTheOperationsOfTheObjects) {
+    EXPECT_EQ(kit::AllOperations().size(), kCalls.size());
+    for (const kit::Operation& operation : kit::AllOperations()) {
+        SCOPED_TRACE(operation.name);
+        ASSERT_TRUE(kCalls.contains(operation.name));
+        kit::FakeServer server;
+        {
+            Objects objects;
+            server.ClearJournal();
+            Out out;
+            EXPECT_EQ(kCalls.at(operation.name)(objects, out), S_OK);
+            ASSERT_EQ(server.Calls().size(), 1U);
+            const std::string shown = server.Calls().front();
+            // "IPrinterQueue.Purge" is journaled as "PrinterQueue#1.Purge()"; a second part has the number 2.
+            const std::string object(operation.Interface().substr(1));
+            EXPECT_EQ(shown.find(object + "#1" +
+                                 std::string(operation.name.substr(operation.name.find('.'))) + "("),
+                      0U)
+                << shown;
+            EXPECT_EQ(out.text != nullptr, operation.gives == Gives::Text);
+            EXPECT_EQ(out.object != nullptr, operation.gives == Gives::Object);
+        }
+        EXPECT_EQ(server.Faults(), Lines{});
+    }
+}
+
+TEST(Operations, EveryOneFailsWhenToldAndGivesNothing) {
+    for (const kit::Operation& operation : kit::AllOperations()) {
+        SCOPED_TRACE(operation.name);
+        kit::FakeServer server;
+        {
+            Objects objects;
+            server.Fail(operation.name, E_ACCESSDENIED);
+            Out out;
+            EXPECT_EQ(kCalls.at(operation.name)(objects, out), E_ACCESSDENIED);
+            EXPECT_EQ(out.text, nullptr);
+            EXPECT_EQ(out.object, nullptr);
+            EXPECT_EQ(out.flag, VARIANT_FALSE);
+        }
+        EXPECT_EQ(server.Faults(), Lines{});
+    }
+}
+
+TEST(Operations, TextsAndObjectsCanBeNull) {
+    for (const kit::Operation& operation : kit::AllOperations()) {
+        if (operation.gives != Gives::Text && operation.gives != Gives::Object)
+            continue;
+        SCOPED_TRACE(operation.name);
+        kit::FakeServer server;
+        Objects objects;
+        server.GiveNull(operation.name);
+        Out out;
+        EXPECT_EQ(kCalls.at(operation.name)(objects, out), S_OK);
+        EXPECT_EQ(out.text, nullptr);
+        EXPECT_EQ(out.object, nullptr);
+    }
+}
+
+TEST(Operations, EveryClassHasAnInterfaceWithOperations) {
+    for (const kit::FakeClass which : kit::kAllClasses) {
+        SCOPED_TRACE(kit::NameOf(which));
+        EXPECT_TRUE(std::ranges::any_of(kit::AllOperations(), [&](const kit::Operation& row) {
+            return row.Interface() == kit::InterfaceOf(which);
+        }));
+    }
+}
+
+TEST(Operations, AreFoundByTheirExactName) {
+    ASSERT_NE(kit::FindOperation("IPrinterQueue.Purge"), nullptr);
+    EXPECT_EQ(kit::FindOperation("IPrinterQueue.Purge")->Interface(), "IPrinterQueue");
+    EXPECT_EQ(kit::FindOperation("IPrinterQueue.purge"), nullptr);
+    EXPECT_EQ(kit::FindOperation("IPrinterQueue.Reserved1"), nullptr);
+}
+
+} // namespace
