@@ -8,12 +8,17 @@
 
 #include <winspool.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace demo {
 namespace {
+
+constexpr DWORD kDriverVersion = 3; // user-mode drivers
 
 /// Wine's driver gives no settings for a printer without a description.
 constexpr char kDescription[] = R"PPD(*PPD-Adobe: "4.3"
@@ -52,44 +57,50 @@ constexpr char kDescription[] = R"PPD(*PPD-Adobe: "4.3"
 *Font Courier: Standard "(001.000)" Standard ROM
 )PPD";
 
-bool IsInstalled() {
+/// The folder from which the spooler takes the files of drivers of our kind.
+std::filesystem::path DriverFolder() {
+    wchar_t folder[MAX_PATH];
+    DWORD size = 0;
+    if (!GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(folder), sizeof folder,
+                                    &size))
+        throw SpoolerError("GetPrinterDriverDirectory", GetLastError());
+    return std::filesystem::path(folder) / std::to_wstring(kDriverVersion);
+}
+
+bool IsListed() {
     DWORD size = 0;
     DWORD count = 0;
     EnumPrinterDriversW(nullptr, nullptr, 1, nullptr, 0, &size, &count);
-    std::string buffer(size, '\0');
-    if (!EnumPrinterDriversW(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(buffer.data()), size, &size,
-                             &count))
+    std::vector<BYTE> buffer(size);
+    if (!EnumPrinterDriversW(nullptr, nullptr, 1, buffer.data(), size, &size, &count))
         return false;
     const auto* const drivers = reinterpret_cast<const DRIVER_INFO_1W*>(buffer.data());
-    for (DWORD i = 0; i < count; ++i) {
-        if (std::wstring_view(drivers[i].pName) == kLabelDriver)
-            return true;
-    }
-    return false;
+    return std::any_of(drivers, drivers + count, [](const DRIVER_INFO_1W& driver) {
+        return std::wstring_view(driver.pName) == kLabelDriver;
+    });
 }
 
-std::wstring WriteDescription() {
-    wchar_t folder[MAX_PATH];
-    GetWindowsDirectoryW(folder, MAX_PATH);
-    std::wstring path = std::wstring(folder) + L"\\inf\\docklabl.ppd";
-    std::ofstream file(std::filesystem::path(path), std::ios::binary);
+void WriteDescription(const std::filesystem::path& path) {
+    std::ofstream file(path, std::ios::binary);
     file << kDescription;
     if (!file.flush())
         throw SpoolerError("writing the printer description", GetLastError());
-    return path;
 }
 
 } // namespace
 
 void InstallLabelDriver() {
     const SpoolerLock lock(L"kemba label driver");
-    if (IsInstalled())
+    std::wstring description = L"docklabl.ppd";
+    const std::filesystem::path path = DriverFolder() / description;
+    if (std::filesystem::exists(path) && IsListed())
         return;
+    // Wine's spooler copies no files: the description has to be in its place.
+    WriteDescription(path);
     std::wstring name = kLabelDriver;
-    std::wstring description = WriteDescription();
     std::wstring driver = L"wineps.drv";
     DRIVER_INFO_3W info{};
-    info.cVersion = 3;
+    info.cVersion = kDriverVersion;
     info.pName = name.data();
     info.pDriverPath = driver.data();
     info.pDataFile = description.data();

@@ -5,10 +5,11 @@
 
 namespace demo {
 
-/// Holds a named lock of the session from construction to the end of its scope.
+/// Holds a named lock of the session from construction to the end of its scope; a thread may hold it several
+/// times.
 ///
-/// Tests take it when they depend on the default printer or on the whole list of printers, and so do those
-/// that change the default printer. Making and removing a printer of one's own needs no lock.
+/// Tests take it when they depend on the list of printers, the default printer or a queue without having made
+/// a printer of their own.
 class SpoolerLock {
   public:
     /// Waits for the lock of that name; throws std::runtime_error when it cannot be had.

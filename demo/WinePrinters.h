@@ -2,7 +2,14 @@
 //
 //     const demo::Printer printer({.comment = L"by the door", .shareName = L"dock"});
 //     ... use printer.Name(); it is gone at the end of the scope ...
+//
+// Wine's spooler is not made for several processes at once: while one makes or removes a printer, lists that
+// others ask for fail, and jobs of two processes get in each other's way. Whoever has a Printer or a
+// DefaultPrinter therefore holds the SpoolerLock, and has the list of printers, the default printer and the
+// queues to itself.
 #pragma once
+
+#include "demo/SpoolerLock.h"
 
 #include <windows.h>
 
@@ -37,7 +44,7 @@ std::vector<std::wstring> PrinterNames();
 /// A name that no other printer has.
 std::wstring UniquePrinterName();
 
-/// Makes a printer and deletes it in the end.
+/// Makes a printer and deletes it in the end; holds the SpoolerLock meanwhile.
 class Printer {
   public:
     Printer(std::wstring name, const PrinterSettings& settings);
@@ -50,6 +57,7 @@ class Printer {
     const std::wstring& Name() const { return m_name; }
 
   private:
+    SpoolerLock m_lock;
     std::wstring m_name;
 };
 
@@ -59,7 +67,7 @@ std::optional<std::wstring> GetDefaultPrinterName();
 /// Sets the default printer, or none. Throws SpoolerError when the printer is not there.
 void SetDefaultPrinterName(const std::optional<std::wstring>& name);
 
-/// Sets the default printer, or none; puts the former one back in the end. Hold a SpoolerLock around it.
+/// Sets the default printer, or none; puts the former one back in the end; holds the SpoolerLock meanwhile.
 class DefaultPrinter {
   public:
     /// Throws SpoolerError when the printer is not there.
@@ -69,6 +77,7 @@ class DefaultPrinter {
     ~DefaultPrinter();
 
   private:
+    SpoolerLock m_lock;
     std::optional<std::wstring> m_former;
 };
 

@@ -89,6 +89,20 @@ TEST(WinePrinters, APrinterWithoutShareNameIsNotShared) {
     EXPECT_EQ(Describe(printer.Name(), buffer).Attributes & PRINTER_ATTRIBUTE_SHARED, 0U);
 }
 
+TEST(WinePrinters, APrinterHasADriverWithSettings) {
+    const demo::Printer printer;
+    std::wstring name = printer.Name();
+    HANDLE handle = nullptr;
+    ASSERT_TRUE(OpenPrinterW(name.data(), &handle, nullptr));
+    const LONG size = DocumentPropertiesW(nullptr, handle, name.data(), nullptr, nullptr, 0);
+    ASSERT_GE(size, static_cast<LONG>(sizeof(DEVMODEW)));
+    std::vector<BYTE> buffer(static_cast<std::size_t>(size));
+    auto* const settings = reinterpret_cast<DEVMODEW*>(buffer.data());
+    EXPECT_EQ(DocumentPropertiesW(nullptr, handle, name.data(), settings, nullptr, DM_OUT_BUFFER), IDOK);
+    EXPECT_GT(settings->dmSize, 0);
+    ClosePrinter(handle);
+}
+
 TEST(WinePrinters, TheNameOfAnotherPrinterIsRefused) {
     const demo::Printer printer;
     EXPECT_THROW(demo::MakePrinter(printer.Name(), {}), demo::SpoolerError);
