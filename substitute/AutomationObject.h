@@ -101,7 +101,7 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
     virtual ~AutomationObject() = default;
 
     /// The printer that error information names; null as long as there is none.
-    virtual std::shared_ptr<const Printer> GetPrinter() const noexcept { return nullptr; }
+    virtual std::shared_ptr<const Printer> BoundPrinter() const noexcept { return nullptr; }
 
     /// Does the work of one operation; its exception becomes the status and error information.
     template<class Work>
@@ -111,7 +111,7 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
             std::forward<Work>(work)();
             return S_OK;
         } catch (...) {
-            const std::shared_ptr<const Printer> printer = GetPrinter();
+            const std::shared_ptr<const Printer> printer = BoundPrinter();
             return ReportCurrentException(__uuidof(Interface), operation,
                                           printer ? std::wstring_view(printer->GetName())
                                                   : std::wstring_view());

@@ -116,13 +116,13 @@ HRESULT DriverAutomationObject::GetSettings(IDriverSettings** settings) noexcept
     return Unavailable(L"GetSettings", settings);
 }
 
-std::shared_ptr<const Printer> DriverAutomationObject::GetPrinter() const noexcept {
+std::shared_ptr<const Printer> DriverAutomationObject::BoundPrinter() const noexcept {
     const OScopedLock hold(m_lock);
     return m_printer;
 }
 
 std::shared_ptr<const Printer> DriverAutomationObject::NeedPrinter() const {
-    auto printer = GetPrinter();
+    auto printer = BoundPrinter();
     if (!printer) {
         throw Failure{E_UNEXPECTED, L"no printer has been named yet"};
     }

@@ -45,7 +45,7 @@ class DriverAutomationObject final : public AutomationObject<IDriverAutomation> 
   private:
     ~DriverAutomationObject() override = default;
 
-    std::shared_ptr<const Printer> GetPrinter() const noexcept override;
+    std::shared_ptr<const Printer> BoundPrinter() const noexcept override;
     /// The bound printer, never null. Throws Failure.
     std::shared_ptr<const Printer> NeedPrinter() const;
     HRESULT AnswerText(const wchar_t* operation, BSTR* out,

@@ -27,7 +27,7 @@ class PrinterInformationObject final : public AutomationObject<IPrinterInformati
 
   private:
     ~PrinterInformationObject() override = default;
-    std::shared_ptr<const Printer> GetPrinter() const noexcept override { return m_printer; }
+    std::shared_ptr<const Printer> BoundPrinter() const noexcept override { return m_printer; }
 
     const std::shared_ptr<const Printer> m_printer;
 };
