@@ -1,0 +1,23 @@
+// A console whose output a test looks at.
+#pragma once
+
+#include <string>
+
+#include "messages/ConsoleOutput.h"
+#include "tests/kit/StdoutCapture.h"
+
+namespace kemba_tests {
+
+/// Captures from construction until `Output`.
+class CapturedConsole {
+  public:
+    operator ConsoleOutput&() { return m_console; }
+    std::string Output() { return m_capture.Finish(); }
+
+  private:
+    bool m_quiet = false;
+    ConsoleOutput m_console{m_quiet};
+    kit::StdoutCapture m_capture;
+};
+
+} // namespace kemba_tests
