@@ -1,0 +1,75 @@
+// kemba.exe against kemba-dal.exe on Wine's real spooler, through the real registration.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "core/OString.h"
+#include "demo/WinePrinters.h"
+#include "tests/kit/ProcessRun.h"
+
+namespace {
+
+using Words = std::vector<std::wstring>;
+
+std::string Printed(const std::wstring& text) {
+    return OString(text.c_str()).Narrow();
+}
+
+std::string Framed(const std::string& lines) {
+    return "Executing 'Get' command.\r\n" + lines + "Finished processing command.\r\n";
+}
+
+struct RealPair : testing::Test {
+    kit::ProcessResult Kemba(const Words& words) { return kit::RunProgram(L"kemba.exe", words); }
+    kit::ProcessResult Get(const wchar_t* field) { return Kemba({L"/p", printer.Name(), L"get", field}); }
+    /// What `get` prints for a value of the printer.
+    std::string Line(const std::string& value) const {
+        return Printed(printer.Name()) + ": " + value + "\r\n";
+    }
+
+    const demo::Printer printer{{.port = L"LPT1:",
+                                 .comment = L"by the door, 50% %1",
+                                 .location = L"Hall 3/b",
+                                 .shareName = L"dock",
+                                 .attributes = 0}};
+};
+
+TEST_F(RealPair, GetReadsEveryFieldFromTheSpooler) {
+    EXPECT_EQ(Get(L"comment").output, Framed(Line("by the door, 50% %1")));
+    EXPECT_EQ(Get(L"location").output, Framed(Line("Hall 3/b")));
+    EXPECT_EQ(Get(L"sharename").output, Framed(Line("dock")));
+    EXPECT_EQ(Get(L"portname").output, Framed(Line("LPT1:")));
+    const kit::ProcessResult status = Get(L"status");
+    EXPECT_EQ(status.output, Framed(Line("Ready")));
+    EXPECT_EQ(status.errors, "");
+    EXPECT_EQ(status.status, 0U);
+}
+
+TEST_F(RealPair, EveryPrinterIsServedInTurn) {
+    const kit::ProcessResult run =
+        Kemba({L"/p", printer.Name(), L"/p", L"Nobody", L"/p", printer.Name(), L"get", L"Comment"});
+    const std::string line = Line("by the door, 50% %1");
+    EXPECT_EQ(run.output, "The printer 'Nobody' is not found.\r\n" + Framed(line + line));
+    EXPECT_EQ(run.status, 0U);
+}
+
+TEST_F(RealPair, AnUnknownFieldIsInvalid) {
+    const kit::ProcessResult run = Get(L"stat");
+    EXPECT_EQ(run.output, Framed("Argument 'stat' is invalid.\r\n"));
+    EXPECT_EQ(run.status, 0U);
+}
+
+TEST_F(RealPair, QuietModeAsksTheServerAndPrintsNothing) {
+    const kit::ProcessResult run = Kemba({L"/q", L"/p", printer.Name(), L"get", L"comment"});
+    EXPECT_EQ(run.output, "");
+    EXPECT_EQ(run.status, 0U);
+}
+
+TEST_F(RealPair, TheServersVersionIsTheProducts) {
+    const kit::ProcessResult run = Kemba({L"version", L"interface"});
+    EXPECT_EQ(run.output.substr(0, 11), "DAL: 1.0.0 ");
+    EXPECT_EQ(run.status, 0U);
+}
+
+} // namespace
