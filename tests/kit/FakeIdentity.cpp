@@ -97,6 +97,8 @@ Answer FakeIdentity::Call(std::string_view operation, std::string_view arguments
         SetFakeErrorInformation(m_state, answer.source, answer.description);
     else
         SetErrorInfo(0, nullptr);
+    if (answer.work)
+        answer.work();
     if (answer.throws)
         throw std::runtime_error("scripted exception");
     return answer;

@@ -79,6 +79,12 @@ Rule& FakeServer::GiveFlag(std::string_view operation, VARIANT_BOOL flag) {
     return AddRule(operation, {Gives::Flag}, std::move(answer));
 }
 
+Rule& FakeServer::Do(std::string_view operation, std::function<void()> work) {
+    Answer answer;
+    answer.work = std::move(work);
+    return AddRule(operation, {}, std::move(answer));
+}
+
 Rule& FakeServer::FailActivation(FakeClass which, HRESULT status) {
     return m_state->script.Add(Target(which, "CreateInstance"), Failing(status));
 }

@@ -24,6 +24,7 @@
 #include <windows.h>
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -54,6 +55,8 @@ class FakeServer {
     Rule& GiveNull(std::string_view operation);
     /// The flag's raw value: clients must take any but 0 for true.
     Rule& GiveFlag(std::string_view operation, VARIANT_BOOL flag);
+    /// The operation does some work of the test's as well.
+    Rule& Do(std::string_view operation, std::function<void()> work);
     /// The class's factory fails to make the object.
     Rule& FailActivation(FakeClass which, HRESULT status);
     /// The object made cannot be put into its running state.

@@ -8,6 +8,7 @@
 #include <wtypes.h>
 
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,6 +25,7 @@ struct Answer {
     std::optional<std::wstring> text;
     bool givesNull = false; ///< a null text or a null interface pointer
     std::optional<VARIANT_BOOL> flag;
+    std::function<void()> work; ///< done during the call
 };
 
 /// The circumstances of one call.

@@ -32,11 +32,15 @@ std::string Printed(const std::wstring& text) {
     return OString(text.c_str()).Narrow();
 }
 
-RunResult WholeRunTest::Run(const Words& words) {
+RunResult RunAfresh(const Words& words) {
     kemba::ApplicationSettings& settings = kemba::TheProcessObjects().settings;
     settings.allPrinters = settings.quiet = false;
     settings.printerNames.RemoveAll();
-    RunResult result = kit::RunWords(kemba::RunKemba, words);
+    return kit::RunWords(kemba::RunKemba, words);
+}
+
+RunResult WholeRunTest::Run(const Words& words) {
+    RunResult result = RunAfresh(words);
     EXPECT_EQ(server.Faults(), Lines{});
     return result;
 }

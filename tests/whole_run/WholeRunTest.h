@@ -22,11 +22,14 @@ std::string Output(const Lines& lines);
 /// The text in the code page of the output.
 std::string Printed(const std::wstring& text);
 
+/// Runs the entry point on the words as a fresh process would: the process-wide settings start empty.
+RunResult RunAfresh(const Words& words);
+
 /// A scripted server and two printers; every run must leave the server with nothing alive and nothing
 /// unfreed.
 class WholeRunTest : public testing::Test {
   protected:
-    /// Runs the entry point on the words as a fresh process would: the process-wide settings start empty.
+    /// RunAfresh, and a look at the server's faults.
     RunResult Run(const Words& words);
     /// The same for the first printer, or for both, which "/p" options before the words select.
     RunResult RunOnFirst(const Words& words);

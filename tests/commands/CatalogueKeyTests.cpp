@@ -1,0 +1,74 @@
+// The message keys in the sources against the sections of the catalogue.
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+#include "messages/TextResource.h"
+#include "tests/commands/Sources.h"
+
+namespace {
+
+using kemba_tests::FindAll;
+using kemba_tests::ReadSource;
+using kemba_tests::SourcesIn;
+using Keys = std::set<std::string>;
+
+Keys UsedKeys() {
+    Keys keys;
+    for (const char* const folder : {"commands", "cli", "cli/main", "automation", "messages"}) {
+        for (const std::string& path : SourcesIn(folder)) {
+            for (const std::string& key : FindAll(ReadSource(path), "\"((help|error|text):\\w+)\"")) {
+                keys.insert(key);
+            }
+        }
+    }
+    return keys;
+}
+
+Keys Sections() {
+    Keys keys;
+    for (const std::string& key : FindAll(ReadSource("messages/KEMBA[ENU].TXT"), "#(\\w+:\\w+)")) {
+        keys.insert(key);
+    }
+    return keys;
+}
+
+/// Keys without a section, on purpose: an empty line is what they show.
+const Keys kMissingOnPurpose = {"error:ActionNotSupported", "error:COM_Descripion"};
+
+/// Sections that nobody asks for.
+const Keys kUnused = {"error:COM_Description", "error:CommandInvalid"};
+
+TEST(CatalogueKeys, OfTheSourcesHaveASectionButForTwo) {
+    const Keys used = UsedKeys();
+    ASSERT_GT(used.size(), 30U);
+    TextResource catalogue;
+    for (const std::string& key : used) {
+        EXPECT_EQ(catalogue.GetText(key.c_str()).IsEmpty(), kMissingOnPurpose.contains(key)) << key;
+    }
+    for (const std::string& key : kMissingOnPurpose) {
+        EXPECT_TRUE(used.contains(key)) << key;
+    }
+}
+
+TEST(CatalogueKeys, OfTheSectionsAreUsedButForTwo) {
+    Keys used = UsedKeys();
+    EXPECT_TRUE(used.contains("help:Queue")) << "written with a capital letter, on purpose";
+    used.insert("help:queue");
+    const Keys sections = Sections();
+    ASSERT_GT(sections.size(), 30U);
+    for (const std::string& key : sections) {
+        EXPECT_EQ(used.contains(key), !kUnused.contains(key)) << key;
+    }
+}
+
+TEST(CatalogueKeys, OfHelpAreThereForEveryCommandAndTopic) {
+    TextResource catalogue;
+    for (const char* const topic : {"settings", "help", "action", "send", "version", "queue", "get", "set",
+                                    "import", "export", "commands", "usage"}) {
+        EXPECT_FALSE(catalogue.GetText((std::string("help:") + topic).c_str()).IsEmpty()) << topic;
+    }
+}
+
+} // namespace

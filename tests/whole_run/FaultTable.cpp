@@ -1,0 +1,209 @@
+// Faults from a clean run's journal.
+#include "tests/whole_run/FaultTable.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <optional>
+#include <regex>
+
+#include "core/OString.h"
+#include "tests/kit/Operations.h"
+
+namespace whole_run {
+namespace {
+
+using kit::FakeServer;
+using kit::Gives;
+
+constexpr HRESULT kServerFailed = static_cast<HRESULT>(0x80080005);
+constexpr HRESULT kOwnStatus = static_cast<HRESULT>(0x80040205);
+
+std::string OperationName(const std::string& className, const std::string& event) {
+    return "I" + className + "." + event;
+}
+
+kit::FakeClass ClassOf(const Step& step) {
+    return *std::ranges::find(kit::kAllClasses, step.className,
+                              [](kit::FakeClass which) { return std::string(NameOf(which)); });
+}
+
+std::vector<Fault> FaultsOfCreation(const Step& step) {
+    std::vector<Fault> faults;
+    const struct {
+        const char* title;
+        HRESULT status;
+        HRESULT raised;
+    } rows[] = {
+        {"the class is not registered", REGDB_E_CLASSNOTREG, REGDB_E_CLASSNOTREG},
+        {"the server fails to start", kServerFailed, kServerFailed},
+        {"the creation misses an interface", E_NOINTERFACE, E_POINTER},
+    };
+    for (const auto& row : rows) {
+        faults.push_back({.title = row.title,
+                          .status = row.raised,
+                          .arm = [step, status = row.status](FakeServer& server) {
+                              server.FailActivation(ClassOf(step), status).ForObject(step.object);
+                          }});
+    }
+    return faults;
+}
+
+std::vector<Fault> FaultsOfRunning(const Step& step) {
+    std::vector<Fault> faults;
+    for (const auto& [status, raised] : {std::pair(E_UNEXPECTED, E_UNEXPECTED), {E_NOINTERFACE, E_POINTER}}) {
+        faults.push_back(
+            {.title = status == raised ? "the object does not run" : "running the object misses an interface",
+             .status = raised,
+             .arm = [step, status](FakeServer& server) {
+                 server.FailRun(ClassOf(step), status).ForObject(step.object);
+             }});
+    }
+    return faults;
+}
+
+Fault MissingInterface(const Step& step) {
+    return {.title = "the interface is missing", .status = E_POINTER, .arm = [step](FakeServer& server) {
+                server.LackInterface(ClassOf(step)).ForObject(step.object);
+            }};
+}
+
+struct RefusalRow {
+    const char* title;
+    HRESULT status;
+    bool hasInformation;
+    std::optional<std::wstring> source;
+    std::optional<std::wstring> description;
+    kit::ErrorInfoSupport support;
+    kit::Lines printed;
+};
+
+const RefusalRow kRefusals[] = {
+    {"refused without information", E_ACCESSDENIED, false, {}, {}, kit::ErrorInfoSupport::Yes, {}},
+    {"refused with information",
+     kOwnStatus,
+     true,
+     L"Driver",
+     L"Out of paper",
+     kit::ErrorInfoSupport::Yes,
+     {"Source: Driver", ""}}, // the description's key is no section of the catalogue
+    {"refused with a source", E_FAIL, true, L"Driver", L"", kit::ErrorInfoSupport::Yes, {"Source: Driver"}},
+    {"refused with a description", E_FAIL, true, {}, L"Out of paper", kit::ErrorInfoSupport::Yes, {""}},
+    {"refused with empty information", E_FAIL, true, {}, {}, kit::ErrorInfoSupport::Yes, {}},
+    {"refused with information of others", E_FAIL, true, L"Driver", L"x", kit::ErrorInfoSupport::No, {}},
+    {"refused by an object without information",
+     E_FAIL,
+     true,
+     L"Driver",
+     L"x",
+     kit::ErrorInfoSupport::Absent,
+     {}},
+};
+
+std::vector<Fault> FaultsOfCall(const Step& step) {
+    const std::string operation = OperationName(step.className, step.event);
+    std::vector<Fault> faults;
+    for (const RefusalRow& row : kRefusals) {
+        faults.push_back(
+            {.title = row.title,
+             .status = row.status,
+             .information = row.printed,
+             .arm = [=](FakeServer& server) {
+                 server.SupportErrorInfo(row.support);
+                 kit::Rule& rule =
+                     server.Fail(operation, row.status).ForObject(step.object).ForCall(step.call);
+                 if (row.hasInformation) {
+                     rule.WithInformation(row.source, row.description);
+                 }
+             }});
+    }
+    faults.push_back({.title = "throws", .effect = Effect::Breakage, .arm = [=](FakeServer& server) {
+                          server.Throw(operation).ForObject(step.object).ForCall(step.call);
+                      }});
+    const Gives gives = kit::FindOperation(operation)->gives;
+    if (gives == Gives::Text || gives == Gives::Object) {
+        faults.push_back({.title = "gives nothing",
+                          .effect = gives == Gives::Text ? Effect::NoText : Effect::Refusal,
+                          .status = E_POINTER,
+                          .arm = [=](FakeServer& server) {
+                              server.GiveNull(operation).ForObject(step.object).ForCall(step.call);
+                          }});
+    }
+    if (gives == Gives::Text) {
+        faults.push_back(
+            {.title = "gives an empty text", .effect = Effect::NoText, .arm = [=](FakeServer& server) {
+                 server.GiveText(operation, L"").ForObject(step.object).ForCall(step.call);
+             }});
+    }
+    return faults;
+}
+
+} // namespace
+
+kit::Lines ErrorLines(HRESULT status) {
+    wchar_t* text = nullptr;
+    std::string shown;
+    if (FormatMessageW(
+            FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+            nullptr, static_cast<DWORD>(status), 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr) != 0) {
+        shown = OString(text).TrimRight(L"\r\n").Narrow();
+        LocalFree(text);
+    } else {
+        const auto number = static_cast<unsigned long>(status);
+        const bool isOwn = number > 0x80040200 && number <= 0x8004FFFF;
+        char formatted[40];
+        std::snprintf(formatted, sizeof formatted, isOwn ? "IDispatch error #%lu" : "Unknown error 0x%lX",
+                      isOwn ? number - 0x80040200 : number);
+        shown = formatted;
+    }
+    return {"*** COM Exception ***", "Error: " + shown};
+}
+
+kit::Lines WithoutNumbers(const kit::Lines& lines) {
+    static const std::regex number("#[0-9]+");
+    kit::Lines result;
+    for (const std::string& line : lines) {
+        result.push_back(std::regex_replace(line, number, ""));
+    }
+    return result;
+}
+
+std::vector<Step> StepsOf(const kit::Lines& journal) {
+    static const std::regex creation("new (\\w+)#(\\d+)");
+    static const std::regex event("(\\w+)#(\\d+)\\.(\\w+)\\([^]*");
+    std::map<std::string, int> counts;
+    std::vector<Step> steps;
+    for (const std::string& line : journal) {
+        std::smatch parts;
+        Step step;
+        if (std::regex_match(line, parts, creation)) {
+            step.event = "new";
+        } else if (std::regex_match(line, parts, event)) {
+            step.event = parts[3];
+        } else {
+            continue;
+        }
+        step.className = parts[1];
+        step.object = std::stoi(parts[2]);
+        step.call = ++counts[parts.str(1) + parts.str(2) + step.event];
+        step.isCall = kit::FindOperation(OperationName(step.className, step.event)) != nullptr;
+        step.shown = WithoutNumbers({line}).front();
+        steps.push_back(step);
+    }
+    return steps;
+}
+
+std::vector<Fault> FaultsAt(const Step& step) {
+    if (step.event == "new") {
+        return FaultsOfCreation(step);
+    }
+    if (step.event == "Run") {
+        return FaultsOfRunning(step);
+    }
+    if (step.event == "QueryInterface") {
+        return {MissingInterface(step)};
+    }
+    return step.isCall ? FaultsOfCall(step) : std::vector<Fault>{};
+}
+
+} // namespace whole_run
