@@ -11,8 +11,8 @@ target_compile_definitions(kemba_options INTERFACE
 target_compile_options(kemba_options INTERFACE
     -Wall -Wextra -Werror -Wpedantic -Wshadow -Wconversion
     -ffunction-sections -fdata-sections
-    # Paths of the building machine stay out of the programs.
-    -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
+    # Paths of the building machine stay out of what ships.
+    $<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>
     $<$<CONFIG:Debug>:-D_GLIBCXX_ASSERTIONS -fsanitize=undefined -fsanitize-undefined-trap-on-error>)
 target_link_options(kemba_options INTERFACE
     -Wl,--gc-sections
