@@ -63,7 +63,7 @@ Rule& FakeServer::Throw(std::string_view operation) {
 
 Rule& FakeServer::GiveText(std::string_view operation, std::wstring text) {
     Answer answer;
-    answer.text = std::move(text);
+    answer.text.emplace(std::move(text));
     return AddRule(operation, {Gives::Text}, std::move(answer));
 }
 
