@@ -12,13 +12,15 @@ namespace {
 using kemba_tests::FindAll;
 using kemba_tests::ReadSource;
 using kemba_tests::SourcesIn;
+using kemba_tests::WithoutComments;
 using Keys = std::set<std::string>;
 
 Keys UsedKeys() {
     Keys keys;
     for (const char* const folder : {"commands", "cli", "cli/main", "automation", "messages"}) {
         for (const std::string& path : SourcesIn(folder)) {
-            for (const std::string& key : FindAll(ReadSource(path), "\"((help|error|text):\\w+)\"")) {
+            for (const std::string& key :
+                 FindAll(WithoutComments(ReadSource(path)), "\"((help|error|text):\\w+)\"")) {
                 keys.insert(key);
             }
         }

@@ -16,6 +16,11 @@ std::string ReadSource(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
+std::string WithoutComments(const std::string& source) {
+    static const std::regex comment("//[^\\n]*");
+    return std::regex_replace(source, comment, "");
+}
+
 std::vector<std::string> SourcesIn(const std::string& folder) {
     std::vector<std::string> paths;
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {

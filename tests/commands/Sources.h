@@ -10,6 +10,9 @@ namespace kemba_tests {
 /// none.
 std::string ReadSource(const std::string& path);
 
+/// The text without what stands behind two slashes.
+std::string WithoutComments(const std::string& source);
+
 /// The paths of the C++ files of a folder, headers too.
 std::vector<std::string> SourcesIn(const std::string& folder);
 

@@ -67,6 +67,10 @@ const WordRow kWords[] = {
     {L"ConfigurePrinter", 17},
 };
 
+void PrintTo(const WordRow& row, std::ostream* out) {
+    *out << Printed(row.word);
+}
+
 class ActionWord : public Action, public testing::WithParamInterface<WordRow> {};
 
 INSTANTIATE_TEST_SUITE_P(Words, ActionWord, testing::ValuesIn(kWords),
@@ -237,7 +241,7 @@ TEST_F(Action, ARefusalPrintsAnEmptyLineAndTheNextPrinterIsServed) {
 }
 
 TEST_F(Action, TheNameIsPrintedBeforeTheServerIsSought) {
-    server.Unregister(FakeClass::DriverAutomation);
+    server.FailActivation(FakeClass::DriverAutomation, REGDB_E_CLASSNOTREG);
     const auto run = RunOnBoth({L"action", L"Test"});
     EXPECT_EQ(run.output, Framed({firstName + ":", "", secondName + ":", ""}));
     EXPECT_EQ(run.status, 0);

@@ -54,6 +54,10 @@ const std::vector<Blank> kDriverBlanks = {
     {"IDriverAutomation.GetDriverVersion", "%p: Unknown", kDriverLine},
     {"IDriverAutomation.GetDriverVersionDetail", "%p: DriverVersion of %p", kDriverLine}};
 
+void PrintTo(const Row& row, std::ostream* out) {
+    *out << row.title;
+}
+
 Row ActionRow(const char* title, Words words, const std::string& message, bool unsupported) {
     return {title,
             std::move(words),

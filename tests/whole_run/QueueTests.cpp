@@ -31,6 +31,10 @@ const ActionRow kActions[] = {
     {L"purge", L"PURGE", L"Purge", "Purge"},
 };
 
+void PrintTo(const ActionRow& row, std::ostream* out) {
+    *out << row.operation;
+}
+
 class QueueAction : public Queue, public testing::WithParamInterface<ActionRow> {
   protected:
     const std::string interfaceAndOperation = std::string("IPrinterQueue.") + GetParam().operation;

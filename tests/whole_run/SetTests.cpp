@@ -33,6 +33,10 @@ const FieldRow kFields[] = {
     {L"sharename", L"SHARENAME", L"ShareName", "PutShareName"},
 };
 
+void PrintTo(const FieldRow& row, std::ostream* out) {
+    *out << row.operation;
+}
+
 class SetField : public Set, public testing::WithParamInterface<FieldRow> {
   protected:
     /// The call that writes the value, on the n-th object.
