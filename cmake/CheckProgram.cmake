@@ -1,5 +1,7 @@
 # Checks a shipped program: cmake -DPROGRAM=... -DOBJDUMP=... -DLIMIT=BYTES -P CheckProgram.cmake
 # It is smaller than LIMIT, stripped, protected as the compiler protects by default, and needs system libraries alone.
+cmake_minimum_required(VERSION 3.25)
+
 set(system_libraries ADVAPI32 KERNEL32 OLE32 OLEAUT32 USER32 VERSION SHELL32 WINSPOOL MSVCRT)
 
 file(SIZE ${PROGRAM} size)
