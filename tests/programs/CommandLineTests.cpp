@@ -2,19 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "messages/TextResource.h"
-#include "tests/kit/ProcessRun.h"
-#include "tests/kit/TemporaryFile.h"
+#include "tests/programs/Kemba.h"
 
 namespace {
 
-using Words = std::vector<std::wstring>;
-
-kit::ProcessResult Kemba(const Words& words, const kit::ProcessOptions& options = {}) {
-    return kit::RunProgram(L"kemba.exe", words, options);
-}
+using programs::Kemba;
+using programs::Words;
 
 const std::string kHelp = std::string(TextResource().GetText("help:help").Narrow()) + "\r\n";
 

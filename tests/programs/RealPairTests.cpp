@@ -2,26 +2,20 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
-#include "core/OString.h"
 #include "demo/WinePrinters.h"
-#include "tests/kit/ProcessRun.h"
+#include "tests/programs/Kemba.h"
 
 namespace {
 
-using Words = std::vector<std::wstring>;
-
-std::string Printed(const std::wstring& text) {
-    return OString(text.c_str()).Narrow();
-}
+using programs::Kemba;
+using programs::Printed;
 
 std::string Framed(const std::string& lines) {
-    return "Executing 'Get' command.\r\n" + lines + "Finished processing command.\r\n";
+    return programs::Framed("Get", lines);
 }
 
 struct RealPair : testing::Test {
-    kit::ProcessResult Kemba(const Words& words) { return kit::RunProgram(L"kemba.exe", words); }
     kit::ProcessResult Get(const wchar_t* field) { return Kemba({L"/p", printer.Name(), L"get", field}); }
     /// What `get` prints for a value of the printer.
     std::string Line(const std::string& value) const {

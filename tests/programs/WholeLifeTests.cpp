@@ -1,0 +1,208 @@
+// A printer's whole life through kemba.exe and kemba-dal.exe on Wine's real spooler.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <winspool.h>
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "demo/WinePrinters.h"
+#include "tests/kit/PrinterPort.h"
+#include "tests/kit/TemporaryFile.h"
+#include "tests/programs/Kemba.h"
+
+namespace {
+
+using programs::Framed;
+using programs::Kemba;
+using programs::Printed;
+using programs::Words;
+
+const std::string kUnsupported = "The command is unsupported on this printer.\r\n";
+
+std::string RandomBytes(std::size_t count) {
+    std::mt19937 random(20'261'121); // NOLINT(bugprone-random-generator-seed): the same bytes every time
+    std::string bytes(count, '\0');
+    for (char& byte : bytes) {
+        byte = static_cast<char>(random());
+    }
+    return bytes;
+}
+
+/// The printer's settings as another program sees them.
+class PrinterSettings {
+  public:
+    explicit PrinterSettings(const std::wstring& name) : m_name(name) {
+        PRINTER_DEFAULTSW all{nullptr, nullptr, PRINTER_ALL_ACCESS};
+        EXPECT_TRUE(OpenPrinterW(m_name.data(), &m_handle, &all));
+    }
+    PrinterSettings(const PrinterSettings&) = delete;
+    PrinterSettings& operator=(const PrinterSettings&) = delete;
+    ~PrinterSettings() { ClosePrinter(m_handle); }
+
+    short Orientation() const { return Mode().dmOrientation; }
+    void SetOrientation(short orientation) {
+        DEVMODEW& mode = Mode();
+        mode.dmOrientation = orientation;
+        mode.dmFields |= DM_ORIENTATION;
+        EXPECT_TRUE(SetPrinterW(m_handle, 9, m_information.data(), 0));
+    }
+    DWORD Data(const wchar_t* value) {
+        DWORD data = 0;
+        DWORD needed = 0;
+        EXPECT_EQ(GetPrinterDataW(m_handle, const_cast<wchar_t*>(value), nullptr,
+                                  reinterpret_cast<BYTE*>(&data), sizeof(data), &needed),
+                  ERROR_SUCCESS);
+        return data;
+    }
+    void SetData(const wchar_t* value, DWORD data) {
+        EXPECT_EQ(SetPrinterDataW(m_handle, const_cast<wchar_t*>(value), REG_DWORD,
+                                  reinterpret_cast<BYTE*>(&data), sizeof(data)),
+                  ERROR_SUCCESS);
+    }
+
+  private:
+    /// The user's device mode, read afresh; it stays until the next reading.
+    DEVMODEW& Mode() const {
+        DWORD needed = 0;
+        GetPrinterW(m_handle, 9, nullptr, 0, &needed);
+        m_information.resize(needed);
+        EXPECT_TRUE(GetPrinterW(m_handle, 9, m_information.data(), needed, &needed));
+        return *reinterpret_cast<PRINTER_INFO_9W*>(m_information.data())->pDevMode;
+    }
+
+    std::wstring m_name;
+    HANDLE m_handle = nullptr;
+    mutable std::vector<BYTE> m_information;
+};
+
+struct WholeLife : testing::Test {
+    /// A run on the printer; its exit status must be 0.
+    std::string On(Words words) {
+        words.insert(words.end(), {L"/p", printer.Name()});
+        const kit::ProcessResult run = Kemba(words);
+        EXPECT_EQ(run.status, 0U);
+        EXPECT_EQ(run.errors, "");
+        return run.output;
+    }
+    std::string Value(const wchar_t* field) {
+        const std::string output = On({L"get", field});
+        const std::string before = "Executing 'Get' command.\r\n" + name + ": ";
+        const std::string after = "\r\nFinished processing command.\r\n";
+        EXPECT_EQ(output.substr(0, before.size()), before);
+        EXPECT_EQ(output.substr(output.size() - after.size()), after);
+        return output.substr(before.size(), output.size() - before.size() - after.size());
+    }
+
+    const kit::PrinterPort port;
+    const demo::Printer printer{
+        {.port = port.Name(), .comment = L"", .location = L"", .shareName = L"", .attributes = 0}};
+    const std::string name = Printed(printer.Name());
+};
+
+TEST_F(WholeLife, FieldsAreWrittenAndReadBack) {
+    const struct {
+        const wchar_t* field;
+        const wchar_t* value;
+    } kValues[] = {
+        {L"comment", L"Dock 4, 50% %1 \"left\""},
+        {L"location", L"Hall 3/b\\c::d"},
+        {L"sharename", L"dock4"},
+        {L"comment", L""},
+        {L"sharename", L""},
+    };
+    for (const auto& [field, value] : kValues) {
+        EXPECT_EQ(On({L"set", field, value}), Framed("Set", ""));
+        EXPECT_EQ(Value(field), Printed(value));
+    }
+    EXPECT_EQ(Value(L"location"), "Hall 3/b\\c::d") << "what was not set stays";
+}
+
+TEST_F(WholeLife, ALongCommentIsWrittenAndReadBack) {
+    const std::wstring value(20'000, L'x');
+    EXPECT_EQ(On({L"set", L"comment", value}), Framed("Set", ""));
+    EXPECT_EQ(Value(L"comment"), Printed(value));
+}
+
+TEST_F(WholeLife, TwentyMegabytesArriveAtThePortsOtherEndByteForByte) {
+    const std::string bytes = RandomBytes(20'000'000);
+    const kit::TemporaryFile file(bytes);
+    EXPECT_EQ(On({L"send", file.Path()}), Framed("Send", "File sent to '" + name + "'.\r\n"));
+    const std::string received = port.Received(bytes.size());
+    EXPECT_EQ(received.size(), bytes.size());
+    EXPECT_TRUE(received == bytes);
+}
+
+TEST_F(WholeLife, SettingsAreExportedImportedAndReset) {
+    const kit::TemporaryFile file;
+    EXPECT_EQ(On({L"settings", L"export", file.Path()}),
+              Framed("Export", "Settings exported for '" + name + "'.\r\n"));
+    const std::string exported = file.Read();
+    EXPECT_GT(exported.size(), 100U);
+
+    PrinterSettings settings(printer.Name());
+    settings.SetOrientation(DMORIENT_LANDSCAPE);
+    settings.SetData(L"Darkness", 17);
+    const kit::TemporaryFile changed;
+    On({L"settings", L"export", changed.Path()});
+    EXPECT_NE(changed.Read(), exported);
+
+    EXPECT_EQ(On({L"settings", L"import", changed.Path()}),
+              Framed("Import", "Settings imported for '" + name + "'.\r\n"));
+    settings.SetOrientation(DMORIENT_PORTRAIT);
+    settings.SetData(L"Darkness", 3);
+    On({L"settings", L"import", changed.Path()});
+    EXPECT_EQ(settings.Orientation(), DMORIENT_LANDSCAPE);
+    EXPECT_EQ(settings.Data(L"Darkness"), 17U);
+
+    EXPECT_EQ(On({L"settings", L"reset"}), Framed("Settings", "Settings reset for '" + name + "'.\r\n"));
+    EXPECT_EQ(settings.Orientation(), DMORIENT_PORTRAIT);
+}
+
+TEST_F(WholeLife, ADamagedSettingsFileIsRefused) {
+    const kit::TemporaryFile file;
+    On({L"settings", L"export", file.Path()});
+    std::string bytes = file.Read();
+    bytes[bytes.size() / 2] = static_cast<char>(bytes[bytes.size() / 2] ^ 1);
+    const kit::TemporaryFile damaged(bytes);
+    EXPECT_EQ(On({L"settings", L"import", damaged.Path()}), Framed("Import", kUnsupported));
+}
+
+TEST_F(WholeLife, AProfilesActionArrivesAsItsBytes) {
+    // The printer's own profile stands beside the server, named after the printer.
+    const std::filesystem::path path =
+        std::filesystem::path(kit::ProgramPath(L"kemba-dal.exe")).parent_path() / "profiles" /
+        (printer.Name() + L".profile");
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << "Feed = ESC \"d\" 03\n";
+    EXPECT_EQ(On({L"action", L"-n", L"Feed"}),
+              Framed("Action", name + ":\r\nAction 'Feed' is supported.\r\n"));
+    EXPECT_EQ(On({L"action", L"-n", L"Cut"}),
+              Framed("Action", name + ":\r\nAction 'Cut' is not supported.\r\n"));
+    EXPECT_EQ(On({L"action", L"feed"}), Framed("Action", name + ":\r\nAction Completed.\r\n"));
+    EXPECT_EQ(port.Received(3), "\x1B"
+                                "d\x03");
+    std::filesystem::remove(path);
+}
+
+TEST_F(WholeLife, TheQueueRefusesWhereTheSpoolerHasNoControl) {
+    for (const wchar_t* const word : {L"Pause", L"Resume", L"Purge"}) {
+        EXPECT_EQ(On({L"queue", word}), Framed("Queue", kUnsupported));
+    }
+}
+
+TEST_F(WholeLife, TheDriversVersionIsToldOrUnknown) {
+    EXPECT_EQ(On({L"version", L"driver"}).substr(0, name.size() + 2), name + ": ");
+}
+
+TEST_F(WholeLife, AnEmptyFileIsRefused) {
+    const kit::TemporaryFile file;
+    EXPECT_EQ(On({L"send", file.Path()}), Framed("Send", kUnsupported));
+}
+
+} // namespace
