@@ -1,6 +1,7 @@
 // The main object's operations in interface order.
 #include "substitute/DriverAutomationObject.h"
 
+#include "substitute/DriverSettingsObject.h"
 #include "substitute/PrinterInformationObject.h"
 
 namespace kemba::substitute {
@@ -113,7 +114,8 @@ HRESULT DriverAutomationObject::GetPrinterInformation(IPrinterInformation** info
 }
 
 HRESULT DriverAutomationObject::GetSettings(IDriverSettings** settings) noexcept {
-    return Unavailable(L"GetSettings", settings);
+    return Answer(L"GetSettings", settings,
+                  [&] { *settings = Make<DriverSettingsObject>(m_context, NeedPrinter()).release(); });
 }
 
 std::shared_ptr<const Printer> DriverAutomationObject::BoundPrinter() const noexcept {

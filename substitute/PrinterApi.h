@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "substitute/SettingsApi.h"
+
 namespace kemba::substitute {
 
 /// Spooler calls by their plain meaning; each answers a Win32 error code, ERROR_SUCCESS when it worked.
@@ -19,6 +21,9 @@ class PrinterApi {
     /// Fills `buffer` with the PRINTER_INFO record of a level. ERROR_INSUFFICIENT_BUFFER: `needed` bytes are
     /// wanted.
     virtual DWORD Get(HANDLE handle, DWORD level, BYTE* buffer, DWORD size, DWORD& needed) = 0;
+
+    /// The calls that settings need; outlived by this object.
+    virtual SettingsApi& GetSettingsApi() = 0;
 };
 
 /// The system's own spooler.
@@ -27,6 +32,11 @@ class WindowsPrinterApi : public PrinterApi {
     DWORD Open(const std::wstring& name, HANDLE& handle) override;
     void Close(HANDLE handle) override;
     DWORD Get(HANDLE handle, DWORD level, BYTE* buffer, DWORD size, DWORD& needed) override;
+
+    SettingsApi& GetSettingsApi() override { return m_settings; }
+
+  private:
+    WindowsSettingsApi m_settings;
 };
 
 } // namespace kemba::substitute

@@ -146,7 +146,6 @@ TEST_F(DriverAutomationObjectTest, WhatIsNotOfferedSaysSo) {
     const InText text(L"text");
     BSTR version = nullptr;
     auto* queue = reinterpret_cast<IPrinterQueue*>(1);
-    auto* settings = reinterpret_cast<IDriverSettings*>(1);
     const VARIANT omitted = {};
     const std::pair<const wchar_t*, std::function<HRESULT()>> rows[] = {
         {L"SendFile", [&] { return automation->SendFile(text, text); }},
@@ -164,7 +163,6 @@ TEST_F(DriverAutomationObjectTest, WhatIsNotOfferedSaysSo) {
         {L"GetDriverVersion", [&] { return automation->GetDriverVersion(&version); }},
         {L"GetDriverVersionDetail", [&] { return automation->GetDriverVersionDetail(&version); }},
         {L"GetPrinterQueue", [&] { return automation->GetPrinterQueue(&queue); }},
-        {L"GetSettings", [&] { return automation->GetSettings(&settings); }},
     };
     for (const auto& [name, call] : rows) {
         SCOPED_TRACE(name);
@@ -173,7 +171,6 @@ TEST_F(DriverAutomationObjectTest, WhatIsNotOfferedSaysSo) {
                   name + std::wstring(L" on printer \"Label A\": this server does not offer the operation"));
     }
     EXPECT_EQ(queue, nullptr);
-    EXPECT_EQ(settings, nullptr);
 }
 
 TEST_F(DriverAutomationObjectTest, TheStatusObjectTellsTheStateAndOutlivesItsMaker) {

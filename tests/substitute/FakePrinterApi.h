@@ -9,6 +9,7 @@
 #include <map>
 #include <string>
 
+#include "FakeSettingsApi.h"
 #include "substitute/PrinterApi.h"
 
 class FakePrinterApi : public kemba::substitute::PrinterApi {
@@ -67,6 +68,9 @@ class FakePrinterApi : public kemba::substitute::PrinterApi {
         std::memcpy(buffer, &information, sizeof(information));
         return ERROR_SUCCESS;
     }
+
+    FakeSettingsApi settings;
+    kemba::substitute::SettingsApi& GetSettingsApi() override { return settings; }
 
   private:
     /// The spooler gives null for a text that is not there.

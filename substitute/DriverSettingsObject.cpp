@@ -1,0 +1,62 @@
+// Settings between a printer and a file.
+#include "substitute/DriverSettingsObject.h"
+
+#include "substitute/SettingsFile.h"
+#include "substitute/SettingsStore.h"
+#include "substitute/VqsFormat.h"
+
+namespace kemba::substitute {
+namespace {
+
+void NeedOmitted(const VARIANT& option) {
+    if (V_VT(&option) != VT_ERROR || V_ERROR(&option) != DISP_E_PARAMNOTFOUND) {
+        throw Failure{E_INVALIDARG, L"the optional argument has to be omitted"};
+    }
+}
+
+std::wstring PathOf(BSTR path) {
+    return std::wstring(path ? path : L"", SysStringLen(path));
+}
+
+/// Work on a file; a failure says which one.
+template<class Work>
+void WithFile(const wchar_t* what, const std::wstring& path, Work&& work) {
+    try {
+        work();
+    } catch (Failure& failure) {
+        failure.reason = what + (L" \"" + path + L"\": ") + failure.reason;
+        throw;
+    }
+}
+
+} // namespace
+
+HRESULT DriverSettingsObject::ImportSettings(BSTR path, VARIANT option) noexcept {
+    return Answer(L"ImportSettings", [&] {
+        NeedOmitted(option);
+        const std::wstring file = PathOf(path);
+        WithFile(L"importing the settings of", file, [&] {
+            SettingsStore(m_api, m_printer->GetName())
+                .Apply(DecodeVqs(ReadSettingsFile(file, kMaximumVqsSize)));
+        });
+    });
+}
+
+HRESULT DriverSettingsObject::ExportSettings(BSTR path, VARIANT option) noexcept {
+    return Answer(L"ExportSettings", [&] {
+        NeedOmitted(option);
+        const std::wstring file = PathOf(path);
+        WithFile(L"exporting the settings to", file, [&] {
+            WriteSettingsFile(file, EncodeVqs(SettingsStore(m_api, m_printer->GetName()).Read()));
+        });
+    });
+}
+
+HRESULT DriverSettingsObject::ResetSettings(VARIANT option) noexcept {
+    return Answer(L"ResetSettings", [&] {
+        NeedOmitted(option);
+        SettingsStore(m_api, m_printer->GetName()).Reset();
+    });
+}
+
+} // namespace kemba::substitute
