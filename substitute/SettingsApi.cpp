@@ -26,6 +26,20 @@ std::optional<Bytes> ModeInRecord(const Bytes& record, const DEVMODEW* mode) {
     return bytes.empty() ? std::nullopt : std::optional<Bytes>(std::move(bytes));
 }
 
+/// Version of a program file; 0 when it has none. Asked of the driver's file because some systems leave the
+/// version in the driver's record unset.
+std::uint64_t FileVersion(const wchar_t* path) {
+    Bytes block(GetFileVersionInfoSizeW(path, nullptr));
+    void* found = nullptr;
+    UINT size = 0;
+    if (block.empty() || !GetFileVersionInfoW(path, 0, static_cast<DWORD>(block.size()), block.data()) ||
+        !VerQueryValueW(block.data(), L"\\", &found, &size) || size < sizeof(VS_FIXEDFILEINFO)) {
+        return 0;
+    }
+    const auto& version = *static_cast<const VS_FIXEDFILEINFO*>(found);
+    return std::uint64_t{version.dwFileVersionMS} << 32 | version.dwFileVersionLS;
+}
+
 /// A call that not every system exports.
 FARPROC FindSpoolerCall(const char* name) {
     const HMODULE library = GetModuleHandleW(L"winspool.drv");
@@ -45,10 +59,11 @@ void WindowsSettingsApi::Close(HANDLE handle) {
 
 DWORD WindowsSettingsApi::GetDriver(HANDLE handle, DriverIdentity& driver) {
     Bytes record;
-    const DWORD error = ReadDriverRecord(handle, 6, record);
+    const DWORD error = ReadDriverRecord(handle, 2, record);
     if (error == ERROR_SUCCESS) {
-        const auto& information = *reinterpret_cast<const DRIVER_INFO_6W*>(record.data());
-        driver = {information.pName ? information.pName : L"", information.dwlDriverVersion};
+        const auto& information = *reinterpret_cast<const DRIVER_INFO_2W*>(record.data());
+        driver.name = information.pName ? information.pName : L"";
+        driver.version = information.pDriverPath ? FileVersion(information.pDriverPath) : 0;
     }
     return error;
 }

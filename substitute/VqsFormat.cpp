@@ -14,16 +14,9 @@ namespace {
 constexpr std::array<BYTE, 8> kMagic = {'K', 'V', 'Q', 'S', '\r', '\n', 0x1A, 0};
 constexpr std::uint32_t kFormatVersion = 1;
 constexpr std::size_t kSizeOffset = kMagic.size() + sizeof(std::uint32_t);
+constexpr std::size_t kHeaderSize = kSizeOffset + sizeof(std::uint32_t);
 constexpr std::size_t kChecksumSize = sizeof(std::uint32_t);
 constexpr DWORD kLastType = REG_QWORD;
-
-[[noreturn]] void Refuse(DWORD error, const std::wstring& reason) {
-    throw Failure{HRESULT_FROM_WIN32(error), L"not a usable settings file: " + reason};
-}
-
-[[noreturn]] void RefuseData(const std::wstring& reason) {
-    Refuse(ERROR_INVALID_DATA, reason);
-}
 
 constexpr std::array<std::uint32_t, 256> MakeCrcTable() {
     std::array<std::uint32_t, 256> table = {};
@@ -69,66 +62,88 @@ class Writer {
     Bytes m_bytes;
 };
 
+/// Takes a file apart. Every operation tells whether it worked; the first that did not says why.
 class Reader {
   public:
     explicit Reader(std::span<const BYTE> bytes) : m_left(bytes) {}
 
-    std::span<const BYTE> Take(std::size_t count) {
+    bool Refuse(const wchar_t* reason) {
+        m_refusal = reason;
+        return false;
+    }
+    const wchar_t* GetRefusal() const { return m_refusal; }
+
+    bool Take(std::size_t count, std::span<const BYTE>& taken) {
         if (count > m_left.size()) {
-            RefuseData(L"it ends in the middle of a record");
+            return Refuse(L"it ends in the middle of a record");
         }
-        const std::span<const BYTE> taken = m_left.first(count);
+        taken = m_left.first(count);
         m_left = m_left.subspan(count);
-        return taken;
+        return true;
     }
     template<class Number>
-    Number Get() {
-        Number number = 0;
-        std::size_t shift = 0;
-        for (const BYTE byte : Take(sizeof(Number))) {
-            number = static_cast<Number>(number | static_cast<Number>(static_cast<Number>(byte) << shift));
-            shift += 8;
+    bool Get(Number& number) {
+        std::span<const BYTE> bytes;
+        if (!Take(sizeof(Number), bytes)) {
+            return false;
         }
-        return number;
+        number = 0;
+        for (std::size_t index = sizeof(Number); index > 0; --index) {
+            number = static_cast<Number>(number << 8 | bytes[index - 1]);
+        }
+        return true;
     }
-    std::wstring GetText() {
-        const auto length = Get<std::uint32_t>();
-        if (length > kMaximumVqsText) {
-            RefuseData(L"a text is too long");
+    bool GetText(std::wstring& text) {
+        std::uint32_t length = 0;
+        std::span<const BYTE> units;
+        if (!Get(length)) {
+            return false;
         }
-        const std::span<const BYTE> units = Take(length * sizeof(std::uint16_t));
-        std::wstring text(length, L'\0');
+        if (length > kMaximumVqsText) {
+            return Refuse(L"a text is too long");
+        }
+        if (!Take(length * sizeof(std::uint16_t), units)) {
+            return false;
+        }
+        text.assign(length, L'\0');
         for (std::size_t index = 0; index < length; ++index) {
             text[index] = static_cast<wchar_t>(units[2 * index] | units[2 * index + 1] << 8);
         }
-        if (text.find(L'\0') != std::wstring::npos) {
-            RefuseData(L"a text contains a zero");
-        }
-        return text;
+        return text.find(L'\0') == std::wstring::npos || Refuse(L"a text contains a zero");
     }
-    Bytes GetBlock() {
-        const std::span<const BYTE> block = Take(Get<std::uint32_t>());
-        return Bytes(block.begin(), block.end());
+    bool GetBlock(Bytes& block) {
+        std::uint32_t size = 0;
+        std::span<const BYTE> bytes;
+        if (!Get(size) || !Take(size, bytes)) {
+            return false;
+        }
+        block.assign(bytes.begin(), bytes.end());
+        return true;
     }
     bool IsAtEnd() const { return m_left.empty(); }
 
   private:
     std::span<const BYTE> m_left;
+    const wchar_t* m_refusal = nullptr;
 };
 
 void PutMode(Writer& writer, const std::optional<Bytes>& mode) {
     writer.PutBlock(mode ? std::span<const BYTE>(*mode) : std::span<const BYTE>());
 }
 
-std::optional<Bytes> GetMode(Reader& reader) {
-    Bytes mode = reader.GetBlock();
-    if (mode.empty()) {
-        return std::nullopt;
+bool GetMode(Reader& reader, std::optional<Bytes>& mode) {
+    Bytes bytes;
+    if (!reader.GetBlock(bytes)) {
+        return false;
     }
-    if (ModeSize(mode) != mode.size()) {
-        RefuseData(L"a device mode contradicts its own size");
+    if (bytes.empty()) {
+        return true; // there is none
     }
-    return mode;
+    if (ModeSize(bytes) != bytes.size()) {
+        return reader.Refuse(L"a device mode contradicts its own size");
+    }
+    mode = std::move(bytes);
+    return true;
 }
 
 /// Whether the key is the driver's or one below it, without empty parts.
@@ -139,43 +154,53 @@ bool IsDriverKey(const std::wstring& key) {
     return key.back() != L'\\' && key.find(L"\\\\") == std::wstring::npos;
 }
 
-PrinterValue GetValue(Reader& reader) {
-    PrinterValue value;
-    value.key = reader.GetText();
-    value.name = reader.GetText();
-    value.type = reader.Get<std::uint32_t>();
-    value.data = reader.GetBlock();
+bool GetValue(Reader& reader, PrinterValue& value) {
+    std::uint32_t type = 0;
+    if (!reader.GetText(value.key) || !reader.GetText(value.name) || !reader.Get(type) ||
+        !reader.GetBlock(value.data)) {
+        return false;
+    }
+    value.type = type;
     if (!IsDriverKey(value.key)) {
-        RefuseData(L"a value lies outside the driver's data");
+        return reader.Refuse(L"a value lies outside the driver's data");
     }
-    if (value.type > kLastType) {
-        RefuseData(L"a value has an unknown type");
+    return type <= kLastType || reader.Refuse(L"a value has an unknown type");
+}
+
+bool GetValues(Reader& reader, std::vector<PrinterValue>& values) {
+    std::uint32_t count = 0;
+    if (!reader.Get(count)) {
+        return false;
     }
-    return value;
+    if (count > kMaximumVqsValues) {
+        return reader.Refuse(L"it has too many values");
+    }
+    for (std::uint32_t index = 0; index < count; ++index) {
+        PrinterValue value;
+        if (!GetValue(reader, value)) {
+            return false;
+        }
+        if (index > 0 && ComparePlaces(values.back(), value) >= 0) {
+            return reader.Refuse(L"its values are out of order or come twice");
+        }
+        values.push_back(std::move(value));
+    }
+    return true;
 }
 
 /// The part between header and checksum.
-Settings GetBody(Reader& reader) {
-    Settings settings;
-    settings.driver.name = reader.GetText();
+bool GetBody(Reader& reader, Settings& settings) {
+    if (!reader.GetText(settings.driver.name)) {
+        return false;
+    }
     if (settings.driver.name.empty()) {
-        RefuseData(L"it names no driver");
+        return reader.Refuse(L"it names no driver");
     }
-    settings.driver.version = reader.Get<std::uint64_t>();
-    settings.globalMode = GetMode(reader);
-    settings.userMode = GetMode(reader);
-    const auto count = reader.Get<std::uint32_t>();
-    if (count > kMaximumVqsValues) {
-        RefuseData(L"it has too many values");
+    if (!reader.Get(settings.driver.version) || !GetMode(reader, settings.globalMode) ||
+        !GetMode(reader, settings.userMode) || !GetValues(reader, settings.values)) {
+        return false;
     }
-    for (std::uint32_t index = 0; index < count; ++index) {
-        PrinterValue value = GetValue(reader);
-        if (index > 0 && ComparePlaces(settings.values.back(), value) >= 0) {
-            RefuseData(L"its values are out of order or come twice");
-        }
-        settings.values.push_back(std::move(value));
-    }
-    return settings;
+    return reader.IsAtEnd() || reader.Refuse(L"it has bytes that belong to nothing");
 }
 
 } // namespace
@@ -210,34 +235,43 @@ Bytes EncodeVqs(const Settings& settings) {
     return std::move(writer.GetBytes());
 }
 
-Settings DecodeVqs(std::span<const BYTE> bytes) {
+std::optional<VqsRefusal> ParseVqs(std::span<const BYTE> bytes, Settings& settings) {
+    const auto refusal = [](const std::wstring& reason, DWORD error = ERROR_INVALID_DATA) {
+        return VqsRefusal{error, L"not a usable settings file: " + reason};
+    };
     if (bytes.size() > kMaximumVqsSize) {
-        Refuse(ERROR_FILE_TOO_LARGE, L"it is too large");
+        return refusal(L"it is too large", ERROR_FILE_TOO_LARGE);
     }
     Reader header(bytes);
-    const std::span<const BYTE> magic = header.Take(kMagic.size());
-    if (!std::equal(kMagic.begin(), kMagic.end(), magic.begin())) {
-        RefuseData(L"it does not begin as one");
+    std::span<const BYTE> magic;
+    std::uint32_t version = 0;
+    std::uint32_t size = 0;
+    if (!header.Take(kMagic.size(), magic) || !std::equal(kMagic.begin(), kMagic.end(), magic.begin()) ||
+        !header.Get(version)) {
+        return refusal(L"it does not begin as one");
     }
-    // Everything after the version is another format's business.
-    if (const auto version = header.Get<std::uint32_t>(); version != kFormatVersion) {
-        Refuse(ERROR_REVISION_MISMATCH, L"its format version is " + std::to_wstring(version));
+    if (version != kFormatVersion) { // what follows is another format's business
+        return refusal(L"its format version is " + std::to_wstring(version), ERROR_REVISION_MISMATCH);
     }
-    if (header.Get<std::uint32_t>() != bytes.size()) {
-        RefuseData(L"it is cut off or has grown");
-    }
-    const std::size_t headerSize = kSizeOffset + sizeof(std::uint32_t);
-    if (bytes.size() < headerSize + kChecksumSize) {
-        RefuseData(L"it ends in the middle of a record");
+    if (!header.Get(size) || size != bytes.size() || size < kHeaderSize + kChecksumSize) {
+        return refusal(L"it is cut off or has grown");
     }
     const std::size_t checked = bytes.size() - kChecksumSize;
-    if (Reader(bytes.subspan(checked)).Get<std::uint32_t>() != Crc32(bytes.first(checked))) {
-        RefuseData(L"its checksum is wrong");
+    std::uint32_t checksum = 0;
+    if (!Reader(bytes.subspan(checked)).Get(checksum) || checksum != Crc32(bytes.first(checked))) {
+        return refusal(L"its checksum is wrong");
     }
-    Reader body(bytes.subspan(headerSize, checked - headerSize));
-    Settings settings = GetBody(body);
-    if (!body.IsAtEnd()) {
-        RefuseData(L"it has bytes that belong to nothing");
+    Reader body(bytes.subspan(kHeaderSize, checked - kHeaderSize));
+    if (!GetBody(body, settings)) {
+        return refusal(body.GetRefusal());
+    }
+    return std::nullopt;
+}
+
+Settings DecodeVqs(std::span<const BYTE> bytes) {
+    Settings settings;
+    if (const auto refusal = ParseVqs(bytes, settings)) {
+        throw Failure{HRESULT_FROM_WIN32(refusal->error), refusal->reason};
     }
     return settings;
 }

@@ -5,7 +5,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
+#include <string>
 
 #include "substitute/Settings.h"
 
@@ -21,9 +23,18 @@ std::uint32_t Crc32(std::span<const BYTE> bytes);
 /// Throws Failure (ERROR_FILE_TOO_LARGE, ERROR_INVALID_DATA) for settings that no file may hold.
 Bytes EncodeVqs(const Settings& settings);
 
-/// Takes nothing for granted: whatever is not exactly a settings file is refused with a Failure
-/// (ERROR_INVALID_DATA, ERROR_FILE_TOO_LARGE; ERROR_REVISION_MISMATCH for another format version). Allocates
-/// no more than the number of bytes given and a fixed amount for each of at most kMaximumVqsValues values.
+/// Why bytes are no settings file.
+struct VqsRefusal {
+    DWORD error; ///< ERROR_INVALID_DATA, ERROR_FILE_TOO_LARGE; ERROR_REVISION_MISMATCH: other format version
+    std::wstring reason;
+};
+
+/// Takes nothing for granted: whatever is not exactly a settings file is refused, and `settings` is not to be
+/// used then. Allocates no more than the number of bytes given and a fixed amount for each of at most
+/// kMaximumVqsValues values.
+std::optional<VqsRefusal> ParseVqs(std::span<const BYTE> bytes, Settings& settings);
+
+/// The same; throws Failure for what is refused.
 Settings DecodeVqs(std::span<const BYTE> bytes);
 
 } // namespace kemba::substitute
