@@ -54,4 +54,8 @@ int CompareNames(const std::wstring& left, const std::wstring& right);
 /// not fit into `bytes`, or lacks fields that every driver reads.
 std::size_t ModeSize(const Bytes& bytes);
 
+/// Clears what stands behind the ends of a device mode's two texts: whoever made it leaves pieces of its
+/// memory there, which belong in no file. Does nothing to bytes that are no device mode.
+void ClearTextRemains(Bytes& mode);
+
 } // namespace kemba::substitute

@@ -191,8 +191,14 @@ void AddValueSteps(const Session& session, const std::vector<PrinterValue>& pres
 Settings SettingsStore::Read() const {
     const Session session(m_api, m_printer, PRINTER_ACCESS_USE);
     Keys keys;
-    return {session.ReadDriver(), session.ReadMode(ModeLevel::Global), session.ReadMode(ModeLevel::User),
-            session.ReadValues(keys)};
+    Settings settings{session.ReadDriver(), session.ReadMode(ModeLevel::Global),
+                      session.ReadMode(ModeLevel::User), session.ReadValues(keys)};
+    for (auto* const mode : {&settings.globalMode, &settings.userMode}) {
+        if (*mode) {
+            ClearTextRemains(**mode);
+        }
+    }
+    return settings;
 }
 
 void SettingsStore::Apply(const Settings& settings) const {

@@ -56,6 +56,19 @@ TEST_F(SettingsStoreTest, ReadsModesAndTheDataOfAllKeys) {
     EXPECT_EQ(api.open, 0);
 }
 
+TEST_F(SettingsStoreTest, ReadsNothingThatStandsBehindATextsEnd) {
+    auto& mode = *reinterpret_cast<DEVMODEW*>(api.state.globalMode->data());
+    const std::wstring remains(L"Label\0secret", 12);
+    remains.copy(mode.dmDeviceName, remains.size());
+    remains.copy(mode.dmFormName, remains.size());
+    const Settings settings = store.Read();
+    const auto& read = *reinterpret_cast<const DEVMODEW*>(settings.globalMode->data());
+    const std::wstring clean = L"Label" + std::wstring(CCHDEVICENAME - 5, L'\0');
+    EXPECT_EQ(std::wstring(read.dmDeviceName, CCHDEVICENAME), clean);
+    EXPECT_EQ(std::wstring(read.dmFormName, CCHFORMNAME), clean);
+    EXPECT_EQ(CopiesOf(settings.globalMode), 2);
+}
+
 TEST_F(SettingsStoreTest, ReadsTheDriversKeyAloneWhereKeysCannotBeListed) {
     api.lists = false;
     EXPECT_EQ(store.Read().values.size(), 3u);
