@@ -22,9 +22,9 @@ using HeldFile = std::unique_ptr<void, HandleCloser>;
     throw WindowsFailure(what + (L" \"" + path + L"\" failed"), error);
 }
 
-/// A path that holds a zero would name another file.
+/// An empty path names no file, and one that holds a zero would name another.
 void NeedWholePath(const std::wstring& path) {
-    if (path.find(L'\0') != std::wstring::npos) {
+    if (path.empty() || path.find(L'\0') != std::wstring::npos) {
         Fail(L"using the file", path.c_str(), ERROR_INVALID_NAME);
     }
 }

@@ -74,8 +74,9 @@ TEST_F(SettingsFileTest, BadPlacesGiveTheSystemsStatus) {
     EXPECT_EQ(StatusOf([&] { WriteSettingsFile(missing, kNew); }), HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND));
     EXPECT_EQ(StatusOf([&] { Read(missing); }), HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND));
     EXPECT_EQ(StatusOf([&] { Read(path); }), HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
-    EXPECT_EQ(StatusOf([&] { Read(folder.File(L"")); }) == S_OK, false);
-    EXPECT_EQ(StatusOf([&] { Read(L""); }) == S_OK, false);
+    EXPECT_NE(StatusOf([&] { Read(folder.File(L"")); }), S_OK);
+    EXPECT_EQ(StatusOf([&] { Read(L""); }), HRESULT_FROM_WIN32(ERROR_INVALID_NAME));
+    EXPECT_EQ(StatusOf([&] { WriteSettingsFile(L"", kNew); }), HRESULT_FROM_WIN32(ERROR_INVALID_NAME));
     std::filesystem::create_directory(path);
     EXPECT_EQ(StatusOf([&] { WriteSettingsFile(path, kNew); }), E_ACCESSDENIED);
     const std::wstring cut = path + std::wstring(L"b\0c", 3);
