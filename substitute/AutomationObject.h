@@ -13,6 +13,7 @@
 
 #include "substitute/Failure.h"
 #include "substitute/Holders.h"
+#include "substitute/LateBinding.h"
 #include "substitute/Printer.h"
 #include "substitute/ServerContext.h"
 
@@ -24,6 +25,11 @@ inline void HandOut(const std::wstring& text, BSTR* out) {
     if (!*out) {
         throw std::bad_alloc();
     }
+}
+
+/// A text argument; null counts as empty.
+inline std::wstring TextFrom(BSTR text) {
+    return text ? std::wstring(text, SysStringLen(text)) : std::wstring();
 }
 
 /// Base of an object that serves one dual interface of the contract. Any thread of the multithreaded
@@ -85,8 +91,8 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
     HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID reserved, LCID, WORD flags, DISPPARAMS* parameters,
                                      VARIANT* result, EXCEPINFO* exception,
                                      UINT* wrongArgument) noexcept override {
-        return reserved == IID_NULL ? DispInvoke(static_cast<Interface*>(this), m_types.get(), member, flags,
-                                                 parameters, result, exception, wrongArgument)
+        return reserved == IID_NULL ? InvokeByName(*this, *m_types, member, flags, parameters, result,
+                                                   exception, wrongArgument)
                                     : DISP_E_UNKNOWNINTERFACE;
     }
 

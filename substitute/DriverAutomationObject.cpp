@@ -1,8 +1,12 @@
 // The main object's operations in interface order.
 #include "substitute/DriverAutomationObject.h"
 
+#include "substitute/ActionPerformer.h"
 #include "substitute/DriverSettingsObject.h"
+#include "substitute/DriverVersion.h"
 #include "substitute/PrinterInformationObject.h"
+#include "substitute/PrinterQueueObject.h"
+#include "substitute/SendFile.h"
 
 namespace kemba::substitute {
 
@@ -21,19 +25,24 @@ HRESULT DriverAutomationObject::PutPrinterName(BSTR name) noexcept {
             refuseSecondName();
         }
         // Opening may block for long; another caller's binding may come first.
-        auto printer = std::make_shared<const Printer>(m_context.printers, name ? name : L"");
+        auto printer = std::make_shared<const Printer>(m_context.printers, TextFrom(name));
         const OScopedLock hold(m_lock);
         refuseSecondName();
         m_printer = std::move(printer);
     });
 }
 
-HRESULT DriverAutomationObject::SendFile(BSTR, BSTR) noexcept {
-    return Unavailable(L"SendFile");
+HRESULT DriverAutomationObject::SendFile(BSTR path, BSTR documentName) noexcept {
+    return Answer(L"SendFile", [&] { SendFileTo(*NeedPrinter(), TextFrom(path), TextFrom(documentName)); });
 }
 
-HRESULT DriverAutomationObject::PerformAction(LONG, VARIANT) noexcept {
-    return Unavailable(L"PerformAction");
+HRESULT DriverAutomationObject::PerformAction(LONG action, VARIANT request) noexcept {
+    return Answer(L"PerformAction", [&] {
+        const auto printer = NeedPrinter();
+        const Held<IActionRequest> asked = RequestFrom(request);
+        asked->SetOutcome({}); // no answer of an earlier action stands if this one fails
+        asked->SetOutcome(PerformActionOn(m_context, *printer, action, asked->IsToBeExecuted()));
+    });
 }
 
 HRESULT DriverAutomationObject::Reserved4() noexcept {
@@ -48,8 +57,8 @@ HRESULT DriverAutomationObject::GetShareName(BSTR* name) noexcept {
     return AnswerText(L"GetShareName", name, &PrinterDescription::shareName);
 }
 
-HRESULT DriverAutomationObject::PutShareName(BSTR) noexcept {
-    return Unavailable(L"PutShareName");
+HRESULT DriverAutomationObject::PutShareName(BSTR name) noexcept {
+    return Answer(L"PutShareName", [&] { NeedPrinter()->ChangeShareName(TextFrom(name)); });
 }
 
 HRESULT DriverAutomationObject::GetPortName(BSTR* name) noexcept {
@@ -68,16 +77,16 @@ HRESULT DriverAutomationObject::GetComment(BSTR* comment) noexcept {
     return AnswerText(L"GetComment", comment, &PrinterDescription::comment);
 }
 
-HRESULT DriverAutomationObject::PutComment(BSTR) noexcept {
-    return Unavailable(L"PutComment");
+HRESULT DriverAutomationObject::PutComment(BSTR comment) noexcept {
+    return Answer(L"PutComment", [&] { NeedPrinter()->ChangeComment(TextFrom(comment)); });
 }
 
 HRESULT DriverAutomationObject::GetLocation(BSTR* location) noexcept {
     return AnswerText(L"GetLocation", location, &PrinterDescription::location);
 }
 
-HRESULT DriverAutomationObject::PutLocation(BSTR) noexcept {
-    return Unavailable(L"PutLocation");
+HRESULT DriverAutomationObject::PutLocation(BSTR location) noexcept {
+    return Answer(L"PutLocation", [&] { NeedPrinter()->ChangeLocation(TextFrom(location)); });
 }
 
 HRESULT DriverAutomationObject::Reserved15() noexcept {
@@ -97,15 +106,18 @@ HRESULT DriverAutomationObject::Reserved18() noexcept {
 }
 
 HRESULT DriverAutomationObject::GetDriverVersion(BSTR* version) noexcept {
-    return Unavailable(L"GetDriverVersion", version);
+    return Answer(L"GetDriverVersion", version,
+                  [&] { HandOut(DriverVersionText(NeedPrinter()->DescribeDriver()), version); });
 }
 
 HRESULT DriverAutomationObject::GetDriverVersionDetail(BSTR* detail) noexcept {
-    return Unavailable(L"GetDriverVersionDetail", detail);
+    return Answer(L"GetDriverVersionDetail", detail,
+                  [&] { HandOut(DriverDetailText(NeedPrinter()->DescribeDriver()), detail); });
 }
 
 HRESULT DriverAutomationObject::GetPrinterQueue(IPrinterQueue** queue) noexcept {
-    return Unavailable(L"GetPrinterQueue", queue);
+    return Answer(L"GetPrinterQueue", queue,
+                  [&] { *queue = Make<PrinterQueueObject>(m_context, NeedPrinter()).release(); });
 }
 
 HRESULT DriverAutomationObject::GetPrinterInformation(IPrinterInformation** information) noexcept {

@@ -1,13 +1,13 @@
-// One opened printer and what the spooler tells about it.
+// One opened printer: what the spooler tells about it, and what an administrator may change.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
-#include <vector>
 
 #include "core/OSynchronizer.h"
 #include "substitute/PrinterApi.h"
+#include "substitute/PrinterHandle.h"
 
 namespace kemba::substitute {
 
@@ -23,28 +23,46 @@ struct PrinterDescription {
     DWORD jobs = 0;       ///< jobs in the queue
 };
 
-/// An opened printer. Its one spooler handle serves one thread at a time; others wait.
+/// What a printer's driver says of itself; what it does not say is 0 or empty.
+struct DriverDescription {
+    DWORDLONG version = 0; ///< four parts of 16 bits, the first one highest
+    FILETIME date = {};    ///< UTC
+    std::wstring provider;
+    std::wstring path; ///< of the driver's program file
+};
+
+/// An opened printer. Its spooler handle for questions serves one thread at a time; others wait. A change
+/// opens a handle of its own, for administration, and gives the spooler the right to refuse it.
 class Printer {
   public:
     /// Opens the printer. Throws Failure: a name that no printer has gives ERROR_INVALID_PRINTER_NAME as
     /// HRESULT.
     Printer(PrinterApi& api, const std::wstring& name);
-    Printer(const Printer&) = delete;
-    Printer& operator=(const Printer&) = delete;
-    ~Printer();
 
+    PrinterApi& Api() const { return m_handle.Api(); }
     /// The name as it was given to the constructor.
     const std::wstring& GetName() const { return m_name; }
-    /// Asks the spooler afresh. Throws Failure.
+
+    /// Ask the spooler afresh. Throw Failure.
     PrinterDescription Describe() const;
+    DriverDescription DescribeDriver() const;
+
+    /// Change one thing and leave all others as they are. Throw Failure.
+    void ChangeComment(const std::wstring& comment) const;
+    void ChangeLocation(const std::wstring& location) const;
+    /// Shares the printer under that name, or with an empty one ends sharing.
+    void ChangeShareName(const std::wstring& name) const;
+    /// Carries out a PRINTER_CONTROL command on the queue; `what` names it for the reason of a refusal.
+    /// Throws Failure.
+    void Control(DWORD command, const wchar_t* what) const;
 
   private:
-    std::vector<BYTE> Read(DWORD level) const;
+    template<class Change>
+    void ChangeRecord(const std::wstring& what, Change&& change) const;
 
-    PrinterApi& m_api;
     const std::wstring m_name;
     mutable OCriticalSection m_lock;
-    HANDLE m_handle = nullptr;
+    const PrinterHandle m_handle;
 };
 
 } // namespace kemba::substitute

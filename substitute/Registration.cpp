@@ -39,11 +39,17 @@ std::wstring ClassKey(const ServerClass& served) {
     return L"CLSID\\" + Braced(served.id);
 }
 
+/// The name by which scripts make an object of the class.
+std::wstring ProgramId(const ServerClass& served) {
+    return std::wstring(L"Kemba.") + served.name;
+}
+
 /// Keys that are the server's alone, each with all that lies below it.
 std::vector<std::wstring> OwnKeys(const ContractTypes& types) {
     std::vector<std::wstring> keys;
     for (const ServerClass& served : ServerClasses()) {
         keys.push_back(ClassKey(served));
+        keys.push_back(ProgramId(served));
     }
     keys.push_back(L"AppID\\" + Braced(kApplication));
     keys.push_back(L"AppID\\kemba-dal.exe");
@@ -107,6 +113,9 @@ void RegisterServer(Scope scope, const ContractTypes& types, const std::wstring&
         Write(scope, key + L"\\LocalServer32", L"ServerExecutable", path);
         Write(scope, key + L"\\TypeLib", L"", LibraryId(types));
         Write(scope, key + L"\\Version", L"", L"1.0");
+        Write(scope, key + L"\\ProgID", L"", ProgramId(served));
+        Write(scope, ProgramId(served), L"", std::wstring(kApplicationName) + L": " + served.name);
+        Write(scope, ProgramId(served) + L"\\CLSID", L"", Braced(served.id));
     }
     RegisterTypeLibrary(scope, types.GetLibrary(), path);
 }

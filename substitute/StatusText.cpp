@@ -40,6 +40,8 @@ constexpr StatusWord kStatusWords[] = {
     {PRINTER_STATUS_DOOR_OPEN, L"Door open"},
     {PRINTER_STATUS_SERVER_UNKNOWN, L"Print server unknown"},
     {PRINTER_STATUS_POWER_SAVE, L"Power save"},
+    {0x2000000, L"Print server offline"},   // PRINTER_STATUS_SERVER_OFFLINE, not in every header
+    {0x4000000, L"Driver update required"}, // PRINTER_STATUS_DRIVER_UPDATE_NEEDED, likewise
 };
 
 void AppendItem(std::wstring& list, const std::wstring& item) {

@@ -52,8 +52,11 @@ class Apartment {
 
 void Serve(const ContractTypes& types) {
     WindowsPrinterApi printers;
+    WindowsPrinterDialogs dialogs;
+    const ActionProfiles profiles(
+        [] { return ActionProfileFolder(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Brandle\\Drivers"); });
     ServerProcess process;
-    const ClassObjects offered(ServerContext{printers, process, types});
+    const ClassObjects offered(ServerContext{printers, dialogs, profiles, process, types});
     process.WaitUntilUnused(kStartMilliseconds, kGraceMilliseconds);
 }
 

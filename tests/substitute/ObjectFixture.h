@@ -8,6 +8,7 @@
 
 #include <string>
 
+#include "FakeDialogs.h"
 #include "FakePrinterApi.h"
 #include "substitute/DriverAutomationObject.h"
 
@@ -66,7 +67,10 @@ class ObjectFixture : public testing::Test {
     }
 
     FakePrinterApi spooler;
+    FakeDialogs dialogs;
+    std::wstring profileFolder = L"C:\\no such folder";
+    kemba::substitute::ActionProfiles profiles{[this] { return profileFolder; }};
     kemba::substitute::ServerProcess process;
     kemba::substitute::ContractTypes types;
-    kemba::substitute::ServerContext context{spooler, process, types};
+    kemba::substitute::ServerContext context{spooler, dialogs, profiles, process, types};
 };

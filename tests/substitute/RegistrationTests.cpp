@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "ServerProgram.h"
 
@@ -19,6 +20,9 @@ const std::wstring kClassIds[] = {
     L"{165A1555-26FC-47F1-9E9E-9F1C7AD5E27A}",
     L"{966E0F51-1745-406C-8F30-9A5758854678}",
 };
+
+const wchar_t* const kProgramIds[] = {L"Kemba.DriverAutomation", L"Kemba.DriverActions",
+                                      L"Kemba.VersionInformation"};
 
 const std::wstring kInterfaceIds[] = {
     L"{68F02881-B954-4562-9393-2ECBE3A5964E}", L"{AA5EEEEE-B490-4E7D-8A61-6815FFE141AB}",
@@ -41,6 +45,11 @@ void ExpectClassEntries(HKEY root) {
         EXPECT_EQ(ReadRegistryText(root, key + L"\\Version"), L"1.0");
         EXPECT_EQ(ReadRegistryText(root, key + L"\\LocalServer32"), L"\"" + ServerProgramPath() + L"\"");
         EXPECT_EQ(ReadRegistryText(root, key + L"\\LocalServer32", L"ServerExecutable"), ServerProgramPath());
+    }
+    for (std::size_t index = 0; index < std::size(kClassIds); ++index) {
+        const std::wstring name = kProgramIds[index];
+        EXPECT_EQ(ReadRegistryText(root, classes + L"CLSID\\" + kClassIds[index] + L"\\ProgID"), name);
+        EXPECT_EQ(ReadRegistryText(root, classes + name + L"\\CLSID"), kClassIds[index]);
     }
     EXPECT_TRUE(ReadRegistryText(root, classes + L"AppID\\" + kApplication));
     EXPECT_EQ(ReadRegistryText(root, classes + L"AppID\\kemba-dal.exe", L"AppID"), kApplication);

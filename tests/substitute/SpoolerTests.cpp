@@ -14,7 +14,7 @@ class SpoolerTest : public ObjectFixture {
     Held<DriverAutomationObject> MakeReal() { return Make<DriverAutomationObject>(realContext); }
 
     WindowsPrinterApi realSpooler;
-    ServerContext realContext{realSpooler, process, types};
+    ServerContext realContext{realSpooler, dialogs, profiles, process, types};
 };
 
 TEST_F(SpoolerTest, ReadsARealPrinter) {

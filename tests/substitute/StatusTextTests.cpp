@@ -39,7 +39,9 @@ TEST(StatusText, EveryBitHasItsWords) {
         {0x400000, L"Door open"},
         {0x800000, L"Print server unknown"},
         {0x1000000, L"Power save"},
-        {0x2000000, L"Unknown status 0x2000000"},
+        {0x2000000, L"Print server offline"},
+        {0x4000000, L"Driver update required"},
+        {0x8000000, L"Unknown status 0x8000000"},
         {0x80000000, L"Unknown status 0x80000000"},
     };
     for (const auto& row : rows) {

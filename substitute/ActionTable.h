@@ -1,0 +1,29 @@
+// The driver actions by their codes, and how this server carries them out.
+#pragma once
+
+#include <windows.h>
+
+#include <string_view>
+
+namespace kemba::substitute {
+
+enum class ActionKind {
+    Bytes,      ///< what the printer's action profile says
+    Properties, ///< the dialog of the printer's properties
+    Queue,      ///< the window of the printer's queue
+    None,       ///< nothing on the print spooler does it
+};
+
+struct Action {
+    LONG code;
+    const wchar_t* word;
+    ActionKind kind;
+};
+
+/// The row of a code of the contract; null for any other.
+const Action* FindAction(LONG code);
+
+/// The row of an action that a profile may define, by its word, whatever its case; null for any other word.
+const Action* FindProfileAction(std::string_view word);
+
+} // namespace kemba::substitute
