@@ -1,9 +1,9 @@
 // Finding and reading action profiles.
 #include "substitute/ActionProfile.h"
 
-#include <filesystem>
 #include <memory>
 
+#include "substitute/AbsolutePath.h"
 #include "substitute/ContractTypes.h"
 #include "substitute/Failure.h"
 
@@ -62,14 +62,15 @@ std::wstring ActionProfileFolder(HKEY root, const wchar_t* key) {
     auto size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
     const LSTATUS error = RegGetValueW(root, key, kValue, RRF_RT_REG_SZ, nullptr, text.data(), &size);
     if (error == ERROR_FILE_NOT_FOUND) {
-        return (std::filesystem::path(ProgramPath()).parent_path() / L"profiles").wstring();
+        const std::wstring program = ProgramPath();
+        return program.substr(0, program.rfind(L'\\') + 1) + L"profiles";
     }
     if (error != ERROR_SUCCESS) {
         throw WindowsFailure(L"reading the registry value \"ActionProfiles\" failed",
                              static_cast<DWORD>(error));
     }
     text.resize(size / sizeof(wchar_t) - 1); // the size counts the zero
-    if (!std::filesystem::path(text).is_absolute()) {
+    if (!IsAbsolutePath(text)) {
         throw WindowsFailure(L"the registry value \"ActionProfiles\" is no absolute path",
                              ERROR_BAD_PATHNAME);
     }
@@ -78,9 +79,9 @@ std::wstring ActionProfileFolder(HKEY root, const wchar_t* key) {
 
 std::optional<ActionProfile> ActionProfiles::Find(const std::wstring& printer,
                                                   const std::wstring& driver) const {
-    const std::filesystem::path folder = m_folder();
+    const std::wstring folder = m_folder();
     for (const std::wstring& name : {printer, driver}) {
-        const std::wstring path = (folder / FileNameFor(name)).wstring();
+        const std::wstring path = folder + L"\\" + FileNameFor(name);
         if (const std::optional<std::string> text = ReadProfile(path)) {
             return ParseActionProfile(*text, path);
         }

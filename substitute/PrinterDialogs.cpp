@@ -65,9 +65,14 @@ DWORD WindowsPrinterDialogs::ShowQueue(const std::wstring& printer) {
                         &started)) {
         return LastError();
     }
+    // The window has a process of its own; one that ends at once with a failure has shown none.
+    constexpr DWORD kPatience = 1'000; // milliseconds
+    DWORD status = 0;
+    const bool failed = WaitForSingleObject(started.hProcess, kPatience) == WAIT_OBJECT_0 &&
+                        GetExitCodeProcess(started.hProcess, &status) && status != 0;
     CloseHandle(started.hThread);
     CloseHandle(started.hProcess);
-    return ERROR_SUCCESS;
+    return failed ? ERROR_CALL_NOT_IMPLEMENTED : ERROR_SUCCESS;
 }
 
 } // namespace kemba::substitute

@@ -3,11 +3,10 @@
 
 #include <windows.h>
 
-#include <filesystem>
-#include <memory>
 #include <string_view>
 #include <vector>
 
+#include "substitute/AbsolutePath.h"
 #include "substitute/Failure.h"
 #include "substitute/PrintJob.h"
 
@@ -47,11 +46,14 @@ class SourceFile {
     const HANDLE m_handle;
 };
 
+std::wstring FileNameOf(const std::wstring& path) {
+    return path.substr(path.find_last_of(L"\\/") + 1);
+}
+
 } // namespace
 
 void SendFileTo(const Printer& printer, const std::wstring& path, const std::wstring& documentName) {
-    const std::filesystem::path parts(path);
-    if (!parts.is_absolute()) {
+    if (!IsAbsolutePath(path)) {
         throw WindowsFailure(L"the file's path \"" + path + L"\" is not absolute", ERROR_BAD_PATHNAME);
     }
     SourceFile file(path);
@@ -63,7 +65,7 @@ void SendFileTo(const Printer& printer, const std::wstring& path, const std::wst
     if (bytes.empty()) {
         throw WindowsFailure(L"the file \"" + path + L"\" is empty", ERROR_INVALID_DATA);
     }
-    PrintJob job(printer, documentName.empty() ? parts.filename().wstring() : documentName);
+    PrintJob job(printer, documentName.empty() ? FileNameOf(path) : documentName);
     for (; !bytes.empty(); bytes = file.Read(block)) {
         job.Write(bytes);
     }

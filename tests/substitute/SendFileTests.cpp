@@ -60,6 +60,18 @@ TEST_F(SendFileTest, TheSecondArgumentIsTheDocumentsName) {
     EXPECT_EQ(spooler.printed, "xx");
 }
 
+TEST_F(SendFileTest, EveryKindOfAbsolutePathIsTaken) {
+    const kit::TemporaryFile file("x");
+    std::wstring slashed = file.Path();
+    std::replace(slashed.begin(), slashed.end(), L'\\', L'/');
+    const std::wstring name = std::filesystem::path(file.Path()).filename().wstring();
+    for (const std::wstring& path : {slashed, L"\\\\?\\" + file.Path()}) {
+        spooler.journal.clear();
+        EXPECT_EQ(Send(path), S_OK);
+        EXPECT_EQ(spooler.journal.front(), L"RAW job " + name);
+    }
+}
+
 TEST_F(SendFileTest, GoesInBlocksWhateverTheSize) {
     for (const std::size_t size : {65'535, 65'536, 65'537, 1'000'000}) {
         SCOPED_TRACE(size);
