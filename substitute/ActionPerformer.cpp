@@ -67,7 +67,7 @@ Held<IActionRequest> RequestFrom(const VARIANT& argument) {
 ActionOutcome PerformActionOn(const ServerContext& context, const Printer& printer, LONG code, bool execute) {
     const Action* const action = FindAction(code);
     switch (action ? action->kind : ActionKind::None) {
-    case ActionKind::Bytes: return SendBytes(context, printer, *action, execute);
+    case ActionKind::FromProfile: return SendBytes(context, printer, *action, execute);
     case ActionKind::Properties:
     case ActionKind::Queue: return ShowDialog(context, printer, *action, execute);
     case ActionKind::None: break;

@@ -7,16 +7,16 @@ namespace kemba::substitute {
 namespace {
 
 constexpr Action kActions[] = {
-    {1, L"Test", ActionKind::Bytes},
-    {2, L"Blank", ActionKind::Bytes},
-    {3, L"Cut", ActionKind::Bytes},
-    {4, L"Feed", ActionKind::Bytes},
+    {1, L"Test", ActionKind::FromProfile},
+    {2, L"Blank", ActionKind::FromProfile},
+    {3, L"Cut", ActionKind::FromProfile},
+    {4, L"Feed", ActionKind::FromProfile},
     {5, L"ManageCache", ActionKind::None},
     {6, L"FlushCache", ActionKind::None},
-    {7, L"Reset", ActionKind::Bytes},
-    {8, L"FactoryDefaults", ActionKind::Bytes},
-    {9, L"Calibrate", ActionKind::Bytes},
-    {10, L"PrintConfiguration", ActionKind::Bytes},
+    {7, L"Reset", ActionKind::FromProfile},
+    {8, L"FactoryDefaults", ActionKind::FromProfile},
+    {9, L"Calibrate", ActionKind::FromProfile},
+    {10, L"PrintConfiguration", ActionKind::FromProfile},
     {11, L"ConfigureMemory", ActionKind::None},
     {30, L"FormatMemory", ActionKind::None}, // 12 is nobody's code
     {13, L"RFIDOptions", ActionKind::None},
@@ -40,7 +40,7 @@ const Action* FindAction(LONG code) {
 const Action* FindProfileAction(std::string_view word) {
     const std::wstring wide(word.begin(), word.end());
     for (const Action& action : kActions) {
-        if (action.kind == ActionKind::Bytes && OCore::EqualsIgnoreCase(wide.c_str(), action.word)) {
+        if (action.kind == ActionKind::FromProfile && OCore::EqualsIgnoreCase(wide.c_str(), action.word)) {
             return &action;
         }
     }

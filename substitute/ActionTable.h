@@ -8,10 +8,10 @@
 namespace kemba::substitute {
 
 enum class ActionKind {
-    Bytes,      ///< what the printer's action profile says
-    Properties, ///< the dialog of the printer's properties
-    Queue,      ///< the window of the printer's queue
-    None,       ///< nothing on the print spooler does it
+    FromProfile, ///< what the printer's action profile says
+    Properties,  ///< the dialog of the printer's properties
+    Queue,       ///< the window of the printer's queue
+    None,        ///< nothing on the print spooler does it
 };
 
 struct Action {
