@@ -93,7 +93,13 @@ void ExpectSame(const Snapshot& before, const Snapshot& after) {
 
 class RegistrationTest : public testing::Test {
   protected:
-    RegistrationTest() { RemoveAll(); }
+    RegistrationTest() {
+        // Windows always has a key for the user's classes, a new Wine prefix has none.
+        HKEY classes = nullptr;
+        RegCreateKeyW(HKEY_CURRENT_USER, kClasses, &classes);
+        RegCloseKey(classes);
+        RemoveAll();
+    }
     ~RegistrationTest() override { RemoveAll(); }
 
   private:

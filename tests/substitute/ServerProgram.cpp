@@ -53,16 +53,8 @@ void AppendSnapshot(HKEY key, const std::wstring& path, std::vector<std::wstring
     }
 }
 
-} // namespace
-
-std::wstring ServerProgramPath() {
-    wchar_t path[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    const std::wstring own = path;
-    return own.substr(0, own.rfind(L'\\') + 1) + L"kemba-dal.exe";
-}
-
-int RunServerProgram(const std::wstring& words, std::string* errors) {
+/// Runs a command line and waits for its end; its exit status, or -1. `written` gets its output and errors.
+int RunLine(std::wstring line, std::string* written) {
     wchar_t folder[MAX_PATH] = {};
     GetTempPathW(MAX_PATH, folder);
     const std::wstring file = folder + (L"kemba-dal " + std::to_wstring(GetCurrentProcessId()) + L".txt");
@@ -74,7 +66,6 @@ int RunServerProgram(const std::wstring& words, std::string* errors) {
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdOutput = output.get();
     startup.hStdError = output.get();
-    std::wstring line = L"\"" + ServerProgramPath() + L"\" " + words;
     PROCESS_INFORMATION started = {};
     int status = -1;
     if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
@@ -88,12 +79,46 @@ int RunServerProgram(const std::wstring& words, std::string* errors) {
         }
     }
     output.reset();
-    if (errors) {
-        std::ifstream written(file.c_str(), std::ios::binary);
-        errors->assign(std::istreambuf_iterator<char>(written), {});
+    if (written) {
+        std::ifstream stream(file.c_str(), std::ios::binary);
+        written->assign(std::istreambuf_iterator<char>(stream), {});
     }
     DeleteFileW(file.c_str());
     return status;
+}
+
+std::wstring ScriptLine(const std::wstring& file, const std::wstring& arguments) {
+    return L"cscript.exe //nologo \"" + file + L"\" " + arguments;
+}
+
+} // namespace
+
+std::wstring ServerProgramPath() {
+    wchar_t path[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    const std::wstring own = path;
+    return own.substr(0, own.rfind(L'\\') + 1) + L"kemba-dal.exe";
+}
+
+int RunServerProgram(const std::wstring& words, std::string* errors) {
+    return RunLine(L"\"" + ServerProgramPath() + L"\" " + words, errors);
+}
+
+int RunScript(const std::wstring& file, const std::wstring& arguments, std::string& output) {
+    return RunLine(ScriptLine(file, arguments), &output);
+}
+
+HANDLE StartScript(const std::wstring& file, const std::wstring& arguments) {
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION started = {};
+    std::wstring line = ScriptLine(file, arguments);
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                        &started)) {
+        return nullptr;
+    }
+    CloseHandle(started.hThread);
+    return started.hProcess;
 }
 
 std::vector<DWORD> RunningServers() {

@@ -11,6 +11,13 @@
 /// -1 when it did not start or end within a minute. `errors` gets what it wrote to standard error.
 int RunServerProgram(const std::wstring& words, std::string* errors = nullptr);
 
+/// Runs a script with the script host, which gets the arguments as well, and waits for its end; likewise.
+/// `output` gets what it wrote.
+int RunScript(const std::wstring& file, const std::wstring& arguments, std::string& output);
+
+/// Starts a script with the script host and lets it run; the caller closes the handle.
+HANDLE StartScript(const std::wstring& file, const std::wstring& arguments);
+
 /// Full path of the server program.
 std::wstring ServerProgramPath();
 

@@ -5,11 +5,15 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include "ObjectFixture.h"
 #include "ServerProgram.h"
 #include "demo/WinePrinters.h"
+#include "tests/kit/PrinterPort.h"
+#include "tests/kit/TemporaryFile.h"
 
 namespace {
 
@@ -32,6 +36,26 @@ Held<Interface> Activate(REFCLSID classId) {
     EXPECT_EQ(status, S_OK);
     return Held<Interface>(static_cast<Interface*>(object));
 }
+
+/// A script of a test's own; deleted in the end.
+class ScriptFile {
+  public:
+    ScriptFile(const wchar_t* extension, const std::string& text)
+        : m_path(std::filesystem::temp_directory_path() /
+                 (L"kemba script " + std::to_wstring(GetCurrentProcessId()) + extension)) {
+        std::ofstream(m_path, std::ios::binary) << text;
+    }
+    ScriptFile(const ScriptFile&) = delete;
+    ScriptFile& operator=(const ScriptFile&) = delete;
+    ~ScriptFile() {
+        std::error_code ignored;
+        std::filesystem::remove(m_path, ignored);
+    }
+    std::wstring Path() const { return m_path.wstring(); }
+
+  private:
+    std::filesystem::path m_path;
+};
 
 void ExpectComment(const demo::Printer& printer, const std::wstring& comment) {
     const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
@@ -97,6 +121,101 @@ TEST_F(ServerProgramTest, WordsThatItDoesNotKnowGetTheUsageText) {
     EXPECT_EQ(RunServerProgram(L"", &errors), 2);
 }
 
+TEST_F(ServerProgramTest, ChangesAPrinterAndSendsAFileForAClient) {
+    const kit::PrinterPort port;
+    const demo::Printer printer({.port = port.Name()});
+    const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
+    ASSERT_TRUE(automation);
+    ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
+    EXPECT_EQ(automation->PutComment(InText(L"changed")), S_OK);
+    ExpectComment(printer, L"changed");
+    const kit::TemporaryFile file("label");
+    EXPECT_EQ(automation->SendFile(InText(file.Path()), InText(L"")), S_OK);
+    EXPECT_EQ(port.Received(5), "label");
+    EXPECT_EQ(automation->SendFile(InText(L"C:\\no such file"), InText(L"")),
+              HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
+}
+
+TEST_F(ServerProgramTest, TheQueueObjectAndItsRefusalReachTheClient) {
+    const demo::Printer printer;
+    const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
+    ASSERT_TRUE(automation);
+    ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
+    IPrinterQueue* made = nullptr;
+    ASSERT_EQ(automation->GetPrinterQueue(&made), S_OK);
+    const Held<IPrinterQueue> queue(made);
+    EXPECT_EQ(queue->Pause(), HRESULT_FROM_WIN32(ERROR_INVALID_LEVEL)); // Wine's spooler cannot
+}
+
+TEST_F(ServerProgramTest, AClientsRequestIsRecognisedInTheServer) {
+    // The printer has the name of the sample's profile, which lies beside the server.
+    const kit::PrinterPort port;
+    const demo::Printer printer(L"escpos-receipt", {.port = port.Name()});
+    const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
+    const auto request = Activate<IDriverActions>(__uuidof(DriverActions));
+    ASSERT_TRUE(automation && request);
+    ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
+    VARIANT argument = {};
+    argument.vt = VT_DISPATCH;
+    argument.pdispVal = request.get();
+    const auto supported = [&] {
+        VARIANT_BOOL value = 42;
+        EXPECT_EQ(request->GetSupported(&value), S_OK);
+        return value != VARIANT_FALSE;
+    };
+    EXPECT_EQ(request->PutExecute(1), S_OK);
+    EXPECT_EQ(automation->PerformAction(7, argument), S_OK);
+    EXPECT_TRUE(supported());
+    EXPECT_EQ(port.Received(2), "\x1B@");
+    EXPECT_EQ(automation->PerformAction(9, argument), S_OK); // no such entry
+    EXPECT_FALSE(supported());
+    argument.pdispVal = automation.get();
+    EXPECT_EQ(automation->PerformAction(7, argument), E_INVALIDARG);
+}
+
+TEST_F(ServerProgramTest, ScriptsReadAPrinter) {
+    const demo::Printer printer({.comment = L"by the door", .location = L"", .shareName = L""});
+    const struct {
+        const wchar_t* extension;
+        const char* text;
+        const char* output;
+    } rows[] = {
+        {L".vbs",
+         "Set printer = CreateObject(\"Kemba.DriverAutomation\")\r\n"
+         "printer.PutPrinterName WScript.Arguments(0)\r\n"
+         "printer.GetComment comment\r\n"
+         "WScript.Echo comment & \"/\" & printer.GetComment() & \"/\" & "
+         "printer.GetPrinterInformation().GetStatus()\r\n"
+         "Set request = CreateObject(\"Kemba.DriverActions\")\r\n"
+         "request.PutExecute False\r\n"
+         "printer.PerformAction 9, request\r\n"
+         "WScript.Echo request.GetSupported()\r\n"
+         "On Error Resume Next\r\n"
+         "printer.Reserved4\r\n"
+         "WScript.Echo Hex(Err.Number) & \" \" & Err.Description\r\n",
+         "by the door/by the door/Ready\r\nFalse\r\n"
+         "80004001 Reserved4 on printer \"P\": this server does not offer the operation\r\n"},
+        {L".js",
+         "var printer = new ActiveXObject(\"Kemba.DriverAutomation\");\r\n"
+         "printer.PutPrinterName(WScript.Arguments(0));\r\n"
+         "WScript.Echo(printer.GetComment());\r\n",
+         "by the door\r\n"},
+    };
+    const std::wstring wide = printer.Name();
+    const std::string name(wide.begin(), wide.end());
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        const ScriptFile script(row.extension, row.text);
+        std::string expected = row.output;
+        if (const auto place = expected.find("\"P\""); place != expected.npos) {
+            expected.replace(place + 1, 1, name);
+        }
+        std::string output;
+        EXPECT_EQ(RunScript(script.Path(), L"\"" + printer.Name() + L"\"", output), 0);
+        EXPECT_EQ(output, expected);
+    }
+}
+
 /// Run while no other client is there.
 class ServerLifetimeTest : public ServerProgramTest {
   protected:
@@ -123,6 +242,35 @@ TEST_F(ServerLifetimeTest, TheProcessStartsForTheFirstClientAndGoesSomeSecondsAf
     WaitForNoServer();
     EXPECT_EQ(RunningServers().size(), 0u);
     EXPECT_LT(Clock::now() - released, 20s);
+}
+
+TEST_F(ServerLifetimeTest, AClientThatDiesInTheMiddleOfItsCallsHurtsNoOther) {
+    WaitForNoServer();
+    const kit::PrinterPort port;
+    const demo::Printer printer({.port = port.Name(), .comment = L"here"});
+    const kit::TemporaryFile file("label");
+    const ScriptFile script(L".vbs", "Set printer = CreateObject(\"Kemba.DriverAutomation\")\r\n"
+                                     "printer.PutPrinterName WScript.Arguments(0)\r\n"
+                                     "Do\r\n"
+                                     "printer.SendFile WScript.Arguments(1), \"\"\r\n"
+                                     "Loop\r\n");
+    const HANDLE client = StartScript(script.Path(), L"\"" + printer.Name() + L"\" \"" + file.Path() + L"\"");
+    ASSERT_TRUE(client);
+    EXPECT_NE(port.Received(50), ""); // it is at work
+    EXPECT_TRUE(TerminateProcess(client, 9));
+    EXPECT_EQ(WaitForSingleObject(client, 10'000), WAIT_OBJECT_0);
+    CloseHandle(client);
+    const std::vector<DWORD> servers = RunningServers();
+    ASSERT_EQ(servers.size(), 1u);
+    for (int round = 0; round < 5; ++round) {
+        ExpectComment(printer, L"here");
+    }
+    EXPECT_EQ(RunningServers(), servers);
+    const auto before = Clock::now();
+    WaitForNoServer();
+    std::printf("after the dead client: %zu servers, waited %d ms\n", RunningServers().size(),
+                static_cast<int>(
+                    std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - before).count()));
 }
 
 TEST_F(ServerLifetimeTest, AClientOfANewServerFollowsOneThatHasEnded) {

@@ -8,7 +8,6 @@
 #include "demo/LabelDriver.h"
 #include "demo/WinePrinters.h"
 #include "substitute/DriverActionsObject.h"
-#include "substitute/PrintJob.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/TemporaryFile.h"
 
@@ -114,20 +113,6 @@ TEST_F(SpoolerTest, AFilesBytesArriveAtThePort) {
     const kit::TemporaryFile file(bytes);
     EXPECT_EQ(automation->SendFile(InText(file.Path()), nullptr), S_OK);
     EXPECT_TRUE(port.Received(bytes.size()) == bytes);
-}
-
-TEST_F(SpoolerTest, NothingOfADeletedJobArrivesAtThePort) {
-    const kit::PrinterPort port;
-    const demo::Printer printer({.port = port.Name()});
-    const Printer opened(realSpooler, printer.Name());
-    {
-        PrintJob deleted(opened, L"deleted");
-        deleted.Write("half a la");
-    }
-    PrintJob finished(opened, L"finished");
-    finished.Write("label");
-    finished.Finish();
-    EXPECT_EQ(port.Received(5), "label");
 }
 
 TEST_F(SpoolerTest, AnActionsBytesArriveAtThePort) {
