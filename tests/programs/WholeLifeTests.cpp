@@ -179,7 +179,7 @@ TEST_F(WholeLife, AProfilesActionArrivesAsItsBytes) {
         std::filesystem::path(kit::ProgramPath(L"kemba-dal.exe")).parent_path() / "profiles" /
         (printer.Name() + L".profile");
     std::filesystem::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << "Feed = ESC \"d\" 03\n";
+    std::ofstream(path, std::ios::binary) << "Feed = ESC \"d\" 0x03\n";
     EXPECT_EQ(On({L"action", L"-n", L"Feed"}),
               Framed("Action", name + ":\r\nAction 'Feed' is supported.\r\n"));
     EXPECT_EQ(On({L"action", L"-n", L"Cut"}),

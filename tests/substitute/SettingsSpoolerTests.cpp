@@ -53,7 +53,7 @@ class SettingsSpoolerTest : public ObjectFixture {
 
     const demo::Printer printer;
     WindowsPrinterApi realSpooler;
-    ServerContext realContext{realSpooler, process, types};
+    ServerContext realContext{realSpooler, dialogs, profiles, process, types};
     SettingsApi& api = realSpooler.GetSettingsApi();
     HANDLE handle = nullptr;
     TemporaryFolder folder;
