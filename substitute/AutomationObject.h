@@ -40,7 +40,9 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
     AutomationObject(const AutomationObject&) = delete;
     AutomationObject& operator=(const AutomationObject&) = delete;
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
+    // The marshaller's identifiers lie in packed tables, at any address.
+    [[gnu::no_sanitize("alignment")]] HRESULT STDMETHODCALLTYPE
+    QueryInterface(REFIID iid, void** object) noexcept override {
         if (!object) {
             return E_POINTER;
         }

@@ -17,7 +17,8 @@ class DriverActionsObject final : public AutomationObject<IDriverActions>, publi
     /// Throws Failure.
     explicit DriverActionsObject(const ServerContext& context) : AutomationObject(context) {}
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
+    [[gnu::no_sanitize("alignment")]] HRESULT STDMETHODCALLTYPE
+    QueryInterface(REFIID iid, void** object) noexcept override {
         if (object && iid == kActionRequest) {
             *object = static_cast<IActionRequest*>(this);
             AddRef();
