@@ -108,19 +108,6 @@ int RunScript(const std::wstring& file, const std::wstring& arguments, std::stri
     return RunLine(ScriptLine(file, arguments), &output);
 }
 
-HANDLE StartScript(const std::wstring& file, const std::wstring& arguments) {
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION started = {};
-    std::wstring line = ScriptLine(file, arguments);
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                        &started)) {
-        return nullptr;
-    }
-    CloseHandle(started.hThread);
-    return started.hProcess;
-}
-
 std::vector<DWORD> RunningServers() {
     std::vector<DWORD> found;
     const HeldHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));

@@ -15,9 +15,6 @@ int RunServerProgram(const std::wstring& words, std::string* errors = nullptr);
 /// `output` gets what it wrote.
 int RunScript(const std::wstring& file, const std::wstring& arguments, std::string& output);
 
-/// Starts a script with the script host and lets it run; the caller closes the handle.
-HANDLE StartScript(const std::wstring& file, const std::wstring& arguments);
-
 /// Full path of the server program.
 std::wstring ServerProgramPath();
 

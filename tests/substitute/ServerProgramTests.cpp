@@ -244,35 +244,6 @@ TEST_F(ServerLifetimeTest, TheProcessStartsForTheFirstClientAndGoesSomeSecondsAf
     EXPECT_LT(Clock::now() - released, 20s);
 }
 
-TEST_F(ServerLifetimeTest, AClientThatDiesInTheMiddleOfItsCallsHurtsNoOther) {
-    WaitForNoServer();
-    const kit::PrinterPort port;
-    const demo::Printer printer({.port = port.Name(), .comment = L"here"});
-    const kit::TemporaryFile file("label");
-    const ScriptFile script(L".vbs", "Set printer = CreateObject(\"Kemba.DriverAutomation\")\r\n"
-                                     "printer.PutPrinterName WScript.Arguments(0)\r\n"
-                                     "Do\r\n"
-                                     "printer.SendFile WScript.Arguments(1), \"\"\r\n"
-                                     "Loop\r\n");
-    const HANDLE client = StartScript(script.Path(), L"\"" + printer.Name() + L"\" \"" + file.Path() + L"\"");
-    ASSERT_TRUE(client);
-    EXPECT_NE(port.Received(50), ""); // it is at work
-    EXPECT_TRUE(TerminateProcess(client, 9));
-    EXPECT_EQ(WaitForSingleObject(client, 10'000), WAIT_OBJECT_0);
-    CloseHandle(client);
-    const std::vector<DWORD> servers = RunningServers();
-    ASSERT_EQ(servers.size(), 1u);
-    for (int round = 0; round < 5; ++round) {
-        ExpectComment(printer, L"here");
-    }
-    EXPECT_EQ(RunningServers(), servers);
-    const auto before = Clock::now();
-    WaitForNoServer();
-    std::printf("after the dead client: %zu servers, waited %d ms\n", RunningServers().size(),
-                static_cast<int>(
-                    std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - before).count()));
-}
-
 TEST_F(ServerLifetimeTest, AClientOfANewServerFollowsOneThatHasEnded) {
     WaitForNoServer();
     EXPECT_TRUE(Activate<IVersionInformation>(__uuidof(VersionInformation)));
