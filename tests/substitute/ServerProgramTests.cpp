@@ -189,11 +189,11 @@ TEST_F(ServerProgramTest, ScriptsReadAPrinter) {
          "Set request = CreateObject(\"Kemba.DriverActions\")\r\n"
          "request.PutExecute False\r\n"
          "printer.PerformAction 9, request\r\n"
-         "WScript.Echo request.GetSupported()\r\n"
+         "WScript.Echo \"supported: \" & request.GetSupported()\r\n"
          "On Error Resume Next\r\n"
          "printer.Reserved4\r\n"
          "WScript.Echo Hex(Err.Number) & \" \" & Err.Description\r\n",
-         "by the door/by the door/Ready\r\nFalse\r\n"
+         "by the door/by the door/Ready\r\nsupported: False\r\n"
          "80004001 Reserved4 on printer \"P\": this server does not offer the operation\r\n"},
         {L".js",
          "var printer = new ActiveXObject(\"Kemba.DriverAutomation\");\r\n"
