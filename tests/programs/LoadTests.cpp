@@ -23,6 +23,9 @@
 namespace {
 
 using namespace std::chrono_literals;
+using programs::Framed;
+using programs::Kemba;
+using programs::Printed;
 
 constexpr int kClients = 8;
 constexpr int kCommands = 200;
@@ -85,6 +88,18 @@ TEST(ServerUnderLoad, ServesManyClientsWithoutAFailureAndLeavesNothing) {
         std::this_thread::sleep_for(100ms);
     }
     EXPECT_EQ(RunningServers().size(), 0U);
+}
+
+/// Wine does not give back what a dead client held, so that the server stays: nothing may come after this
+/// test.
+TEST(ServerLastTest, AClientThatDiesInTheMiddleHurtsNoOther) {
+    const demo::Printer printer(
+        {.port = L"LPT1:", .comment = L"by the door", .location = L"", .shareName = L"", .attributes = 0});
+    kit::ProcessOptions shortLived;
+    shortLived.timeout = 2s; // then it is ended, somewhere in its thousands of calls
+    EXPECT_TRUE(kit::RunProgram(L"load-client.exe", {L"100000", printer.Name()}, shortLived).timedOut);
+    const kit::ProcessResult run = Kemba({L"/p", printer.Name(), L"get", L"comment"});
+    EXPECT_EQ(run.output, Framed("Get", Printed(printer.Name()) + ": by the door\r\n"));
 }
 
 } // namespace
