@@ -1,6 +1,7 @@
 // Settings between a printer and a file.
 #include "substitute/DriverSettingsObject.h"
 
+#include "substitute/AbsolutePath.h"
 #include "substitute/SettingsFile.h"
 #include "substitute/SettingsStore.h"
 #include "substitute/VqsFormat.h"
@@ -18,10 +19,14 @@ std::wstring PathOf(BSTR path) {
     return std::wstring(path ? path : L"", SysStringLen(path));
 }
 
-/// Work on a file; a failure says which one.
+/// Work on a file, which has to be named by an absolute path: any other would be looked for in the server's
+/// folder. A failure says which file it was.
 template<class Work>
 void WithFile(const wchar_t* what, const std::wstring& path, Work&& work) {
     try {
+        if (!IsAbsolutePath(path)) {
+            throw WindowsFailure(L"the path is not absolute", ERROR_BAD_PATHNAME);
+        }
         work();
     } catch (Failure& failure) {
         failure.reason = what + (L" \"" + path + L"\": ") + failure.reason;

@@ -83,6 +83,17 @@ TEST_F(DriverSettingsObjectTest, AnyOptionalArgumentIsRefused) {
     EXPECT_EQ(ReadSettingsFile(path, kMaximumVqsSize), file);
 }
 
+TEST_F(DriverSettingsObjectTest, APathThatIsNotAbsoluteIsRefused) {
+    for (const wchar_t* const relative :
+         {L"", L"label.vqs", L"a\\label.vqs", L"C:label.vqs", L"\\label.vqs"}) {
+        EXPECT_EQ(settings->ExportSettings(InText(relative), Omitted()),
+                  HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
+        EXPECT_NE(TakeErrorTexts().description.find(L"the path is not absolute"), std::wstring::npos);
+        EXPECT_EQ(settings->ImportSettings(InText(relative), Omitted()),
+                  HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
+    }
+}
+
 TEST_F(DriverSettingsObjectTest, AnExportThatFailsAtAnyCallLeavesTheOldFile) {
     ASSERT_EQ(Export(), S_OK);
     const int calls = spooler.settings.calls;
