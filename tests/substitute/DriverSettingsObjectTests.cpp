@@ -158,8 +158,8 @@ TEST_F(DriverSettingsObjectTest, BadFilesAreRefusedAndNothingIsAskedOfThePrinter
     WriteSettingsFile(path, Bytes(kMaximumVqsSize + 1));
     EXPECT_EQ(Import(), HRESULT_FROM_WIN32(ERROR_FILE_TOO_LARGE));
     EXPECT_TRUE(TakeErrorTexts().present);
-    EXPECT_EQ(settings->ImportSettings(nullptr, Omitted()), HRESULT_FROM_WIN32(ERROR_INVALID_NAME));
-    EXPECT_EQ(settings->ExportSettings(nullptr, Omitted()), HRESULT_FROM_WIN32(ERROR_INVALID_NAME));
+    EXPECT_EQ(settings->ImportSettings(nullptr, Omitted()), HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
+    EXPECT_EQ(settings->ExportSettings(nullptr, Omitted()), HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
     EXPECT_EQ(spooler.settings.state, MakeRichState());
 }
 
