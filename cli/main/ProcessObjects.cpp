@@ -2,9 +2,13 @@
 #include "cli/main/ProcessObjects.h"
 
 namespace kemba {
+namespace {
+
+ProcessObjects& objects = *new ProcessObjects;
+
+} // namespace
 
 ProcessObjects& TheProcessObjects() {
-    static ProcessObjects& objects = *new ProcessObjects;
     return objects;
 }
 

@@ -1,6 +1,8 @@
 // kemba.exe alone: words, bytes and exit status as they cross the process boundary.
 #include <gtest/gtest.h>
 
+#include <windows.h>
+
 #include <string>
 
 #include "messages/TextResource.h"
@@ -70,6 +72,43 @@ TEST(KembaProgram, TakesALoneSurrogate) {
     const kit::ProcessResult run = Kemba({L"\xD83D"});
     EXPECT_EQ(run.output, "The command '" + std::string(OString(L"\xD83D").Narrow()) + "' is unknown.\r\n");
     EXPECT_EQ(run.status, 2U);
+}
+
+/// A resource of kemba.exe, as text; empty when there is none.
+std::string ResourceOfKemba(const wchar_t* type, const wchar_t* name) {
+    const HMODULE program =
+        LoadLibraryExW(kit::ProgramPath(L"kemba.exe").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    const HRSRC found = FindResourceW(program, name, type);
+    const std::string text =
+        found ? std::string(static_cast<const char*>(LockResource(LoadResource(program, found))),
+                            SizeofResource(program, found))
+              : std::string();
+    FreeLibrary(program);
+    return text;
+}
+
+TEST(KembaProgram, ItsManifestNamesAllFiveSystemsAndNoCodePage) {
+    const std::string manifest = ResourceOfKemba(MAKEINTRESOURCEW(24), MAKEINTRESOURCEW(1));
+    for (const char* const part : {
+             "{e2011457-1546-43c5-a5fe-008deee3d3f0}", // Windows Vista
+             "{35138b9a-5d96-4fbd-8e2d-a2440225f93a}", // Windows 7
+             "{4a2f28e3-53b9-4441-ba9c-d69d4a4a6e38}", // Windows 8
+             "{1f676c76-80e1-4239-95bb-83d0f6d0da78}", // Windows 8.1
+             "{8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a}", // Windows 10
+             "level=\"asInvoker\"",
+             ">true</longPathAware>",
+         }) {
+        EXPECT_NE(manifest.find(part), std::string::npos) << part;
+    }
+    EXPECT_EQ(manifest.find("activeCodePage"), std::string::npos);
+}
+
+TEST(KembaProgram, CarriesItsVersionAndItsCatalogue) {
+    const std::string version = ResourceOfKemba(MAKEINTRESOURCEW(16), MAKEINTRESOURCEW(1));
+    const std::wstring product = L"ProductName\0";
+    EXPECT_NE(version.find(std::string(reinterpret_cast<const char*>(product.c_str()), 22)),
+              std::string::npos);
+    EXPECT_EQ(ResourceOfKemba(L"BINARY", L"KEMBA[ENU].TXT").size(), 7270U);
 }
 
 } // namespace
