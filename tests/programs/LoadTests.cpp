@@ -100,6 +100,11 @@ TEST(ServerLastTest, AClientThatDiesInTheMiddleHurtsNoOther) {
     EXPECT_TRUE(kit::RunProgram(L"load-client.exe", {L"100000", printer.Name()}, shortLived).timedOut);
     const kit::ProcessResult run = Kemba({L"/p", printer.Name(), L"get", L"comment"});
     EXPECT_EQ(run.output, Framed("Get", Printed(printer.Name()) + ": by the door\r\n"));
+    for (const DWORD server : RunningServers()) {
+        const HANDLE process = OpenProcess(PROCESS_TERMINATE, FALSE, server);
+        EXPECT_TRUE(TerminateProcess(process, 1));
+        CloseHandle(process);
+    }
 }
 
 } // namespace
