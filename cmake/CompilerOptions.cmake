@@ -10,12 +10,10 @@ target_compile_definitions(kemba_options INTERFACE
     _WIN32_WINNT=0x0600 UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN STRICT)
 target_compile_options(kemba_options INTERFACE
     -Wall -Wextra -Werror -Wpedantic -Wshadow -Wconversion
-    -ffunction-sections -fdata-sections
-    # Paths of the building machine stay out of what ships.
-    $<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>
+    # Paths of the building machine, and what nobody calls, stay out of what ships.
+    $<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffunction-sections -fdata-sections>
     $<$<CONFIG:Debug>:-D_GLIBCXX_ASSERTIONS -fsanitize=undefined -fsanitize-undefined-trap-on-error>)
 target_link_options(kemba_options INTERFACE
-    -Wl,--gc-sections
     -Wl,--no-insert-timestamp
     $<$<CONFIG:Debug>:-fsanitize=undefined -fsanitize-undefined-trap-on-error>
-    $<$<CONFIG:Release>:-s>)
+    $<$<CONFIG:Release>:-Wl,--gc-sections -s>)

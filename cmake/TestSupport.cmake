@@ -13,6 +13,7 @@ function(kemba_tests name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES;PROPERTIES")
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} kemba_resources kemba_options GTest::gtest_main)
+    target_precompile_headers(${name} REUSE_FROM kemba_kit)
     # Tests run where the sources are, so that they can look at them.
     gtest_discover_tests(${name}
         WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}
