@@ -37,6 +37,7 @@ class ComPtr {
 
     Interface* Get() const { return m_pointer; }
     Interface* operator->() const { return m_pointer; }
+    Interface& operator*() const { return *m_pointer; }
     explicit operator bool() const { return m_pointer != nullptr; }
 
     void Reset() {
@@ -57,6 +58,12 @@ class ComPtr {
   private:
     Interface* m_pointer = nullptr;
 };
+
+/// A new object of our own with its first reference.
+template<class Object, class... Arguments>
+ComPtr<Object> MakeObject(Arguments&&... arguments) {
+    return ComPtr<Object>(new Object(std::forward<Arguments>(arguments)...));
+}
 
 /// Owns one BSTR, or none.
 class OwnedBstr {

@@ -47,7 +47,7 @@ ActionOutcome ShowDialog(const ServerContext& context, const Printer& printer, c
 
 } // namespace
 
-Held<IActionRequest> RequestFrom(const VARIANT& argument) {
+ComPtr<IActionRequest> RequestFrom(const VARIANT& argument) {
     VARIANT plain = {};
     void* request = nullptr;
     if (SUCCEEDED(VariantCopyInd(
@@ -61,7 +61,7 @@ Held<IActionRequest> RequestFrom(const VARIANT& argument) {
     if (!request) {
         throw Failure{E_INVALIDARG, L"the request is no DriverActions object of this server"};
     }
-    return Held<IActionRequest>(static_cast<IActionRequest*>(request));
+    return ComPtr<IActionRequest>(static_cast<IActionRequest*>(request));
 }
 
 ActionOutcome PerformActionOn(const ServerContext& context, const Printer& printer, LONG code, bool execute) {

@@ -9,7 +9,7 @@ namespace kemba::substitute {
 
 /// The request that a client passed, directly or by reference; the caller owns the reference. Throws Failure
 /// (E_INVALIDARG) when it is no request of this server.
-Held<IActionRequest> RequestFrom(const VARIANT& argument);
+ComPtr<IActionRequest> RequestFrom(const VARIANT& argument);
 
 /// Carries the action of that code out on the printer, or only tells whether it could. What cannot be done
 /// is no failure but not supported. Throws Failure; the printer has been sent nothing then.

@@ -11,8 +11,8 @@
 #include <string>
 #include <utility>
 
+#include "automation/Owners.h"
 #include "substitute/Failure.h"
-#include "substitute/Holders.h"
 #include "substitute/LateBinding.h"
 #include "substitute/Printer.h"
 #include "substitute/ServerContext.h"
@@ -82,12 +82,12 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
             return DISP_E_BADINDEX;
         }
         m_types->AddRef();
-        *information = m_types.get();
+        *information = m_types.Get();
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID,
                                             DISPID* identifiers) noexcept override {
-        return reserved == IID_NULL ? DispGetIDsOfNames(m_types.get(), names, count, identifiers)
+        return reserved == IID_NULL ? DispGetIDsOfNames(m_types.Get(), names, count, identifiers)
                                     : DISP_E_UNKNOWNINTERFACE;
     }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID reserved, LCID, WORD flags, DISPPARAMS* parameters,
@@ -152,7 +152,7 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
     }
 
     const ServerUse m_use;
-    const Held<ITypeInfo> m_types;
+    const ComPtr<ITypeInfo> m_types;
     std::atomic<ULONG> m_references{1};
 };
 

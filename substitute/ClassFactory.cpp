@@ -3,8 +3,8 @@
 
 #include <objbase.h>
 
+#include "automation/Owners.h"
 #include "substitute/Failure.h"
-#include "substitute/Holders.h"
 
 namespace kemba::substitute {
 
@@ -54,9 +54,9 @@ ClassObjects::ClassObjects(const ServerContext& context) {
     m_cookies.reserve(ServerClasses().size());
     try {
         for (const ServerClass& served : ServerClasses()) {
-            const Held<ClassFactory> factory = Make<ClassFactory>(context, served);
+            const ComPtr<ClassFactory> factory = MakeObject<ClassFactory>(context, served);
             DWORD cookie = 0;
-            ThrowIfFailed(CoRegisterClassObject(served.id, factory.get(), CLSCTX_LOCAL_SERVER,
+            ThrowIfFailed(CoRegisterClassObject(served.id, factory.Get(), CLSCTX_LOCAL_SERVER,
                                                 REGCLS_MULTIPLEUSE | REGCLS_SUSPENDED, &cookie),
                           L"offering a class failed");
             m_cookies.push_back(cookie);

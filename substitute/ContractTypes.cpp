@@ -23,16 +23,15 @@ std::wstring ProgramPath() {
 }
 
 ContractTypes::ContractTypes() {
-    ITypeLib* library = nullptr;
-    ThrowIfFailed(LoadTypeLibEx(ProgramPath().c_str(), REGKIND_NONE, &library),
+    ThrowIfFailed(LoadTypeLibEx(ProgramPath().c_str(), REGKIND_NONE, m_library.Put()),
                   L"loading the type library failed");
-    m_library.reset(library);
 }
 
-Held<ITypeInfo> ContractTypes::Find(REFIID iid) const {
-    ITypeInfo* information = nullptr;
-    ThrowIfFailed(m_library->GetTypeInfoOfGuid(iid, &information), L"the type library lacks an interface");
-    return Held<ITypeInfo>(information);
+ComPtr<ITypeInfo> ContractTypes::Find(REFIID iid) const {
+    ComPtr<ITypeInfo> information;
+    ThrowIfFailed(m_library->GetTypeInfoOfGuid(iid, information.Put()),
+                  L"the type library lacks an interface");
+    return information;
 }
 
 } // namespace kemba::substitute

@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "substitute/Holders.h"
+#include "automation/Owners.h"
 
 namespace kemba::substitute {
 
@@ -21,11 +21,11 @@ class ContractTypes {
     ContractTypes();
 
     /// What the library says of one interface. Throws Failure.
-    Held<ITypeInfo> Find(REFIID iid) const;
+    ComPtr<ITypeInfo> Find(REFIID iid) const;
     ITypeLib& GetLibrary() const { return *m_library; }
 
   private:
-    Held<ITypeLib> m_library;
+    ComPtr<ITypeLib> m_library;
 };
 
 } // namespace kemba::substitute

@@ -39,7 +39,7 @@ HRESULT DriverAutomationObject::SendFile(BSTR path, BSTR documentName) noexcept 
 HRESULT DriverAutomationObject::PerformAction(LONG action, VARIANT request) noexcept {
     return Answer(L"PerformAction", [&] {
         const auto printer = NeedPrinter();
-        const Held<IActionRequest> asked = RequestFrom(request);
+        const ComPtr<IActionRequest> asked = RequestFrom(request);
         asked->SetOutcome({}); // no answer of an earlier action stands if this one fails
         asked->SetOutcome(PerformActionOn(m_context, *printer, action, asked->IsToBeExecuted()));
     });
@@ -117,17 +117,18 @@ HRESULT DriverAutomationObject::GetDriverVersionDetail(BSTR* detail) noexcept {
 
 HRESULT DriverAutomationObject::GetPrinterQueue(IPrinterQueue** queue) noexcept {
     return Answer(L"GetPrinterQueue", queue,
-                  [&] { *queue = Make<PrinterQueueObject>(m_context, NeedPrinter()).release(); });
+                  [&] { *queue = MakeObject<PrinterQueueObject>(m_context, NeedPrinter()).Detach(); });
 }
 
 HRESULT DriverAutomationObject::GetPrinterInformation(IPrinterInformation** information) noexcept {
-    return Answer(L"GetPrinterInformation", information,
-                  [&] { *information = Make<PrinterInformationObject>(m_context, NeedPrinter()).release(); });
+    return Answer(L"GetPrinterInformation", information, [&] {
+        *information = MakeObject<PrinterInformationObject>(m_context, NeedPrinter()).Detach();
+    });
 }
 
 HRESULT DriverAutomationObject::GetSettings(IDriverSettings** settings) noexcept {
     return Answer(L"GetSettings", settings,
-                  [&] { *settings = Make<DriverSettingsObject>(m_context, NeedPrinter()).release(); });
+                  [&] { *settings = MakeObject<DriverSettingsObject>(m_context, NeedPrinter()).Detach(); });
 }
 
 std::shared_ptr<const Printer> DriverAutomationObject::BoundPrinter() const noexcept {

@@ -8,7 +8,7 @@
 #include <memory>
 #include <new>
 
-#include "substitute/Holders.h"
+#include "automation/Owners.h"
 
 namespace kemba::substitute {
 namespace {
@@ -35,19 +35,18 @@ Failure Describe(HRESULT status, const std::wstring& what, DWORD code, const std
 }
 
 void SetDescription(REFIID iid, const std::wstring& description) noexcept {
-    ICreateErrorInfo* created = nullptr;
-    if (FAILED(CreateErrorInfo(&created))) {
+    ComPtr<ICreateErrorInfo> information;
+    if (FAILED(CreateErrorInfo(information.Put()))) {
         return;
     }
-    const Held<ICreateErrorInfo> information(created);
     // The texts are copied; neither is changed.
     information->SetGUID(iid);
     information->SetSource(const_cast<wchar_t*>(kServerName));
     information->SetDescription(const_cast<wchar_t*>(description.c_str()));
-    IErrorInfo* readable = nullptr;
-    if (SUCCEEDED(information->QueryInterface(__uuidof(IErrorInfo), reinterpret_cast<void**>(&readable)))) {
-        const Held<IErrorInfo> given(readable);
-        SetErrorInfo(0, given.get());
+    ComPtr<IErrorInfo> readable;
+    if (SUCCEEDED(
+            information->QueryInterface(__uuidof(IErrorInfo), reinterpret_cast<void**>(readable.Put())))) {
+        SetErrorInfo(0, readable.Get());
     }
 }
 

@@ -13,7 +13,7 @@ namespace {
 template<class Object>
 HRESULT Create(const ServerContext& context, REFIID iid, void** object) noexcept {
     try {
-        return Make<Object>(context)->QueryInterface(iid, object);
+        return MakeObject<Object>(context)->QueryInterface(iid, object);
     } catch (...) {
         return CurrentFailure().status;
     }

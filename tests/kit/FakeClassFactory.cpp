@@ -2,6 +2,7 @@
 #include "tests/kit/FakeClassFactory.h"
 
 #include "tests/kit/FakeObjects.h"
+#include "tests/kit/OneInterface.h"
 
 #include <objbase.h>
 
@@ -11,27 +12,10 @@
 namespace kit {
 namespace {
 
-class FakeClassFactory final : public IClassFactory {
+class FakeClassFactory final : public OneInterface<IClassFactory> {
   public:
     FakeClassFactory(std::shared_ptr<ServerState> state, FakeClass which)
         : m_state(std::move(state)), m_class(which) {}
-    FakeClassFactory(const FakeClassFactory&) = delete;
-    FakeClassFactory& operator=(const FakeClassFactory&) = delete;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-        const bool known = IsEqualIID(id, __uuidof(IUnknown)) || IsEqualIID(id, __uuidof(IClassFactory));
-        *object = known ? static_cast<IClassFactory*>(this) : nullptr;
-        if (known)
-            AddRef();
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --m_references;
-        if (left == 0)
-            delete this;
-        return left;
-    }
 
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID id, void** object) override {
         *object = nullptr;
@@ -43,11 +27,8 @@ class FakeClassFactory final : public IClassFactory {
     }
 
   private:
-    ~FakeClassFactory() = default;
-
     std::shared_ptr<ServerState> m_state;
     FakeClass m_class;
-    ULONG m_references = 1;
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 // An error information object with a journal, whose texts are watched.
 #include "tests/kit/FakeErrorInformation.h"
 
+#include "tests/kit/OneInterface.h"
 #include "tests/kit/TextWatch.h"
 
 #include <oaidl.h>
@@ -12,29 +13,12 @@ namespace {
 
 using Text = std::optional<std::wstring>;
 
-class FakeErrorInformation final : public IErrorInfo {
+class FakeErrorInformation final : public OneInterface<IErrorInfo> {
   public:
     FakeErrorInformation(std::shared_ptr<ServerState> state, Text source, Text description)
         : m_state(std::move(state)), m_source(std::move(source)), m_description(std::move(description)),
           m_label("ErrorInformation#" + std::to_string(m_state->NextNumber("ErrorInformation"))) {
         m_state->errorInformation.push_back(m_label);
-    }
-    FakeErrorInformation(const FakeErrorInformation&) = delete;
-    FakeErrorInformation& operator=(const FakeErrorInformation&) = delete;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-        const bool known = IsEqualIID(id, __uuidof(IUnknown)) || IsEqualIID(id, __uuidof(IErrorInfo));
-        *object = known ? static_cast<IErrorInfo*>(this) : nullptr;
-        if (known)
-            AddRef();
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --m_references;
-        if (left == 0)
-            delete this;
-        return left;
     }
 
     HRESULT STDMETHODCALLTYPE GetGUID(GUID* id) override {
@@ -55,7 +39,7 @@ class FakeErrorInformation final : public IErrorInfo {
     }
 
   private:
-    ~FakeErrorInformation() { std::erase(m_state->errorInformation, m_label); }
+    ~FakeErrorInformation() override { std::erase(m_state->errorInformation, m_label); }
 
     HRESULT Give(const std::string& operation, const Text& text, BSTR* out) const {
         *out = nullptr;
@@ -70,13 +54,15 @@ class FakeErrorInformation final : public IErrorInfo {
     Text m_source;
     Text m_description;
     std::string m_label;
-    ULONG m_references = 0;
 };
 
 } // namespace
 
 void SetFakeErrorInformation(std::shared_ptr<ServerState> state, Text source, Text description) {
-    SetErrorInfo(0, new FakeErrorInformation(std::move(state), std::move(source), std::move(description)));
+    auto* const information =
+        new FakeErrorInformation(std::move(state), std::move(source), std::move(description));
+    SetErrorInfo(0, information);
+    information->Release();
 }
 
 } // namespace kit

@@ -1,6 +1,8 @@
 // A spy on the initialisation of the component runtime.
 #include "tests/kit/RuntimeWatch.h"
 
+#include "tests/kit/OneInterface.h"
+
 #include <objbase.h>
 #include <objidl.h>
 
@@ -10,26 +12,11 @@
 
 namespace kit {
 
-class RuntimeWatch::Spy final : public IInitializeSpy {
+class RuntimeWatch::Spy final : public OneInterface<IInitializeSpy> {
   public:
     explicit Spy(std::shared_ptr<ServerState> state) : m_state(std::move(state)) {}
 
     int Balance() const { return m_balance; }
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-        const bool known = IsEqualIID(id, __uuidof(IUnknown)) || IsEqualIID(id, __uuidof(IInitializeSpy));
-        *object = known ? static_cast<IInitializeSpy*>(this) : nullptr;
-        if (known)
-            AddRef();
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --m_references;
-        if (left == 0)
-            delete this;
-        return left;
-    }
 
     HRESULT STDMETHODCALLTYPE PreInitialize(DWORD, DWORD) override { return S_OK; }
     HRESULT STDMETHODCALLTYPE PostInitialize(HRESULT status, DWORD apartment, DWORD) override {
@@ -46,10 +33,7 @@ class RuntimeWatch::Spy final : public IInitializeSpy {
     HRESULT STDMETHODCALLTYPE PostUninitialize(DWORD) override { return S_OK; }
 
   private:
-    ~Spy() = default;
-
     std::shared_ptr<ServerState> m_state;
-    ULONG m_references = 1;
     int m_balance = 0;
 };
 

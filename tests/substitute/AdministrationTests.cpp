@@ -9,6 +9,7 @@
 
 namespace {
 
+using kemba::ComPtr;
 using namespace kemba::substitute;
 
 class AdministrationTest : public ObjectFixture {
@@ -19,13 +20,13 @@ class AdministrationTest : public ObjectFixture {
         EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
     }
     FakePrinterApi::Record& Label() { return spooler.printers[L"Label A"]; }
-    Held<IPrinterQueue> Queue() {
-        IPrinterQueue* made = nullptr;
-        EXPECT_EQ(automation->GetPrinterQueue(&made), S_OK);
-        return Held<IPrinterQueue>(made);
+    ComPtr<IPrinterQueue> Queue() {
+        ComPtr<IPrinterQueue> queue;
+        EXPECT_EQ(automation->GetPrinterQueue(queue.Put()), S_OK);
+        return queue;
     }
 
-    Held<DriverAutomationObject> automation = MakeAutomation();
+    ComPtr<DriverAutomationObject> automation = MakeAutomation();
 };
 
 TEST_F(AdministrationTest, AChangeChangesOneThingAndLeavesTheOthers) {
@@ -84,7 +85,7 @@ TEST_F(AdministrationTest, TheQueueObjectGivesTheCommands) {
 
 TEST_F(AdministrationTest, TheQueueObjectOutlivesItsMaker) {
     const auto queue = Queue();
-    automation.reset();
+    automation.Reset();
     EXPECT_EQ(queue->Purge(), S_OK);
     EXPECT_EQ(spooler.commands, std::vector<DWORD>{3});
 }

@@ -14,6 +14,9 @@
 
 namespace {
 
+using kemba::ComPtr;
+using kemba::MakeObject;
+using kemba::OwnedBstr;
 using namespace kemba::substitute;
 
 class AutomationObjectTest : public ObjectFixture {
@@ -51,11 +54,9 @@ TEST_F(AutomationObjectTest, LateBoundCallsReachTheOperations) {
     const auto automation = MakeAutomation();
     const InText name(L"Label A");
     EXPECT_EQ(CallByName(*automation, L"putprintername", TextArgument(name)), S_OK);
-    BSTR comment = nullptr;
-    EXPECT_EQ(CallByName(*automation, L"GetComment", TextResult(&comment)), S_OK);
-    const HeldBstr held(comment);
-    ASSERT_NE(comment, nullptr);
-    EXPECT_STREQ(comment, L"by the door");
+    OwnedBstr comment;
+    EXPECT_EQ(CallByName(*automation, L"GetComment", TextResult(comment.Put())), S_OK);
+    EXPECT_STREQ(comment.Text(), L"by the door");
 }
 
 TEST_F(AutomationObjectTest, ALateBoundFailureCarriesItsStatus) {
@@ -90,7 +91,7 @@ TEST_F(AutomationObjectTest, TheTypeInformationIsThatOfTheInterface) {
     EXPECT_EQ(count, 1u);
     ITypeInfo* given = nullptr;
     ASSERT_EQ(automation->GetTypeInfo(0, 0, &given), S_OK);
-    const Held<ITypeInfo> information(given);
+    const ComPtr<ITypeInfo> information(given);
     TYPEATTR* attributes = nullptr;
     ASSERT_EQ(information->GetTypeAttr(&attributes), S_OK);
     EXPECT_EQ(attributes->guid, __uuidof(IDriverAutomation));
@@ -110,10 +111,10 @@ TEST_F(AutomationObjectTest, EveryClassIsMadeAndSupportsErrorInformationForItsIn
         EXPECT_EQ(served.id, rows[index].first);
         void* made = nullptr;
         ASSERT_EQ(served.create(context, rows[index].second, &made), S_OK);
-        const Held<IUnknown> object(static_cast<IUnknown*>(made));
+        const ComPtr<IUnknown> object(static_cast<IUnknown*>(made));
         void* asked = nullptr;
         ASSERT_EQ(object->QueryInterface(__uuidof(ISupportErrorInfo), &asked), S_OK);
-        const Held<ISupportErrorInfo> support(static_cast<ISupportErrorInfo*>(asked));
+        const ComPtr<ISupportErrorInfo> support(static_cast<ISupportErrorInfo*>(asked));
         EXPECT_EQ(support->InterfaceSupportsErrorInfo(rows[index].second), S_OK);
         EXPECT_EQ(support->InterfaceSupportsErrorInfo(__uuidof(IPrinterQueue)), S_FALSE);
         void* identity = nullptr;
@@ -128,7 +129,7 @@ TEST_F(AutomationObjectTest, EveryClassIsMadeAndSupportsErrorInformationForItsIn
 }
 
 TEST_F(AutomationObjectTest, UnusedPlacesOfAnActionRequestSaySo) {
-    const auto actions = Make<DriverActionsObject>(context);
+    const auto actions = MakeObject<DriverActionsObject>(context);
     const std::pair<const wchar_t*, std::function<HRESULT()>> rows[] = {
         {L"Reserved1", [&] { return actions->Reserved1(); }},
         {L"Reserved2", [&] { return actions->Reserved2(); }},
@@ -146,7 +147,7 @@ TEST_F(AutomationObjectTest, UnusedPlacesOfAnActionRequestSaySo) {
 }
 
 TEST_F(AutomationObjectTest, TheServerTellsItsVersion) {
-    const auto version = Make<VersionInformationObject>(context);
+    const auto version = MakeObject<VersionInformationObject>(context);
     std::wstring text;
     EXPECT_EQ(ReadText(*version, &IVersionInformation::GetVersion, text), S_OK);
     EXPECT_EQ(text, L"1.0.0");

@@ -13,6 +13,7 @@
 
 namespace {
 
+using kemba::ComPtr;
 using namespace kemba::substitute;
 
 class DriverAutomationObjectTest : public ObjectFixture {
@@ -27,7 +28,7 @@ class DriverAutomationObjectTest : public ObjectFixture {
                                         PRINTER_ATTRIBUTE_SHARED,
                                         2};
     }
-    Held<DriverAutomationObject> MakeBound() {
+    ComPtr<DriverAutomationObject> MakeBound() {
         auto automation = MakeAutomation();
         EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
         return automation;
@@ -162,10 +163,9 @@ TEST_F(DriverAutomationObjectTest, WhatIsNotOfferedSaysSo) {
 
 TEST_F(DriverAutomationObjectTest, TheStatusObjectTellsTheStateAndOutlivesItsMaker) {
     auto automation = MakeBound();
-    IPrinterInformation* made = nullptr;
-    ASSERT_EQ(automation->GetPrinterInformation(&made), S_OK);
-    const Held<IPrinterInformation> information(made);
-    automation.reset();
+    ComPtr<IPrinterInformation> information;
+    ASSERT_EQ(automation->GetPrinterInformation(information.Put()), S_OK);
+    automation.Reset();
     std::wstring status;
     EXPECT_EQ(ReadText(*information, &IPrinterInformation::GetStatus, status), S_OK);
     EXPECT_EQ(status, L"Paper jam, 2 jobs");
@@ -180,7 +180,7 @@ TEST_F(DriverAutomationObjectTest, TheStatusObjectTellsTheStateAndOutlivesItsMak
 }
 
 TEST_F(DriverAutomationObjectTest, GivesUpItsPrinterAndItsUseOfTheProcess) {
-    MakeBound().reset();
+    MakeBound().Reset();
     EXPECT_EQ(spooler.open, 0);
     process.WaitUntilUnused(10, 10); // would not return if the object still counted
 }

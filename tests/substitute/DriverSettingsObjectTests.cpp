@@ -13,6 +13,7 @@
 
 namespace {
 
+using kemba::ComPtr;
 using namespace kemba::substitute;
 
 VARIANT Omitted() {
@@ -29,16 +30,14 @@ class DriverSettingsObjectTest : public ObjectFixture {
         spooler.settings.state = MakeRichState();
         auto automation = MakeAutomation();
         EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
-        IDriverSettings* made = nullptr;
-        EXPECT_EQ(automation->GetSettings(&made), S_OK);
-        settings.reset(made); // outlives its maker
+        EXPECT_EQ(automation->GetSettings(settings.Put()), S_OK); // outlives its maker
     }
     HRESULT Export() { return settings->ExportSettings(InText(path), Omitted()); }
     HRESULT Import() { return settings->ImportSettings(InText(path), Omitted()); }
 
     TemporaryFolder folder;
     std::wstring path = folder.File(L"label.vqs");
-    Held<IDriverSettings> settings;
+    ComPtr<IDriverSettings> settings;
 };
 
 TEST_F(DriverSettingsObjectTest, AnExportComesBackByAnImport) {

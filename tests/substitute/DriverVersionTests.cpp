@@ -9,6 +9,7 @@
 
 namespace {
 
+using kemba::ComPtr;
 using namespace kemba::substitute;
 
 FILETIME DateOf(WORD year, WORD month, WORD day) {
@@ -68,7 +69,7 @@ class DriverVersionObjectTest : public ObjectFixture {
         spooler.driver.date = DateOf(2021, 3, 4);
         EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
     }
-    Held<DriverAutomationObject> automation = MakeAutomation();
+    ComPtr<DriverAutomationObject> automation = MakeAutomation();
     std::wstring text;
 };
 

@@ -8,6 +8,8 @@
 
 namespace {
 
+using kemba::ComPtr;
+using kemba::MakeObject;
 using namespace kemba::substitute;
 
 /// A VARIANT that is cleared in the end.
@@ -41,7 +43,7 @@ class LateBindingTest : public ObjectFixture {
         return reference;
     }
 
-    Held<DriverAutomationObject> automation = MakeAutomation();
+    ComPtr<DriverAutomationObject> automation = MakeAutomation();
 };
 
 TEST_F(LateBindingTest, AnUntypedVariableGetsTheText) {
@@ -69,7 +71,7 @@ TEST_F(LateBindingTest, ObjectsAndFlagsAreHandedOutLikewise) {
     EXPECT_EQ(Call(*information.pdispVal, L"GetStatus", {}, &status), S_OK);
     ASSERT_EQ(status.vt, VT_BSTR);
     EXPECT_STREQ(status.bstrVal, L"Ready");
-    const auto request = Make<DriverActionsObject>(context);
+    const auto request = MakeObject<DriverActionsObject>(context);
     Value supported;
     EXPECT_EQ(Call(*request, L"GetSupported", {Reference(supported)}), S_OK);
     ASSERT_EQ(supported.vt, VT_BOOL);

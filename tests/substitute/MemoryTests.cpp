@@ -10,6 +10,8 @@
 
 namespace {
 
+using kemba::ComPtr;
+using kemba::MakeObject;
 using namespace kemba::substitute;
 
 std::size_t PrivateBytes() {
@@ -29,13 +31,12 @@ TEST(ServerMemory, ThousandsOfVisitsToTheRealSpoolerLeaveNothing) {
         ContractTypes types;
         const ServerContext context{spooler, dialogs, profiles, process, types};
         const auto visit = [&] {
-            const auto automation = Make<DriverAutomationObject>(context);
+            const auto automation = MakeObject<DriverAutomationObject>(context);
             EXPECT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
             std::wstring text;
             EXPECT_EQ(ReadText(*automation, &IDriverAutomation::GetComment, text), S_OK);
-            IPrinterInformation* made = nullptr;
-            EXPECT_EQ(automation->GetPrinterInformation(&made), S_OK);
-            const Held<IPrinterInformation> information(made);
+            ComPtr<IPrinterInformation> information;
+            EXPECT_EQ(automation->GetPrinterInformation(information.Put()), S_OK);
             EXPECT_EQ(ReadText(*information, &IPrinterInformation::GetStatus, text), S_OK);
         };
         for (int index = 0; index < 200; ++index) {

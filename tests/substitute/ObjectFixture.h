@@ -15,11 +15,11 @@
 /// A BSTR argument for one call.
 class InText {
   public:
-    explicit InText(const std::wstring& text) : m_text(SysAllocString(text.c_str())) {}
-    operator BSTR() const { return m_text.get(); }
+    explicit InText(const std::wstring& text) : m_text(text) {}
+    operator BSTR() const { return m_text.Get(); }
 
   private:
-    kemba::substitute::HeldBstr m_text;
+    kemba::OwnedBstr m_text;
 };
 
 struct ErrorTexts {
@@ -32,17 +32,14 @@ struct ErrorTexts {
 /// Takes the thread's error information.
 inline ErrorTexts TakeErrorTexts() {
     ErrorTexts texts;
-    IErrorInfo* taken = nullptr;
-    if (GetErrorInfo(0, &taken) == S_OK) {
-        const kemba::substitute::Held<IErrorInfo> information(taken);
-        BSTR source = nullptr;
-        BSTR description = nullptr;
-        information->GetSource(&source);
-        information->GetDescription(&description);
+    kemba::ComPtr<IErrorInfo> information;
+    if (GetErrorInfo(0, information.Put()) == S_OK) {
+        kemba::OwnedBstr source;
+        kemba::OwnedBstr description;
+        information->GetSource(source.Put());
+        information->GetDescription(description.Put());
         information->GetGUID(&texts.iid);
-        texts = {true, source ? source : L"", description ? description : L"", texts.iid};
-        SysFreeString(source);
-        SysFreeString(description);
+        texts = {true, source.Text(), description.Text(), texts.iid};
     }
     return texts;
 }
@@ -50,10 +47,9 @@ inline ErrorTexts TakeErrorTexts() {
 /// Calls one operation with an out text; `text` gets it, or "(null)".
 template<class Object, class Operation>
 HRESULT ReadText(Object& object, Operation operation, std::wstring& text) {
-    BSTR out = nullptr;
-    const HRESULT status = (object.*operation)(&out);
-    const kemba::substitute::HeldBstr held(out);
-    text = out ? std::wstring(out, SysStringLen(out)) : L"(null)";
+    kemba::OwnedBstr out;
+    const HRESULT status = (object.*operation)(out.Put());
+    text = out.Get() ? std::wstring(out.Get(), SysStringLen(out.Get())) : L"(null)";
     return status;
 }
 
@@ -62,8 +58,8 @@ class ObjectFixture : public testing::Test {
     ObjectFixture() { CoInitializeEx(nullptr, COINIT_MULTITHREADED); }
     ~ObjectFixture() override { CoUninitialize(); }
 
-    kemba::substitute::Held<kemba::substitute::DriverAutomationObject> MakeAutomation() {
-        return kemba::substitute::Make<kemba::substitute::DriverAutomationObject>(context);
+    kemba::ComPtr<kemba::substitute::DriverAutomationObject> MakeAutomation() {
+        return kemba::MakeObject<kemba::substitute::DriverAutomationObject>(context);
     }
 
     FakePrinterApi spooler;

@@ -8,6 +8,8 @@
 
 namespace {
 
+using kemba::ComPtr;
+using kemba::MakeObject;
 using namespace kemba::substitute;
 
 class PerformActionTest : public ObjectFixture {
@@ -27,7 +29,7 @@ class PerformActionTest : public ObjectFixture {
     }
     HRESULT Perform(LONG code, VARIANT_BOOL execute) {
         EXPECT_EQ(request->PutExecute(execute), S_OK);
-        return automation->PerformAction(code, Argument(request.get()));
+        return automation->PerformAction(code, Argument(request.Get()));
     }
     bool Supported() {
         VARIANT_BOOL value = 42;
@@ -44,8 +46,8 @@ class PerformActionTest : public ObjectFixture {
     bool Untouched() const { return spooler.journal.empty() && dialogs.shown.empty(); }
 
     ProfileFolder folder;
-    Held<DriverAutomationObject> automation = MakeAutomation();
-    Held<DriverActionsObject> request = Make<DriverActionsObject>(context);
+    ComPtr<DriverAutomationObject> automation = MakeAutomation();
+    ComPtr<DriverActionsObject> request = MakeObject<DriverActionsObject>(context);
 };
 
 const struct {
@@ -193,7 +195,7 @@ TEST_F(PerformActionTest, WhatIsNoRequestOfThisServerIsRefused) {
     VARIANT number = {};
     number.vt = VT_I4;
     number.lVal = 1;
-    const VARIANT rows[] = {{}, number, Argument(nullptr), Argument(automation.get())};
+    const VARIANT rows[] = {{}, number, Argument(nullptr), Argument(automation.Get())};
     for (const VARIANT& row : rows) {
         EXPECT_EQ(automation->PerformAction(4, row), E_INVALIDARG);
         EXPECT_EQ(
@@ -206,7 +208,7 @@ TEST_F(PerformActionTest, WhatIsNoRequestOfThisServerIsRefused) {
 TEST_F(PerformActionTest, ARequestMayComeByReference) {
     Profile("Feed = FF");
     request->PutExecute(1);
-    VARIANT plain = Argument(request.get());
+    VARIANT plain = Argument(request.Get());
     VARIANT reference = {};
     reference.vt = VT_VARIANT | VT_BYREF;
     reference.pvarVal = &plain;
@@ -222,14 +224,14 @@ TEST_F(PerformActionTest, AFreshRequestKnowsNothingAndAsksOnly) {
     EXPECT_EQ(request->GetSupported(nullptr), E_POINTER);
     EXPECT_EQ(request->GetDisplaysInterface(nullptr), E_POINTER);
     Profile("Feed = FF");
-    EXPECT_EQ(automation->PerformAction(4, Argument(request.get())), S_OK);
+    EXPECT_EQ(automation->PerformAction(4, Argument(request.Get())), S_OK);
     EXPECT_TRUE(Supported());
     EXPECT_TRUE(Untouched());
 }
 
 TEST_F(PerformActionTest, NothingIsDoneBeforeBinding) {
     request->PutExecute(1);
-    EXPECT_EQ(MakeAutomation()->PerformAction(17, Argument(request.get())), E_UNEXPECTED);
+    EXPECT_EQ(MakeAutomation()->PerformAction(17, Argument(request.Get())), E_UNEXPECTED);
     EXPECT_TRUE(Untouched());
 }
 

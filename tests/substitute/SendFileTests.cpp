@@ -10,6 +10,7 @@
 
 namespace {
 
+using kemba::ComPtr;
 using namespace kemba::substitute;
 using Step = FakePrinterApi::Step;
 
@@ -30,7 +31,7 @@ class SendFileTest : public ObjectFixture {
         return TakeErrorTexts().description;
     }
 
-    Held<DriverAutomationObject> automation = MakeAutomation();
+    ComPtr<DriverAutomationObject> automation = MakeAutomation();
 };
 
 std::string EveryByte(std::size_t count) {

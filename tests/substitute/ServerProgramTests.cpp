@@ -17,6 +17,7 @@
 
 namespace {
 
+using kemba::ComPtr;
 using namespace kemba::substitute;
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
@@ -29,12 +30,12 @@ class ServerProgramTest : public testing::Test {
 };
 
 template<class Interface>
-Held<Interface> Activate(REFCLSID classId) {
+ComPtr<Interface> Activate(REFCLSID classId) {
     void* object = nullptr;
     const HRESULT status =
         CoCreateInstance(classId, nullptr, CLSCTX_LOCAL_SERVER, __uuidof(Interface), &object);
     EXPECT_EQ(status, S_OK);
-    return Held<Interface>(static_cast<Interface*>(object));
+    return ComPtr<Interface>(static_cast<Interface*>(object));
 }
 
 /// A script of a test's own; deleted in the end.
@@ -72,9 +73,8 @@ TEST_F(ServerProgramTest, ReadsAPrinterForAClient) {
     const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
     ASSERT_TRUE(automation);
     ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
-    IPrinterInformation* made = nullptr;
-    ASSERT_EQ(automation->GetPrinterInformation(&made), S_OK);
-    const Held<IPrinterInformation> information(made);
+    ComPtr<IPrinterInformation> information;
+    ASSERT_EQ(automation->GetPrinterInformation(information.Put()), S_OK);
     std::wstring status;
     EXPECT_EQ(ReadText(*information, &IPrinterInformation::GetStatus, status), S_OK);
     EXPECT_EQ(status, L"Ready");
@@ -141,9 +141,8 @@ TEST_F(ServerProgramTest, TheQueueObjectAndItsRefusalReachTheClient) {
     const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
     ASSERT_TRUE(automation);
     ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
-    IPrinterQueue* made = nullptr;
-    ASSERT_EQ(automation->GetPrinterQueue(&made), S_OK);
-    const Held<IPrinterQueue> queue(made);
+    ComPtr<IPrinterQueue> queue;
+    ASSERT_EQ(automation->GetPrinterQueue(queue.Put()), S_OK);
     EXPECT_EQ(queue->Pause(), HRESULT_FROM_WIN32(ERROR_INVALID_LEVEL)); // Wine's spooler cannot
 }
 
@@ -157,7 +156,7 @@ TEST_F(ServerProgramTest, AClientsRequestIsRecognisedInTheServer) {
     ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
     VARIANT argument = {};
     argument.vt = VT_DISPATCH;
-    argument.pdispVal = request.get();
+    argument.pdispVal = request.Get();
     const auto supported = [&] {
         VARIANT_BOOL value = 42;
         EXPECT_EQ(request->GetSupported(&value), S_OK);
@@ -169,7 +168,7 @@ TEST_F(ServerProgramTest, AClientsRequestIsRecognisedInTheServer) {
     EXPECT_EQ(port.Received(2), "\x1B@");
     EXPECT_EQ(automation->PerformAction(9, argument), S_OK); // no such entry
     EXPECT_FALSE(supported());
-    argument.pdispVal = automation.get();
+    argument.pdispVal = automation.Get();
     EXPECT_EQ(automation->PerformAction(7, argument), E_INVALIDARG);
 }
 
@@ -232,10 +231,10 @@ TEST_F(ServerLifetimeTest, TheProcessStartsForTheFirstClientAndGoesSomeSecondsAf
     auto version = Activate<IVersionInformation>(__uuidof(VersionInformation));
     auto actions = Activate<IDriverActions>(__uuidof(DriverActions));
     ASSERT_EQ(RunningServers().size(), 1u); // one process serves all classes
-    version.reset();
+    version.Reset();
     std::this_thread::sleep_for(6s); // longer than the grace time, with one object left
     EXPECT_EQ(RunningServers().size(), 1u);
-    actions.reset();
+    actions.Reset();
     const auto released = Clock::now();
     std::this_thread::sleep_for(3s);
     EXPECT_EQ(RunningServers().size(), 1u);

@@ -14,17 +14,17 @@
 
 namespace {
 
+using kemba::ComPtr;
+using kemba::MakeObject;
 using namespace kemba::substitute;
 
 class SettingsSpoolerTest : public ObjectFixture {
   protected:
     SettingsSpoolerTest() {
         EXPECT_EQ(api.Open(printer.Name(), PRINTER_ACCESS_ADMINISTER | PRINTER_ACCESS_USE, handle), 0u);
-        automation = Make<DriverAutomationObject>(realContext);
+        automation = MakeObject<DriverAutomationObject>(realContext);
         EXPECT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
-        IDriverSettings* made = nullptr;
-        EXPECT_EQ(automation->GetSettings(&made), S_OK);
-        settings.reset(made);
+        EXPECT_EQ(automation->GetSettings(settings.Put()), S_OK);
         V_VT(&omitted) = VT_ERROR;
         V_ERROR(&omitted) = DISP_E_PARAMNOTFOUND;
     }
@@ -58,8 +58,8 @@ class SettingsSpoolerTest : public ObjectFixture {
     HANDLE handle = nullptr;
     TemporaryFolder folder;
     std::wstring path = folder.File(L"label.vqs");
-    Held<DriverAutomationObject> automation;
-    Held<IDriverSettings> settings;
+    ComPtr<DriverAutomationObject> automation;
+    ComPtr<IDriverSettings> settings;
     VARIANT omitted = {};
 };
 

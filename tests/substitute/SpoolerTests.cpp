@@ -13,11 +13,13 @@
 
 namespace {
 
+using kemba::ComPtr;
+using kemba::MakeObject;
 using namespace kemba::substitute;
 
 class SpoolerTest : public ObjectFixture {
   protected:
-    Held<DriverAutomationObject> MakeReal() { return Make<DriverAutomationObject>(realContext); }
+    ComPtr<DriverAutomationObject> MakeReal() { return MakeObject<DriverAutomationObject>(realContext); }
 
     WindowsPrinterApi realSpooler;
     ServerContext realContext{realSpooler, dialogs, profiles, process, types};
@@ -39,9 +41,8 @@ TEST_F(SpoolerTest, ReadsARealPrinter) {
     EXPECT_EQ(text, L"LPT1:");
     EXPECT_EQ(ReadText<IDriverAutomation>(*automation, &IDriverAutomation::GetModelName, text), S_OK);
     EXPECT_EQ(text, demo::kLabelDriver);
-    IPrinterInformation* made = nullptr;
-    ASSERT_EQ(automation->GetPrinterInformation(&made), S_OK);
-    const Held<IPrinterInformation> information(made);
+    ComPtr<IPrinterInformation> information;
+    ASSERT_EQ(automation->GetPrinterInformation(information.Put()), S_OK);
     EXPECT_EQ(ReadText(*information, &IPrinterInformation::GetStatus, text), S_OK);
     EXPECT_EQ(text, L"Ready");
 }
@@ -92,11 +93,10 @@ TEST_F(SpoolerTest, AQueueCommandThatTheSpoolerDoesNotKnowIsRefusedCleanly) {
     const demo::Printer printer;
     const auto automation = MakeReal();
     ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
-    IPrinterQueue* made = nullptr;
-    ASSERT_EQ(automation->GetPrinterQueue(&made), S_OK);
-    const Held<IPrinterQueue> queue(made);
+    ComPtr<IPrinterQueue> queue;
+    ASSERT_EQ(automation->GetPrinterQueue(queue.Put()), S_OK);
     for (const auto operation : {&IPrinterQueue::Pause, &IPrinterQueue::Resume, &IPrinterQueue::Purge}) {
-        EXPECT_EQ((made->*operation)(), HRESULT_FROM_WIN32(ERROR_INVALID_LEVEL));
+        EXPECT_EQ(((*queue).*operation)(), HRESULT_FROM_WIN32(ERROR_INVALID_LEVEL));
         EXPECT_NE(TakeErrorTexts().description.find(L"ing the queue failed: "), std::wstring::npos);
     }
 }
@@ -123,10 +123,10 @@ TEST_F(SpoolerTest, AnActionsBytesArriveAtThePort) {
     const demo::Printer printer({.port = port.Name()});
     const auto automation = MakeReal();
     ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
-    const auto request = Make<DriverActionsObject>(realContext);
+    const auto request = MakeObject<DriverActionsObject>(realContext);
     VARIANT argument = {};
     argument.vt = VT_DISPATCH;
-    argument.pdispVal = request.get();
+    argument.pdispVal = request.Get();
     request->PutExecute(1);
     EXPECT_EQ(automation->PerformAction(4, argument), S_OK);
     EXPECT_EQ(port.Received(3), std::string("\0\x0C\xFF", 3));
