@@ -68,7 +68,7 @@ using AliasTable = std::map<OString, OString>;
 
 /// An 8-bit text with its UTF-16 form made as well: what several threads read must not be converted by them.
 OString InBothForms(const char* text) {
-    const OString both = text;
+    OString both = text;
     both.Wide();
     return both;
 }

@@ -19,8 +19,9 @@ std::wstring HostPath(const std::wstring& file) {
     char* const path = reinterpret_cast<GetHostPath>(reinterpret_cast<void*>(address))(file.c_str());
     if (!path)
         throw SpoolerError("asking for the host's path", ERROR_PATH_NOT_FOUND);
-    std::wstring wide(MultiByteToWideChar(CP_UTF8, 0, path, -1, nullptr, 0), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, path, -1, wide.data(), static_cast<int>(wide.size()));
+    const int size = MultiByteToWideChar(CP_UTF8, 0, path, -1, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(size), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, path, -1, wide.data(), size);
     wide.pop_back(); // the zero at the end
     HeapFree(GetProcessHeap(), 0, path);
     return wide;

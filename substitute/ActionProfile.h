@@ -26,7 +26,7 @@ std::wstring ActionProfileFolder(HKEY root, const wchar_t* key);
 class ActionProfiles {
   public:
     /// A file larger than that is refused.
-    static constexpr std::size_t kLargestFile = 64 * 1024;
+    static constexpr std::size_t kLargestFile = std::size_t{64} * 1024;
 
     /// `folder` is asked each time; it may throw Failure.
     explicit ActionProfiles(std::function<std::wstring()> folder) : m_folder(std::move(folder)) {}

@@ -41,7 +41,7 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
     AutomationObject& operator=(const AutomationObject&) = delete;
 
     // The marshaller's identifiers lie in packed tables, at any address.
-    [[gnu::no_sanitize("alignment")]] HRESULT STDMETHODCALLTYPE
+    __attribute__((no_sanitize("alignment"))) HRESULT STDMETHODCALLTYPE
     QueryInterface(REFIID iid, void** object) noexcept override {
         if (!object) {
             return E_POINTER;

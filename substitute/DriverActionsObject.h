@@ -17,7 +17,7 @@ class DriverActionsObject final : public AutomationObject<IDriverActions>, publi
     /// Throws Failure.
     explicit DriverActionsObject(const ServerContext& context) : AutomationObject(context) {}
 
-    [[gnu::no_sanitize("alignment")]] HRESULT STDMETHODCALLTYPE
+    __attribute__((no_sanitize("alignment"))) HRESULT STDMETHODCALLTYPE
     QueryInterface(REFIID iid, void** object) noexcept override {
         if (object && iid == kActionRequest) {
             *object = static_cast<IActionRequest*>(this);

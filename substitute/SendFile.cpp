@@ -13,7 +13,7 @@
 namespace kemba::substitute {
 namespace {
 
-constexpr std::size_t kBlock = 64 * 1024;
+constexpr std::size_t kBlock = std::size_t{64} * 1024;
 
 /// A file opened for reading from its start to its end.
 class SourceFile {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <latch>
 #include <thread>
 #include <vector>
 
@@ -62,21 +63,27 @@ TEST(OCriticalSection, IsUnlockedAsOftenAsItsThreadLockedIt) {
 }
 
 TEST(OCriticalSection, GuardsACounterAgainstManyThreads) {
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 200;
     OCriticalSection lock;
     int counter = 0;
+    std::latch start(kThreads);
     std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < kThreads; ++i) {
         threads.emplace_back([&] {
-            for (int round = 0; round < 5'000; ++round) {
+            start.arrive_and_wait();
+            for (int round = 0; round < kRounds; ++round) {
                 const OScopedLock hold(lock);
-                ++counter;
+                const int before = counter;
+                std::this_thread::yield(); // whoever is not kept out comes now
+                counter = before + 1;
             }
         });
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
-    EXPECT_EQ(counter, 20'000);
+    EXPECT_EQ(counter, kThreads * kRounds);
 }
 
 TEST(OScopedLock, IsAPointerAndAFlag) {
