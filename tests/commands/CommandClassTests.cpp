@@ -115,5 +115,17 @@ TEST_P(CommandClass, IsShort) {
     EXPECT_LE(std::count(text.begin(), text.end(), '\n'), 150);
 }
 
+/// A printer may go between the selection of the settings command and that of its export.
+TEST(CommandExport, WithoutAPrinterFailsUnannounced) {
+    ApplicationSettings settings;
+    settings.printerNames.Append(L"no such printer");
+    const bool quiet = false;
+    ConsoleOutput console(quiet);
+    kit::StdoutCapture capture;
+    EXPECT_FALSE(MakeCommand<Command_Export>(settings, console, {L"C:\\dock.vqs"})->Run());
+    EXPECT_EQ(capture.Finish(),
+              "The printer 'no such printer' is not found.\r\nNo printers selected for this operation.\r\n");
+}
+
 } // namespace
 } // namespace kemba

@@ -6,11 +6,11 @@
 #include <filesystem>
 #include <fstream>
 
+#include "FailureOf.h"
 #include "ProfileFolder.h"
 #include "ServerProgram.h"
 #include "Texts.h"
 #include "substitute/ContractTypes.h"
-#include "substitute/Failure.h"
 
 namespace {
 
@@ -19,15 +19,14 @@ using namespace std::string_literals;
 
 /// What the text is refused with, without the words that all refusals begin with.
 std::wstring RefusalOf(const std::string& text) {
-    try {
-        ParseActionProfile(text, L"p");
-    } catch (const Failure& failure) {
-        EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
-        const std::wstring begin = L"action profile \"p\", line ";
-        EXPECT_TRUE(BeginsWith(failure.reason, begin));
-        return failure.reason.substr(begin.size());
+    const Failure failure = FailureOf([&] { ParseActionProfile(text, L"p"); });
+    if (failure.status == S_OK) {
+        return L"taken";
     }
-    return L"taken";
+    EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
+    const std::wstring begin = L"action profile \"p\", line ";
+    EXPECT_TRUE(BeginsWith(failure.reason, begin));
+    return failure.reason.substr(begin.size());
 }
 
 TEST(ActionProfile, EveryWayToWriteBytesIsUnderstood) {
@@ -126,14 +125,10 @@ TEST_F(ActionProfilesTest, CharactersThatNoFileNameMayHaveAreUnderlines) {
 TEST_F(ActionProfilesTest, ADamagedFileIsRefusedByName) {
     folder.Put(L"Dock.profile", "Feed = FF\nCut = ?");
     folder.Put(L"Zippy.profile", "Feed = FF");
-    try {
-        profiles.Find(L"Dock", L"Zippy");
-        FAIL();
-    } catch (const Failure& failure) {
-        EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
-        EXPECT_TRUE(BeginsWith(failure.reason,
-                               L"action profile \"" + folder.Path() + L"\\Dock.profile\", line 2: \"?\" is"));
-    }
+    const Failure failure = FailureOf([&] { profiles.Find(L"Dock", L"Zippy"); });
+    EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
+    EXPECT_TRUE(BeginsWith(failure.reason,
+                           L"action profile \"" + folder.Path() + L"\\Dock.profile\", line 2: \"?\" is"));
     EXPECT_TRUE(profiles.Find(L"Other", L"Zippy")); // and concerns nobody else
 }
 
@@ -143,14 +138,10 @@ TEST_F(ActionProfilesTest, TheLargestFileIsTakenAndALargerOneIsRefused) {
     folder.Put(L"Dock.profile", text);
     EXPECT_TRUE(profiles.Find(L"Dock", L""));
     folder.Put(L"Dock.profile", text + ".");
-    try {
-        profiles.Find(L"Dock", L"");
-        FAIL();
-    } catch (const Failure& failure) {
-        EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_FILE_TOO_LARGE));
-        EXPECT_TRUE(BeginsWith(failure.reason, L"reading the action profile \"" + folder.Path() +
-                                                   L"\\Dock.profile\" failed"));
-    }
+    const Failure failure = FailureOf([&] { profiles.Find(L"Dock", L""); });
+    EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_FILE_TOO_LARGE));
+    EXPECT_TRUE(BeginsWith(failure.reason,
+                           L"reading the action profile \"" + folder.Path() + L"\\Dock.profile\" failed"));
 }
 
 TEST_F(ActionProfilesTest, AProfileThatCannotBeReadIsNotTakenForNone) {

@@ -3,27 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
+#include "FailureOf.h"
 #include "FakePrinterApi.h"
-#include "substitute/Failure.h"
 
 namespace {
 
 using kemba::substitute::Failure;
 using kemba::substitute::Printer;
-
-HRESULT StatusOf(const std::function<void()>& work, std::wstring* reason = nullptr) {
-    try {
-        work();
-        return S_OK;
-    } catch (const Failure& failure) {
-        if (reason) {
-            *reason = failure.reason;
-        }
-        return failure.status;
-    }
-}
 
 class PrinterTest : public testing::Test {
   protected:
@@ -43,17 +29,17 @@ TEST_F(PrinterTest, KeepsOneHandleAndClosesIt) {
 }
 
 TEST_F(PrinterTest, AnUnknownNameIsRefusedAndNamed) {
-    std::wstring reason;
-    EXPECT_EQ(StatusOf([&] { Printer(spooler, L"Other"); }, &reason),
-              HRESULT_FROM_WIN32(ERROR_INVALID_PRINTER_NAME));
-    EXPECT_NE(reason.find(L"opening printer \"Other\" failed: "), std::wstring::npos);
-    EXPECT_NE(reason.find(L"error 1801"), std::wstring::npos);
+    const Failure failure = FailureOf([&] { Printer(spooler, L"Other"); });
+    EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_INVALID_PRINTER_NAME));
+    EXPECT_NE(failure.reason.find(L"opening printer \"Other\" failed: "), std::wstring::npos);
+    EXPECT_NE(failure.reason.find(L"error 1801"), std::wstring::npos);
     EXPECT_EQ(spooler.open, 0);
 }
 
 TEST_F(PrinterTest, AnEmptyNameNeverReachesTheSpooler) {
     spooler.printers[L""]; // the print server
-    EXPECT_EQ(StatusOf([&] { Printer(spooler, L""); }), HRESULT_FROM_WIN32(ERROR_INVALID_PRINTER_NAME));
+    EXPECT_EQ(FailureOf([&] { Printer(spooler, L""); }).status,
+              HRESULT_FROM_WIN32(ERROR_INVALID_PRINTER_NAME));
     EXPECT_EQ(spooler.opened, 0);
 }
 
@@ -66,9 +52,9 @@ TEST_F(PrinterTest, ARecordThatGrowsIsAskedForAgain) {
 TEST_F(PrinterTest, AFailingSpoolerIsReportedWithItsError) {
     const Printer printer(spooler, L"Label");
     spooler.getError = ERROR_ACCESS_DENIED;
-    EXPECT_EQ(StatusOf([&] { printer.Describe(); }), E_ACCESSDENIED);
+    EXPECT_EQ(FailureOf([&] { printer.Describe(); }).status, E_ACCESSDENIED);
     spooler.getError = ERROR_INSUFFICIENT_BUFFER; // and yet no more bytes wanted: no endless loop
-    EXPECT_EQ(StatusOf([&] { printer.Describe(); }), HRESULT_FROM_WIN32(ERROR_INSUFFICIENT_BUFFER));
+    EXPECT_EQ(FailureOf([&] { printer.Describe(); }).status, HRESULT_FROM_WIN32(ERROR_INSUFFICIENT_BUFFER));
 }
 
 TEST_F(PrinterTest, TheShareNameCountsOnlyWhileThePrinterIsShared) {

@@ -8,8 +8,8 @@
 #include <thread>
 #include <vector>
 
+#include "FailureOf.h"
 #include "TemporaryFolder.h"
-#include "substitute/Failure.h"
 #include "substitute/VqsFormat.h"
 
 namespace {
@@ -22,13 +22,9 @@ const Bytes kNew = {4, 5, 6, 7, 8};
 class SettingsFileTest : public testing::Test {
   protected:
     HRESULT StatusOf(const std::function<void()>& work) {
-        try {
-            work();
-            return S_OK;
-        } catch (const Failure& failure) {
-            reason = failure.reason;
-            return failure.status;
-        }
+        const Failure failure = FailureOf(work);
+        reason = failure.reason;
+        return failure.status;
     }
     Bytes Read(const std::wstring& file) { return ReadSettingsFile(file, kMaximumVqsSize); }
 

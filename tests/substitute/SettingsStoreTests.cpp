@@ -5,8 +5,8 @@
 
 #include <functional>
 
+#include "FailureOf.h"
 #include "SettingsSamples.h"
-#include "substitute/Failure.h"
 #include "substitute/SettingsBuffer.h"
 
 namespace {
@@ -18,13 +18,9 @@ class SettingsStoreTest : public testing::Test {
     SettingsStoreTest() { api.state = MakeRichState(); }
 
     HRESULT StatusOf(const std::function<void()>& work) {
-        try {
-            work();
-            return S_OK;
-        } catch (const Failure& failure) {
-            reason = failure.reason;
-            return failure.status;
-        }
+        const Failure failure = FailureOf(work);
+        reason = failure.reason;
+        return failure.status;
     }
     /// Lets each call of `work` fail in turn: each time the printer has to be as before.
     void FailEveryCall(const std::function<void()>& work) {

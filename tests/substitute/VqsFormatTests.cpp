@@ -6,29 +6,19 @@
 #include <functional>
 #include <string_view>
 
+#include "FailureOf.h"
 #include "SettingsSamples.h"
-#include "substitute/Failure.h"
 
 namespace {
 
 using namespace kemba::substitute;
 
 HRESULT DecodeStatus(const Bytes& bytes) {
-    try {
-        DecodeVqs(bytes);
-        return S_OK;
-    } catch (const Failure& failure) {
-        return failure.status;
-    }
+    return FailureOf([&] { DecodeVqs(bytes); }).status;
 }
 
 HRESULT EncodeStatus(const Settings& settings) {
-    try {
-        EncodeVqs(settings);
-        return S_OK;
-    } catch (const Failure& failure) {
-        return failure.status;
-    }
+    return FailureOf([&] { EncodeVqs(settings); }).status;
 }
 
 void PutNumber(Bytes& bytes, std::size_t offset, std::uint32_t number) {
