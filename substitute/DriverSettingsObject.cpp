@@ -15,10 +15,6 @@ void NeedOmitted(const VARIANT& option) {
     }
 }
 
-std::wstring PathOf(BSTR path) {
-    return std::wstring(path ? path : L"", SysStringLen(path));
-}
-
 /// Work on a file, which has to be named by an absolute path: any other would be looked for in the server's
 /// folder. A failure says which file it was.
 template<class Work>
@@ -39,7 +35,7 @@ void WithFile(const wchar_t* what, const std::wstring& path, Work&& work) {
 HRESULT DriverSettingsObject::ImportSettings(BSTR path, VARIANT option) noexcept {
     return Answer(L"ImportSettings", [&] {
         NeedOmitted(option);
-        const std::wstring file = PathOf(path);
+        const std::wstring file = TextFrom(path);
         WithFile(L"importing the settings of", file, [&] {
             SettingsStore(m_api, m_printer->GetName())
                 .Apply(DecodeVqs(ReadSettingsFile(file, kMaximumVqsSize)));
@@ -50,7 +46,7 @@ HRESULT DriverSettingsObject::ImportSettings(BSTR path, VARIANT option) noexcept
 HRESULT DriverSettingsObject::ExportSettings(BSTR path, VARIANT option) noexcept {
     return Answer(L"ExportSettings", [&] {
         NeedOmitted(option);
-        const std::wstring file = PathOf(path);
+        const std::wstring file = TextFrom(path);
         WithFile(L"exporting the settings to", file, [&] {
             WriteSettingsFile(file, EncodeVqs(SettingsStore(m_api, m_printer->GetName()).Read()));
         });

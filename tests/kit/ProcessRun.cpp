@@ -5,6 +5,7 @@
 #include "tests/kit/Environment.h"
 #include "tests/kit/OutputChannel.h"
 
+#include <filesystem>
 #include <stdexcept>
 
 namespace kit {
@@ -20,6 +21,8 @@ std::wstring FolderOfThisProgram() {
 } // namespace
 
 std::wstring ProgramPath(std::wstring_view name) {
+    if (std::filesystem::path(name).is_absolute())
+        return std::wstring(name);
     const std::wstring folder = EnvironmentVariable(L"KEMBA_PROGRAMS");
     return (folder.empty() ? FolderOfThisProgram() : folder) + L"\\" + std::wstring(name);
 }

@@ -25,10 +25,10 @@ struct ProcessResult {
 };
 
 /// Path of a built program, "kemba.exe" for one: in the folder that the environment variable KEMBA_PROGRAMS
-/// names, and without that in the folder of the running test program.
+/// names, and without that in the folder of the running test program. An absolute path stands for itself.
 std::wstring ProgramPath(std::wstring_view name);
 
-/// Starts a built program with the words and waits for its end; standard input is empty.
+/// Starts a program, which ProgramPath finds, with the words and waits for its end; standard input is empty.
 /// Throws std::runtime_error with the system's error number when it cannot be started.
 ProcessResult RunProgram(std::wstring_view name, const std::vector<std::wstring>& words,
                          const ProcessOptions& options = {});

@@ -8,9 +8,9 @@
 
 #include "FailureOf.h"
 #include "ProfileFolder.h"
-#include "ServerProgram.h"
 #include "Texts.h"
 #include "substitute/ContractTypes.h"
+#include "tests/kit/ProcessRun.h"
 
 namespace {
 
@@ -172,7 +172,7 @@ TEST(ActionProfileFolder, IsTheRegistrysOrElseBesideTheProgram) {
 }
 
 TEST(ActionProfile, TheSampleThatShipsIsUnderstood) {
-    const std::wstring program = ServerProgramPath();
+    const std::wstring program = kit::ProgramPath(L"kemba-dal.exe");
     const std::wstring folder = program.substr(0, program.rfind(L'\\')) + L"\\profiles";
     const auto sample = ActionProfiles([&] { return folder; }).Find(L"escpos-receipt", L"");
     ASSERT_TRUE(sample);

@@ -89,9 +89,8 @@ TEST_F(AutomationObjectTest, TheTypeInformationIsThatOfTheInterface) {
     UINT count = 0;
     EXPECT_EQ(automation->GetTypeInfoCount(&count), S_OK);
     EXPECT_EQ(count, 1u);
-    ITypeInfo* given = nullptr;
-    ASSERT_EQ(automation->GetTypeInfo(0, 0, &given), S_OK);
-    const ComPtr<ITypeInfo> information(given);
+    ComPtr<ITypeInfo> information;
+    ASSERT_EQ(automation->GetTypeInfo(0, 0, information.Put()), S_OK);
     TYPEATTR* attributes = nullptr;
     ASSERT_EQ(information->GetTypeAttr(&attributes), S_OK);
     EXPECT_EQ(attributes->guid, __uuidof(IDriverAutomation));

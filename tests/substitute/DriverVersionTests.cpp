@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "ObjectFixture.h"
-#include "ServerProgram.h"
 #include "Texts.h"
+#include "tests/kit/ProcessRun.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ TEST(DriverVersion, IsFourPartsOfSixteenBits) {
 }
 
 TEST(DriverVersion, ADriverWithoutOneHasThatOfItsFile) {
-    const std::wstring program = ServerProgramPath();
+    const std::wstring program = kit::ProgramPath(L"kemba-dal.exe");
     EXPECT_EQ(DriverVersionText({.version = 0, .date = {}, .provider = L"", .path = program}), L"1.0.0.0");
     EXPECT_EQ(DriverVersionText({.version = 1, .date = {}, .provider = L"", .path = program}), L"0.0.0.1");
 }

@@ -7,6 +7,7 @@
 #include <iterator>
 
 #include "ServerProgram.h"
+#include "tests/kit/ProcessRun.h"
 
 namespace {
 
@@ -43,8 +44,10 @@ void ExpectClassEntries(HKEY root) {
         EXPECT_EQ(ReadRegistryText(root, key, L"AppID"), kApplication);
         EXPECT_EQ(ReadRegistryText(root, key + L"\\TypeLib"), kLibrary);
         EXPECT_EQ(ReadRegistryText(root, key + L"\\Version"), L"1.0");
-        EXPECT_EQ(ReadRegistryText(root, key + L"\\LocalServer32"), L"\"" + ServerProgramPath() + L"\"");
-        EXPECT_EQ(ReadRegistryText(root, key + L"\\LocalServer32", L"ServerExecutable"), ServerProgramPath());
+        EXPECT_EQ(ReadRegistryText(root, key + L"\\LocalServer32"),
+                  L"\"" + kit::ProgramPath(L"kemba-dal.exe") + L"\"");
+        EXPECT_EQ(ReadRegistryText(root, key + L"\\LocalServer32", L"ServerExecutable"),
+                  kit::ProgramPath(L"kemba-dal.exe"));
     }
     for (std::size_t index = 0; index < std::size(kClassIds); ++index) {
         const std::wstring name = kProgramIds[index];
@@ -59,7 +62,7 @@ void ExpectLibraryEntries(HKEY root) {
     const std::wstring classes = std::wstring(kClasses) + L"\\";
     const auto library = ReadRegistryText(root, classes + L"TypeLib\\" + kLibrary + L"\\1.0\\0\\win64");
     ASSERT_TRUE(library);
-    EXPECT_EQ(Lowered(*library), Lowered(ServerProgramPath()));
+    EXPECT_EQ(Lowered(*library), Lowered(kit::ProgramPath(L"kemba-dal.exe")));
     for (const std::wstring& id : kInterfaceIds) {
         SCOPED_TRACE(id);
         const std::wstring key = classes + L"Interface\\" + id;
@@ -91,6 +94,11 @@ void ExpectSame(const Snapshot& before, const Snapshot& after) {
     EXPECT_EQ(Added(after.user, before.user), nothing);
 }
 
+/// The server program's exit status.
+DWORD RunServer(const std::vector<std::wstring>& words) {
+    return kit::RunProgram(L"kemba-dal.exe", words).status;
+}
+
 class RegistrationTest : public testing::Test {
   protected:
     RegistrationTest() {
@@ -104,37 +112,37 @@ class RegistrationTest : public testing::Test {
 
   private:
     static void RemoveAll() {
-        RunServerProgram(L"/unregserver");
-        RunServerProgram(L"/unregserver /user");
+        RunServer({L"/unregserver"});
+        RunServer({L"/unregserver", L"/user"});
     }
 };
 
 TEST_F(RegistrationTest, ForTheMachineWritesAllEntriesAndLeavesNothingBehind) {
     const Snapshot before;
-    ASSERT_EQ(RunServerProgram(L"/regserver"), 0);
+    ASSERT_EQ(RunServer({L"/regserver"}), 0U);
     ExpectClassEntries(HKEY_LOCAL_MACHINE);
     ExpectLibraryEntries(HKEY_LOCAL_MACHINE);
     EXPECT_EQ(Added(before.user, Snapshot().user), std::vector<std::wstring>());
-    ASSERT_EQ(RunServerProgram(L"/unregserver"), 0);
+    ASSERT_EQ(RunServer({L"/unregserver"}), 0U);
     ExpectSame(before, Snapshot());
 }
 
 // Where the library's entries go is not looked at: Wine writes those of a user for the machine.
 TEST_F(RegistrationTest, ForTheUserWritesTheClassesAndLeavesNothingBehind) {
     const Snapshot before;
-    ASSERT_EQ(RunServerProgram(L"/regserver /user"), 0);
+    ASSERT_EQ(RunServer({L"/regserver", L"/user"}), 0U);
     ExpectClassEntries(HKEY_CURRENT_USER);
     EXPECT_FALSE(ReadRegistryText(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + L"\\CLSID\\" + kClassIds[0]));
-    ASSERT_EQ(RunServerProgram(L"/unregserver /user"), 0);
+    ASSERT_EQ(RunServer({L"/unregserver", L"/user"}), 0U);
     ExpectSame(before, Snapshot());
 }
 
 TEST_F(RegistrationTest, MayBeRepeated) {
-    EXPECT_EQ(RunServerProgram(L"/regserver"), 0);
-    EXPECT_EQ(RunServerProgram(L"-RegServer"), 0);
+    EXPECT_EQ(RunServer({L"/regserver"}), 0U);
+    EXPECT_EQ(RunServer({L"-RegServer"}), 0U);
     ExpectClassEntries(HKEY_LOCAL_MACHINE);
-    EXPECT_EQ(RunServerProgram(L"/unregserver"), 0);
-    EXPECT_EQ(RunServerProgram(L"-UnregServer"), 0);
+    EXPECT_EQ(RunServer({L"/unregserver"}), 0U);
+    EXPECT_EQ(RunServer({L"-UnregServer"}), 0U);
 }
 
 } // namespace

@@ -1,11 +1,9 @@
-// Running the server program, and looking at the registry.
+// Looking for the server program's processes, and at the registry.
 #include "ServerProgram.h"
 
 #include <tlhelp32.h>
 
 #include <array>
-#include <fstream>
-#include <iterator>
 #include <memory>
 
 namespace {
@@ -53,60 +51,7 @@ void AppendSnapshot(HKEY key, const std::wstring& path, std::vector<std::wstring
     }
 }
 
-/// Runs a command line and waits for its end; its exit status, or -1. `written` gets its output and errors.
-int RunLine(std::wstring line, std::string* written) {
-    wchar_t folder[MAX_PATH] = {};
-    GetTempPathW(MAX_PATH, folder);
-    const std::wstring file = folder + (L"kemba-dal " + std::to_wstring(GetCurrentProcessId()) + L".txt");
-    SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
-    HeldHandle output(
-        CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr));
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof(startup);
-    startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = output.get();
-    startup.hStdError = output.get();
-    PROCESS_INFORMATION started = {};
-    int status = -1;
-    if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
-                       &started)) {
-        const HeldHandle thread(started.hThread);
-        const HeldHandle process(started.hProcess);
-        DWORD code = 0;
-        if (WaitForSingleObject(process.get(), 60'000) == WAIT_OBJECT_0 &&
-            GetExitCodeProcess(process.get(), &code)) {
-            status = static_cast<int>(code);
-        }
-    }
-    output.reset();
-    if (written) {
-        std::ifstream stream(file.c_str(), std::ios::binary);
-        written->assign(std::istreambuf_iterator<char>(stream), {});
-    }
-    DeleteFileW(file.c_str());
-    return status;
-}
-
-std::wstring ScriptLine(const std::wstring& file, const std::wstring& arguments) {
-    return L"cscript.exe //nologo \"" + file + L"\" " + arguments;
-}
-
 } // namespace
-
-std::wstring ServerProgramPath() {
-    wchar_t path[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    const std::wstring own = path;
-    return own.substr(0, own.rfind(L'\\') + 1) + L"kemba-dal.exe";
-}
-
-int RunServerProgram(const std::wstring& words, std::string* errors) {
-    return RunLine(L"\"" + ServerProgramPath() + L"\" " + words, errors);
-}
-
-int RunScript(const std::wstring& file, const std::wstring& arguments, std::string& output) {
-    return RunLine(ScriptLine(file, arguments), &output);
-}
 
 std::vector<DWORD> RunningServers() {
     std::vector<DWORD> found;

@@ -1,4 +1,4 @@
-// The built server program, run by a test.
+// What the built server program leaves to see: its processes and its registry entries.
 #pragma once
 
 #include <windows.h>
@@ -6,17 +6,6 @@
 #include <optional>
 #include <string>
 #include <vector>
-
-/// Runs the program beside the test program with the given words and waits for its end; its exit status, or
-/// -1 when it did not start or end within a minute. `errors` gets what it wrote to standard error.
-int RunServerProgram(const std::wstring& words, std::string* errors = nullptr);
-
-/// Runs a script with the script host, which gets the arguments as well, and waits for its end; likewise.
-/// `output` gets what it wrote.
-int RunScript(const std::wstring& file, const std::wstring& arguments, std::string& output);
-
-/// Full path of the server program.
-std::wstring ServerProgramPath();
 
 /// Process identifiers of all running server programs.
 std::vector<DWORD> RunningServers();

@@ -13,6 +13,7 @@
 #include "ServerProgram.h"
 #include "demo/WinePrinters.h"
 #include "tests/kit/PrinterPort.h"
+#include "tests/kit/ProcessRun.h"
 #include "tests/kit/TemporaryFile.h"
 
 namespace {
@@ -115,10 +116,10 @@ TEST_F(ServerProgramTest, ServesTwoClientsAtOnce) {
 }
 
 TEST_F(ServerProgramTest, WordsThatItDoesNotKnowGetTheUsageText) {
-    std::string errors;
-    EXPECT_EQ(RunServerProgram(L"/help", &errors), 2);
-    EXPECT_EQ(errors.find("usage: kemba-dal /regserver [/user] "), 0u);
-    EXPECT_EQ(RunServerProgram(L"", &errors), 2);
+    const kit::ProcessResult run = kit::RunProgram(L"kemba-dal.exe", {L"/help"});
+    EXPECT_EQ(run.status, 2u);
+    EXPECT_EQ(run.errors.find("usage: kemba-dal /regserver [/user] "), 0u);
+    EXPECT_EQ(kit::RunProgram(L"kemba-dal.exe", {}).status, 2u);
 }
 
 TEST_F(ServerProgramTest, ChangesAPrinterAndSendsAFileForAClient) {
@@ -200,6 +201,9 @@ TEST_F(ServerProgramTest, ScriptsReadAPrinter) {
          "WScript.Echo(printer.GetComment());\r\n",
          "by the door\r\n"},
     };
+    wchar_t system[MAX_PATH] = {};
+    GetSystemDirectoryW(system, MAX_PATH);
+    const std::wstring scriptHost = std::wstring(system) + L"\\cscript.exe";
     const std::wstring wide = printer.Name();
     const std::string name(wide.begin(), wide.end());
     for (const auto& row : rows) {
@@ -209,9 +213,10 @@ TEST_F(ServerProgramTest, ScriptsReadAPrinter) {
         if (const auto place = expected.find("\"P\""); place != expected.npos) {
             expected.replace(place + 1, 1, name);
         }
-        std::string output;
-        EXPECT_EQ(RunScript(script.Path(), L"\"" + printer.Name() + L"\"", output), 0);
-        EXPECT_EQ(output, expected);
+        const kit::ProcessResult run =
+            kit::RunProgram(scriptHost, {L"//nologo", script.Path(), printer.Name()});
+        EXPECT_EQ(run.status, 0u);
+        EXPECT_EQ(run.output, expected);
     }
 }
 
