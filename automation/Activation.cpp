@@ -48,6 +48,14 @@ IUnknown* ActivateObject(REFCLSID classId, REFIID interfaceId) {
     return result;
 }
 
+OwnedBstr TextArgument(std::wstring_view text) {
+    OwnedBstr argument = OwnedBstr::Copy(text);
+    if (!argument) {
+        throw ComError(E_OUTOFMEMORY);
+    }
+    return argument;
+}
+
 void CheckCall(HRESULT status, IUnknown* called, REFIID interfaceId) {
     if (FAILED(status)) {
         throw ComError(status, TakeErrorInformation(called, interfaceId));

@@ -3,8 +3,10 @@
 
 #include <DriverAutomation.h>
 
+#include <string_view>
 #include <utility>
 
+#include "automation/ComError.h"
 #include "automation/Owners.h"
 #include "core/OString.h"
 
@@ -26,6 +28,9 @@ void RequirePointer(const ComPtr<Interface>& pointer) {
         throw ComError(E_POINTER);
     }
 }
+
+/// A text as an argument, never null; throws ComError(E_OUTOFMEMORY) when it cannot be allocated.
+OwnedBstr TextArgument(std::wstring_view text);
 
 /// `ActivateObject`, typed.
 template<class Class, class Interface>
@@ -63,7 +68,7 @@ ComPtr<Part> CallForObject(const ComPtr<Interface>& object, HRESULT (Interface::
 template<class Interface>
 void CallWithText(const ComPtr<Interface>& object, HRESULT (Interface::*operation)(BSTR),
                   const OString& text) {
-    Call(object, operation, OwnedBstr(text.Wide()).Get());
+    Call(object, operation, TextArgument(text.Wide()).Get());
 }
 
 /// A fresh automation object, bound to the printer; throws ComError.

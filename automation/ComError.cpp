@@ -12,16 +12,6 @@ constexpr unsigned long kLastInterfaceStatus = 0x8004FFFF;
 
 constexpr std::size_t kMessageCharacters = 32;
 
-/// The system's text, or null; for LocalFree.
-wchar_t* SystemText(HRESULT status) {
-    wchar_t* text = nullptr;
-    FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
-                       FORMAT_MESSAGE_IGNORE_INSERTS,
-                   nullptr, static_cast<DWORD>(status), MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT),
-                   reinterpret_cast<wchar_t*>(&text), 0, nullptr);
-    return text;
-}
-
 /// Removes one line end, LF or CR LF, from a text of at least 2 characters.
 void RemoveLineEnd(wchar_t* text) {
     const std::size_t length = std::wcslen(text);
@@ -34,47 +24,46 @@ void RemoveLineEnd(wchar_t* text) {
     }
 }
 
-/// A text with the status's number, or null; for LocalFree.
-wchar_t* NumberText(HRESULT status) {
-    auto* const text = static_cast<wchar_t*>(LocalAlloc(LPTR, kMessageCharacters * sizeof(wchar_t)));
-    const auto number = static_cast<unsigned long>(status);
-    if (text && number > kFirstInterfaceStatus && number <= kLastInterfaceStatus) {
-        wsprintfW(text, L"IDispatch error #%d", number - kFirstInterfaceStatus);
-    } else if (text) {
-        wsprintfW(text, L"Unknown error 0x%0lX", number);
-    }
-    return text;
-}
-
 } // namespace
 
 ComError::ComError(HRESULT status, IErrorInfo* information) noexcept
     : m_status(status), m_information(information) {}
 
 ComError::ComError(const ComError& other) noexcept
-    : m_status(other.m_status), m_information(other.m_information) {
-    if (m_information) {
-        m_information->AddRef();
-    }
-}
-
-ComError::~ComError() {
-    LocalFree(m_message);
-    if (m_information) {
-        m_information->Release();
-    }
-}
+    : m_status(other.m_status), m_information(ComPtr<IErrorInfo>::Share(other.GetInformation())) {}
 
 const wchar_t* ComError::GetMessageText() const {
     if (!m_message) {
         m_message = SystemText(m_status);
         if (m_message) {
-            RemoveLineEnd(m_message);
+            RemoveLineEnd(m_message.get());
         } else {
             m_message = NumberText(m_status);
         }
     }
-    return m_message ? m_message : L"";
+    return m_message ? m_message.get() : L"";
+}
+
+/// The system's text, or null.
+ComError::Message ComError::SystemText(HRESULT status) {
+    wchar_t* text = nullptr;
+    FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
+                       FORMAT_MESSAGE_IGNORE_INSERTS,
+                   nullptr, static_cast<DWORD>(status), MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT),
+                   reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+    return Message(text);
+}
+
+/// A text with the status's number, or null.
+ComError::Message ComError::NumberText(HRESULT status) {
+    Message text(static_cast<wchar_t*>(LocalAlloc(LPTR, kMessageCharacters * sizeof(wchar_t))));
+    const auto number = static_cast<unsigned long>(status);
+    if (text && number > kFirstInterfaceStatus && number <= kLastInterfaceStatus) {
+        wsprintfW(text.get(), L"IDispatch error #%d", number - kFirstInterfaceStatus);
+    } else if (text) {
+        wsprintfW(text.get(), L"Unknown error 0x%0lX", number);
+    }
+    return text;
 }
 
 } // namespace kemba

@@ -5,6 +5,10 @@
 
 #include <oaidl.h>
 
+#include <memory>
+
+#include "automation/Owners.h"
+
 namespace kemba {
 
 /// A failing status (HRESULT), where the server gave it its error information, and a message text made on
@@ -15,19 +19,26 @@ class ComError {
     explicit ComError(HRESULT status, IErrorInfo* information = nullptr) noexcept;
     ComError(const ComError& other) noexcept;
     ComError& operator=(const ComError&) = delete;
-    ~ComError();
 
     HRESULT GetStatus() const { return m_status; }
     /// The error information, still owned by this error; may be null.
-    IErrorInfo* GetInformation() const { return m_information; }
+    IErrorInfo* GetInformation() const { return m_information.Get(); }
     /// The system's text for the status without its line end, or a text with the status's number; owned by
     /// this error.
     const wchar_t* GetMessageText() const;
 
   private:
+    struct LocalFreer {
+        void operator()(wchar_t* text) const noexcept { LocalFree(text); }
+    };
+    using Message = std::unique_ptr<wchar_t, LocalFreer>;
+
+    static Message SystemText(HRESULT status);
+    static Message NumberText(HRESULT status);
+
     HRESULT m_status;
-    IErrorInfo* m_information;            // owned
-    mutable wchar_t* m_message = nullptr; // from LocalAlloc, owned
+    ComPtr<IErrorInfo> m_information;
+    mutable Message m_message;
 };
 
 } // namespace kemba

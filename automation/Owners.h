@@ -1,4 +1,5 @@
-// Move-only owners of what crosses the automation boundary: interface pointers, BSTRs and VARIANTs.
+// Move-only owners of what crosses the automation boundary: interface pointers, BSTRs and VARIANTs. None of
+// them throws.
 #pragma once
 
 #include <windows.h>
@@ -8,8 +9,6 @@
 
 #include <string_view>
 #include <utility>
-
-#include "automation/ComError.h"
 
 namespace kemba {
 
@@ -69,13 +68,11 @@ ComPtr<Object> MakeObject(Arguments&&... arguments) {
 class OwnedBstr {
   public:
     OwnedBstr() = default;
-    /// A copy of the text, never null, not even for an empty text; throws ComError(E_OUTOFMEMORY) when it
-    /// cannot be allocated.
-    explicit OwnedBstr(std::wstring_view text)
-        : m_text(SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {
-        if (!m_text) {
-            throw ComError(E_OUTOFMEMORY);
-        }
+    /// A copy of the text, not null even for an empty text: null means that it could not be allocated.
+    [[nodiscard]] static OwnedBstr Copy(std::wstring_view text) noexcept {
+        OwnedBstr copy;
+        copy.m_text = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+        return copy;
     }
     OwnedBstr(OwnedBstr&& other) noexcept : m_text(std::exchange(other.m_text, nullptr)) {}
     OwnedBstr& operator=(OwnedBstr&& other) noexcept {
@@ -85,6 +82,7 @@ class OwnedBstr {
     ~OwnedBstr() { SysFreeString(m_text); }
 
     BSTR Get() const { return m_text; }
+    explicit operator bool() const { return m_text != nullptr; }
     /// Zero-terminated and never null: a null BSTR counts as the empty text.
     const wchar_t* Text() const { return m_text ? m_text : L""; }
 

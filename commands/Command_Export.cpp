@@ -43,7 +43,7 @@ void Command_Export::Export(const OString& printerName) {
     const auto automation = ActivateForPrinter(printerName);
     {
         const auto settings = CallForObject(automation, &IDriverAutomation::GetSettings);
-        Call(settings, &IDriverSettings::ExportSettings, OwnedBstr(GetArguments().front()).Get(),
+        Call(settings, &IDriverSettings::ExportSettings, TextArgument(GetArguments().front()).Get(),
              OwnedVariant::Omitted().Get());
     }
     GetConsole().PrintMessage("text:ExportSettingsExported", printerName);

@@ -24,7 +24,7 @@ bool Command_Import::Execute(const OString& printerName) {
         const auto automation = ActivateForPrinter(printerName);
         {
             const auto settings = CallForObject(automation, &IDriverAutomation::GetSettings);
-            Call(settings, &IDriverSettings::ImportSettings, OwnedBstr(path.Wide()).Get(),
+            Call(settings, &IDriverSettings::ImportSettings, TextArgument(path.Wide()).Get(),
                  OwnedVariant::Omitted().Get());
         }
         GetConsole().PrintMessage("text:ImportSettingsImported", printerName);

@@ -23,7 +23,8 @@ bool Command_Send::Execute(const OString& printerName) {
             throw L"error:FileNotFound";
         }
         const auto automation = ActivateForPrinter(printerName);
-        Call(automation, &IDriverAutomation::SendFile, OwnedBstr(path.Wide()).Get(), OwnedBstr(L"").Get());
+        Call(automation, &IDriverAutomation::SendFile, TextArgument(path.Wide()).Get(),
+             TextArgument(L"").Get());
         GetConsole().PrintMessage("text:FileSent", printerName);
         return true;
     } catch (const ComError&) {

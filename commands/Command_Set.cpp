@@ -31,7 +31,7 @@ bool Command_Set::Execute(const OString& printerName) {
     }
     return ExecuteReporting(GetConsole(), m_rejectedArgument, [&] {
         const auto automation = ActivateForPrinter(printerName);
-        const OwnedBstr value(GetArguments()[1]);
+        const OwnedBstr value = TextArgument(GetArguments()[1]);
         // Bound first: a wrong word is rejected only where the printer can be reached.
         const Field& field = FindRow(kFields, GetArguments().front(), m_rejectedArgument);
         Call(automation, field.write, value.Get());

@@ -182,12 +182,23 @@ TEST_F(Activation, ArgumentsArriveAsTheyAre) {
     const auto request = Activate<DriverActions, IDriverActions>();
     Call(request, &IDriverActions::PutExecute, static_cast<VARIANT_BOOL>(1));
     Call(automation, &IDriverAutomation::PerformAction, 30L, OwnedVariant(request.Get()).Get());
-    Call(automation, &IDriverAutomation::SendFile, OwnedBstr(L"a.prn").Get(), OwnedBstr(L"").Get());
+    Call(automation, &IDriverAutomation::SendFile, kemba::TextArgument(L"a.prn").Get(),
+         kemba::TextArgument(L"").Get());
     EXPECT_EQ(server.Calls(),
               (Lines{"DriverAutomation#1.PutPrinterName(\"Label A\")", "DriverAutomation#1.GetSettings()",
                      "DriverSettings#1.ResetSettings(VT_ERROR:0x80020004)", "DriverActions#1.PutExecute(1)",
                      "DriverAutomation#1.PerformAction(30, VT_DISPATCH:DriverActions#1)",
                      "DriverAutomation#1.SendFile(\"a.prn\", \"\")"}));
+}
+
+TEST(TextArgument, ATextThatCannotBeAllocatedIsOutOfMemory) {
+    try {
+        kemba::TextArgument(std::wstring_view(L"", 0x7FFFFFFF)); // more than a BSTR can count, and never read
+        FAIL() << "allocated";
+    } catch (const kemba::ComError& error) {
+        EXPECT_EQ(error.GetStatus(), E_OUTOFMEMORY);
+        EXPECT_EQ(error.GetInformation(), nullptr);
+    }
 }
 
 } // namespace

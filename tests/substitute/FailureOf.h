@@ -5,7 +5,7 @@
 
 #include <utility>
 
-#include "substitute/Failure.h"
+#include "substitute/base/Failure.h"
 
 /// Does the work; its failure, or S_OK without a reason when it has none.
 template<class Work>

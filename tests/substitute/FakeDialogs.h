@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "substitute/PrinterDialogs.h"
+#include "substitute/spooler/PrinterDialogs.h"
 
 class FakeDialogs : public kemba::substitute::PrinterDialogs {
   public:

@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "FakeSettingsApi.h"
-#include "substitute/PrinterApi.h"
+#include "substitute/spooler/PrinterApi.h"
+#include "tests/substitute/FakeSettingsApi.h"
 
 class FakePrinterApi : public kemba::substitute::PrinterApi {
   public:

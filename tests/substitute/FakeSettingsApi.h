@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "substitute/SettingsApi.h"
+#include "substitute/spooler/SettingsApi.h"
 
 /// A device mode with a private part, whose number of copies tells one from another.
 inline kemba::substitute::Bytes MakeMode(short copies, WORD privateSize = 8) {

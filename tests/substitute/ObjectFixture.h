@@ -8,14 +8,14 @@
 
 #include <string>
 
-#include "FakeDialogs.h"
-#include "FakePrinterApi.h"
-#include "substitute/DriverAutomationObject.h"
+#include "substitute/objects/DriverAutomationObject.h"
+#include "tests/substitute/FakeDialogs.h"
+#include "tests/substitute/FakePrinterApi.h"
 
 /// A BSTR argument for one call.
 class InText {
   public:
-    explicit InText(const std::wstring& text) : m_text(text) {}
+    explicit InText(const std::wstring& text) : m_text(kemba::OwnedBstr::Copy(text)) {}
     operator BSTR() const { return m_text.Get(); }
 
   private:

@@ -1,7 +1,7 @@
 // Printers' settings for tests.
 #pragma once
 
-#include "FakeSettingsApi.h"
+#include "tests/substitute/FakeSettingsApi.h"
 
 /// A printer with both device modes and values of several kinds, in two keys.
 inline FakeSettingsApi::State MakeRichState() {

@@ -1,0 +1,18 @@
+// Carrying out an action, or asking whether it can be done.
+#pragma once
+
+#include "substitute/actions/ActionRequest.h"
+#include "substitute/objects/ServerContext.h"
+#include "substitute/spooler/Printer.h"
+
+namespace kemba::substitute {
+
+/// The request that a client passed, directly or by reference; the caller owns the reference. Throws Failure
+/// (E_INVALIDARG) when it is no request of this server.
+ComPtr<IActionRequest> RequestFrom(const VARIANT& argument);
+
+/// Carries the action of that code out on the printer, or only tells whether it could. What cannot be done
+/// is no failure but not supported. Throws Failure; the printer has been sent nothing then.
+ActionOutcome PerformActionOn(const ServerContext& context, const Printer& printer, LONG code, bool execute);
+
+} // namespace kemba::substitute

@@ -1,0 +1,63 @@
+// Settings between a printer and a file.
+#include "substitute/objects/DriverSettingsObject.h"
+
+#include "substitute/base/AbsolutePath.h"
+#include "substitute/settings/SettingsFile.h"
+#include "substitute/settings/SettingsStore.h"
+#include "substitute/settings/VqsFormat.h"
+
+namespace kemba::substitute {
+namespace {
+
+void NeedOmitted(const VARIANT& option) {
+    if (V_VT(&option) != VT_ERROR || V_ERROR(&option) != DISP_E_PARAMNOTFOUND) {
+        throw Failure{E_INVALIDARG, L"the optional argument has to be omitted"};
+    }
+}
+
+/// Work on a file, which has to be named by an absolute path: any other would be looked for in the server's
+/// folder. A failure says which file it was.
+template<class Work>
+void WithFile(const wchar_t* what, const std::wstring& path, Work&& work) {
+    try {
+        if (!IsAbsolutePath(path)) {
+            throw WindowsFailure(L"the path is not absolute", ERROR_BAD_PATHNAME);
+        }
+        work();
+    } catch (Failure& failure) {
+        failure.reason = what + (L" \"" + path + L"\": ") + failure.reason;
+        throw;
+    }
+}
+
+} // namespace
+
+HRESULT DriverSettingsObject::ImportSettings(BSTR path, VARIANT option) noexcept {
+    return Answer(L"ImportSettings", [&] {
+        NeedOmitted(option);
+        const std::wstring file = TextFrom(path);
+        WithFile(L"importing the settings of", file, [&] {
+            SettingsStore(m_api, m_printer->GetName())
+                .Apply(DecodeVqs(ReadSettingsFile(file, kMaximumVqsSize)));
+        });
+    });
+}
+
+HRESULT DriverSettingsObject::ExportSettings(BSTR path, VARIANT option) noexcept {
+    return Answer(L"ExportSettings", [&] {
+        NeedOmitted(option);
+        const std::wstring file = TextFrom(path);
+        WithFile(L"exporting the settings to", file, [&] {
+            WriteSettingsFile(file, EncodeVqs(SettingsStore(m_api, m_printer->GetName()).Read()));
+        });
+    });
+}
+
+HRESULT DriverSettingsObject::ResetSettings(VARIANT option) noexcept {
+    return Answer(L"ResetSettings", [&] {
+        NeedOmitted(option);
+        SettingsStore(m_api, m_printer->GetName()).Reset();
+    });
+}
+
+} // namespace kemba::substitute

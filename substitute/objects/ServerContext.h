@@ -1,0 +1,21 @@
+// What the server's objects work with.
+#pragma once
+
+#include "substitute/actions/ActionProfile.h"
+#include "substitute/objects/ContractTypes.h"
+#include "substitute/server/ServerProcess.h"
+#include "substitute/spooler/PrinterApi.h"
+#include "substitute/spooler/PrinterDialogs.h"
+
+namespace kemba::substitute {
+
+/// Made once per process and given to every object; all of it outlives them and may be used from any thread.
+struct ServerContext {
+    PrinterApi& printers;
+    PrinterDialogs& dialogs;
+    const ActionProfiles& profiles;
+    ServerProcess& process;
+    const ContractTypes& types;
+};
+
+} // namespace kemba::substitute

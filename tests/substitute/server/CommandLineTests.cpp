@@ -1,0 +1,44 @@
+// The server program's words.
+#include "substitute/server/CommandLine.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace kemba::substitute;
+using Verb = CommandLine::Verb;
+
+TEST(CommandLine, WordsAreUnderstoodAsAWholeOrNotAtAll) {
+    const struct {
+        std::vector<std::wstring_view> words;
+        Verb verb;
+        Scope scope = Scope::Machine;
+    } rows[] = {
+        {{L"/regserver"}, Verb::Register},
+        {{L"-RegServer"}, Verb::Register},
+        {{L"/regserver", L"/user"}, Verb::Register, Scope::CurrentUser},
+        {{L"/unregserver"}, Verb::Unregister},
+        {{L"-UNREGSERVER", L"-User"}, Verb::Unregister, Scope::CurrentUser},
+        {{L"-Embedding"}, Verb::Serve},
+        {{L"/Embedding"}, Verb::Serve},
+        {{L"/automation"}, Verb::Serve},
+        {{L"-Automation"}, Verb::Serve},
+        {{}, Verb::Usage},
+        {{L""}, Verb::Usage},
+        {{L"regserver"}, Verb::Usage},
+        {{L"/reg"}, Verb::Usage},
+        {{L"/user"}, Verb::Usage},
+        {{L"/user", L"/regserver"}, Verb::Usage},
+        {{L"/regserver", L"/all"}, Verb::Usage},
+        {{L"/regserver", L"/user", L"/user"}, Verb::Usage},
+        {{L"-Embedding", L"/user"}, Verb::Usage},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.words.empty() ? std::wstring(L"no word") : std::wstring(row.words.front()));
+        const CommandLine read = ParseCommandLine(row.words);
+        EXPECT_EQ(read.verb, row.verb);
+        EXPECT_EQ(read.scope, row.scope);
+    }
+}
+
+} // namespace

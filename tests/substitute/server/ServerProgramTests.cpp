@@ -1,0 +1,258 @@
+// The built server program as its clients meet it: in a process of its own, through its registration.
+#include <windows.h>
+
+#include <DriverAutomation.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "demo/WinePrinters.h"
+#include "tests/kit/PrinterPort.h"
+#include "tests/kit/ProcessRun.h"
+#include "tests/kit/TemporaryFile.h"
+#include "tests/substitute/ObjectFixture.h"
+#include "tests/substitute/ServerProgram.h"
+
+namespace {
+
+using kemba::ComPtr;
+using namespace kemba::substitute;
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+/// A client's apartment; kemba's own is single-threaded.
+class ServerProgramTest : public testing::Test {
+  protected:
+    ServerProgramTest() { CoInitialize(nullptr); }
+    ~ServerProgramTest() override { CoUninitialize(); }
+};
+
+template<class Interface>
+ComPtr<Interface> Activate(REFCLSID classId) {
+    void* object = nullptr;
+    const HRESULT status =
+        CoCreateInstance(classId, nullptr, CLSCTX_LOCAL_SERVER, __uuidof(Interface), &object);
+    EXPECT_EQ(status, S_OK);
+    return ComPtr<Interface>(static_cast<Interface*>(object));
+}
+
+/// A script of a test's own; deleted in the end.
+class ScriptFile {
+  public:
+    ScriptFile(const wchar_t* extension, const std::string& text)
+        : m_path(std::filesystem::temp_directory_path() /
+                 (L"kemba script " + std::to_wstring(GetCurrentProcessId()) + extension)) {
+        std::ofstream(m_path, std::ios::binary) << text;
+    }
+    ScriptFile(const ScriptFile&) = delete;
+    ScriptFile& operator=(const ScriptFile&) = delete;
+    ~ScriptFile() {
+        std::error_code ignored;
+        std::filesystem::remove(m_path, ignored);
+    }
+    std::wstring Path() const { return m_path.wstring(); }
+
+  private:
+    std::filesystem::path m_path;
+};
+
+void ExpectComment(const demo::Printer& printer, const std::wstring& comment) {
+    const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
+    ASSERT_TRUE(automation);
+    ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
+    std::wstring text;
+    EXPECT_EQ(ReadText(*automation, &IDriverAutomation::GetComment, text), S_OK);
+    EXPECT_EQ(text, comment);
+}
+
+TEST_F(ServerProgramTest, ReadsAPrinterForAClient) {
+    const demo::Printer printer({.comment = L"far away \x65E5", .location = L"", .shareName = L""});
+    ExpectComment(printer, L"far away \x65E5");
+    const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
+    ASSERT_TRUE(automation);
+    ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
+    ComPtr<IPrinterInformation> information;
+    ASSERT_EQ(automation->GetPrinterInformation(information.Put()), S_OK);
+    std::wstring status;
+    EXPECT_EQ(ReadText(*information, &IPrinterInformation::GetStatus, status), S_OK);
+    EXPECT_EQ(status, L"Ready");
+}
+
+TEST_F(ServerProgramTest, StatusesOfFailuresReachTheClient) {
+    const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
+    ASSERT_TRUE(automation);
+    EXPECT_EQ(automation->PutPrinterName(InText(L"No such printer")),
+              HRESULT_FROM_WIN32(ERROR_INVALID_PRINTER_NAME));
+    std::wstring text;
+    EXPECT_EQ(ReadText(*automation, &IDriverAutomation::GetComment, text), E_UNEXPECTED);
+    EXPECT_EQ(automation->Reserved9(), E_NOTIMPL);
+}
+
+TEST_F(ServerProgramTest, EveryClassIsServed) {
+    EXPECT_TRUE(Activate<IDriverActions>(__uuidof(DriverActions)));
+    const auto version = Activate<IVersionInformation>(__uuidof(VersionInformation));
+    ASSERT_TRUE(version);
+    std::wstring text;
+    EXPECT_EQ(ReadText(*version, &IVersionInformation::GetVersion, text), S_OK);
+    EXPECT_EQ(text, L"1.0.0");
+}
+
+TEST_F(ServerProgramTest, ServesTwoClientsAtOnce) {
+    const demo::Printer first({.comment = L"one", .location = L"", .shareName = L""});
+    const demo::Printer second({.comment = L"two", .location = L"", .shareName = L""});
+    const auto client = [](const demo::Printer& printer, const std::wstring& comment) {
+        CoInitialize(nullptr);
+        for (int round = 0; round < 20; ++round) {
+            ExpectComment(printer, comment);
+        }
+        CoUninitialize();
+    };
+    std::thread other(client, std::cref(second), L"two");
+    client(first, L"one");
+    other.join();
+}
+
+TEST_F(ServerProgramTest, WordsThatItDoesNotKnowGetTheUsageText) {
+    const kit::ProcessResult run = kit::RunProgram(L"kemba-dal.exe", {L"/help"});
+    EXPECT_EQ(run.status, 2u);
+    EXPECT_EQ(run.errors.find("usage: kemba-dal /regserver [/user] "), 0u);
+    EXPECT_EQ(kit::RunProgram(L"kemba-dal.exe", {}).status, 2u);
+}
+
+TEST_F(ServerProgramTest, ChangesAPrinterAndSendsAFileForAClient) {
+    const kit::PrinterPort port;
+    const demo::Printer printer({.port = port.Name()});
+    const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
+    ASSERT_TRUE(automation);
+    ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
+    EXPECT_EQ(automation->PutComment(InText(L"changed")), S_OK);
+    ExpectComment(printer, L"changed");
+    const kit::TemporaryFile file("label");
+    EXPECT_EQ(automation->SendFile(InText(file.Path()), InText(L"")), S_OK);
+    EXPECT_EQ(port.Received(5), "label");
+    EXPECT_EQ(automation->SendFile(InText(L"C:\\no such file"), InText(L"")),
+              HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
+}
+
+TEST_F(ServerProgramTest, TheQueueObjectAndItsRefusalReachTheClient) {
+    const demo::Printer printer;
+    const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
+    ASSERT_TRUE(automation);
+    ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
+    ComPtr<IPrinterQueue> queue;
+    ASSERT_EQ(automation->GetPrinterQueue(queue.Put()), S_OK);
+    EXPECT_EQ(queue->Pause(), HRESULT_FROM_WIN32(ERROR_INVALID_LEVEL)); // Wine's spooler cannot
+}
+
+TEST_F(ServerProgramTest, AClientsRequestIsRecognisedInTheServer) {
+    // The printer has the name of the sample's profile, which lies beside the server.
+    const kit::PrinterPort port;
+    const demo::Printer printer(L"escpos-receipt", {.port = port.Name()});
+    const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
+    const auto request = Activate<IDriverActions>(__uuidof(DriverActions));
+    ASSERT_TRUE(automation && request);
+    ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
+    VARIANT argument = {};
+    argument.vt = VT_DISPATCH;
+    argument.pdispVal = request.Get();
+    const auto supported = [&] {
+        VARIANT_BOOL value = 42;
+        EXPECT_EQ(request->GetSupported(&value), S_OK);
+        return value != VARIANT_FALSE;
+    };
+    EXPECT_EQ(request->PutExecute(1), S_OK);
+    EXPECT_EQ(automation->PerformAction(7, argument), S_OK);
+    EXPECT_TRUE(supported());
+    EXPECT_EQ(port.Received(2), "\x1B@");
+    EXPECT_EQ(automation->PerformAction(9, argument), S_OK); // no such entry
+    EXPECT_FALSE(supported());
+    argument.pdispVal = automation.Get();
+    EXPECT_EQ(automation->PerformAction(7, argument), E_INVALIDARG);
+}
+
+TEST_F(ServerProgramTest, ScriptsReadAPrinter) {
+    const demo::Printer printer({.comment = L"by the door", .location = L"", .shareName = L""});
+    const struct {
+        const wchar_t* extension;
+        const char* text;
+        const char* output;
+    } rows[] = {
+        {L".vbs",
+         "Set printer = CreateObject(\"Kemba.DriverAutomation\")\r\n"
+         "printer.PutPrinterName WScript.Arguments(0)\r\n"
+         "printer.GetComment comment\r\n"
+         "WScript.Echo comment & \"/\" & printer.GetComment() & \"/\" & "
+         "printer.GetPrinterInformation().GetStatus()\r\n"
+         "Set request = CreateObject(\"Kemba.DriverActions\")\r\n"
+         "request.PutExecute False\r\n"
+         "printer.PerformAction 9, request\r\n"
+         "WScript.Echo \"supported: \" & request.GetSupported()\r\n"
+         "On Error Resume Next\r\n"
+         "printer.Reserved4\r\n"
+         "WScript.Echo Hex(Err.Number) & \" \" & Err.Description\r\n",
+         "by the door/by the door/Ready\r\nsupported: False\r\n"
+         "80004001 Reserved4 on printer \"P\": this server does not offer the operation\r\n"},
+        {L".js",
+         "var printer = new ActiveXObject(\"Kemba.DriverAutomation\");\r\n"
+         "printer.PutPrinterName(WScript.Arguments(0));\r\n"
+         "WScript.Echo(printer.GetComment());\r\n",
+         "by the door\r\n"},
+    };
+    wchar_t system[MAX_PATH] = {};
+    GetSystemDirectoryW(system, MAX_PATH);
+    const std::wstring scriptHost = std::wstring(system) + L"\\cscript.exe";
+    const std::wstring wide = printer.Name();
+    const std::string name(wide.begin(), wide.end());
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        const ScriptFile script(row.extension, row.text);
+        std::string expected = row.output;
+        if (const auto place = expected.find("\"P\""); place != expected.npos) {
+            expected.replace(place + 1, 1, name);
+        }
+        const kit::ProcessResult run =
+            kit::RunProgram(scriptHost, {L"//nologo", script.Path(), printer.Name()});
+        EXPECT_EQ(run.status, 0u);
+        EXPECT_EQ(run.output, expected);
+    }
+}
+
+/// Run while no other client is there.
+class ServerLifetimeTest : public ServerProgramTest {
+  protected:
+    static void WaitForNoServer() {
+        for (const auto begin = Clock::now(); !RunningServers().empty() && Clock::now() - begin < 30s;) {
+            std::this_thread::sleep_for(100ms);
+        }
+    }
+};
+
+TEST_F(ServerLifetimeTest, TheProcessStartsForTheFirstClientAndGoesSomeSecondsAfterTheLast) {
+    WaitForNoServer();
+    ASSERT_EQ(RunningServers().size(), 0u);
+    auto version = Activate<IVersionInformation>(__uuidof(VersionInformation));
+    auto actions = Activate<IDriverActions>(__uuidof(DriverActions));
+    ASSERT_EQ(RunningServers().size(), 1u); // one process serves all classes
+    version.Reset();
+    std::this_thread::sleep_for(6s); // longer than the grace time, with one object left
+    EXPECT_EQ(RunningServers().size(), 1u);
+    actions.Reset();
+    const auto released = Clock::now();
+    std::this_thread::sleep_for(3s);
+    EXPECT_EQ(RunningServers().size(), 1u);
+    WaitForNoServer();
+    EXPECT_EQ(RunningServers().size(), 0u);
+    EXPECT_LT(Clock::now() - released, 20s);
+}
+
+TEST_F(ServerLifetimeTest, AClientOfANewServerFollowsOneThatHasEnded) {
+    WaitForNoServer();
+    EXPECT_TRUE(Activate<IVersionInformation>(__uuidof(VersionInformation)));
+    WaitForNoServer();
+    EXPECT_TRUE(Activate<IVersionInformation>(__uuidof(VersionInformation)));
+}
+
+} // namespace

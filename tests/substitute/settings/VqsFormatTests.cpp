@@ -1,0 +1,165 @@
+// The settings file's bytes.
+#include "substitute/settings/VqsFormat.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string_view>
+
+#include "tests/substitute/FailureOf.h"
+#include "tests/substitute/SettingsSamples.h"
+
+namespace {
+
+using namespace kemba::substitute;
+
+HRESULT DecodeStatus(const Bytes& bytes) {
+    return FailureOf([&] { DecodeVqs(bytes); }).status;
+}
+
+HRESULT EncodeStatus(const Settings& settings) {
+    return FailureOf([&] { EncodeVqs(settings); }).status;
+}
+
+void PutNumber(Bytes& bytes, std::size_t offset, std::uint32_t number) {
+    for (std::size_t index = 0; index < 4; ++index) {
+        bytes[offset + index] = static_cast<BYTE>(number >> (8 * index));
+    }
+}
+
+/// Makes the size and the checksum fit the other bytes.
+Bytes Sealed(Bytes bytes) {
+    PutNumber(bytes, 12, static_cast<std::uint32_t>(bytes.size()));
+    PutNumber(bytes, bytes.size() - 4, Crc32(std::span(bytes).first(bytes.size() - 4)));
+    return bytes;
+}
+
+constexpr HRESULT kBadData = HRESULT_FROM_WIN32(ERROR_INVALID_DATA);
+
+TEST(VqsFormat, ChecksumIsThatOfTheStandard) {
+    constexpr std::string_view kDigits = "123456789";
+    EXPECT_EQ(Crc32({reinterpret_cast<const BYTE*>(kDigits.data()), kDigits.size()}), 0xCBF43926u);
+    EXPECT_EQ(Crc32({}), 0u);
+}
+
+TEST(VqsFormat, GivesBackWhatItWasGiven) {
+    Settings bare{{L"D", 0}, {}, {}, {}};
+    for (const Settings& settings : {SettingsOf(MakeRichState()), SettingsOf(MakeOtherState()), bare}) {
+        EXPECT_EQ(DecodeVqs(EncodeVqs(settings)), settings);
+    }
+}
+
+TEST(VqsFormat, StandsByteForByteAsDocumented) {
+    const Settings settings{
+        {L"Zip\x00E9", 0x0102030405060708}, {}, {}, {{kDriverDataKey, L"A", REG_DWORD, {1, 2, 3, 4}}}};
+    Bytes expected = {'K', 'V', 'Q', 'S', 13,  10, 26,  0,                  // magic
+                      1,   0,   0,   0,   120, 0,  0,   0,                  // format version, size
+                      4,   0,   0,   0,   'Z', 0,  'i', 0, 'p', 0, 0xE9, 0, // driver
+                      8,   7,   6,   5,   4,   3,  2,   1,                  // its version
+                      0,   0,   0,   0,   0,   0,  0,   0,                  // no device modes
+                      1,   0,   0,   0,                                     // one value
+                      17,  0,   0,   0};
+    for (const char letter : std::string_view("PrinterDriverData")) {
+        expected.insert(expected.end(), {static_cast<BYTE>(letter), 0});
+    }
+    expected.insert(expected.end(), {1, 0, 0, 0, 'A', 0, 4, 0, 0, 0, 4, 0, 0, 0, 1, 2, 3, 4, 0, 0, 0, 0});
+    PutNumber(expected, 12, static_cast<std::uint32_t>(expected.size()));
+    PutNumber(expected, expected.size() - 4, Crc32(std::span(expected).first(expected.size() - 4)));
+    EXPECT_EQ(EncodeVqs(settings), expected);
+}
+
+TEST(VqsFormat, EveryFlippedBitIsNoticed) {
+    const Bytes good = EncodeVqs(SettingsOf(MakeRichState()));
+    for (std::size_t bit = 0; bit < good.size() * 8; ++bit) {
+        Bytes damaged = good;
+        damaged[bit / 8] = static_cast<BYTE>(damaged[bit / 8] ^ 1 << bit % 8);
+        const bool ofVersion = bit / 32 == 2;
+        ASSERT_EQ(DecodeStatus(damaged), ofVersion ? HRESULT_FROM_WIN32(ERROR_REVISION_MISMATCH) : kBadData)
+            << "bit " << bit;
+    }
+}
+
+TEST(VqsFormat, EveryCutIsNoticedEvenWithSizeAndChecksumMadeToFit) {
+    const Bytes good = EncodeVqs(SettingsOf(MakeRichState()));
+    for (std::size_t size = 0; size < good.size(); ++size) {
+        const Bytes cut(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size));
+        ASSERT_EQ(DecodeStatus(cut), kBadData) << size;
+        if (size >= 20) {
+            ASSERT_EQ(DecodeStatus(Sealed(cut)), kBadData) << size;
+        }
+    }
+}
+
+TEST(VqsFormat, WhatFollowsTheLastValueIsRefused) {
+    Bytes bytes = EncodeVqs(SettingsOf(MakeRichState()));
+    bytes.push_back(0);
+    EXPECT_EQ(DecodeStatus(bytes), kBadData);
+    EXPECT_EQ(DecodeStatus(Sealed(bytes)), kBadData);
+}
+
+TEST(VqsFormat, AnotherFormatVersionIsRefusedAsSuch) {
+    Bytes bytes = EncodeVqs(SettingsOf(MakeRichState()));
+    PutNumber(bytes, 8, 2);
+    EXPECT_EQ(DecodeStatus(Sealed(bytes)), HRESULT_FROM_WIN32(ERROR_REVISION_MISMATCH));
+}
+
+TEST(VqsFormat, MoreThanTheLargestFileIsRefusedUnseen) {
+    EXPECT_EQ(DecodeStatus(Bytes(kMaximumVqsSize + 1)), HRESULT_FROM_WIN32(ERROR_FILE_TOO_LARGE));
+}
+
+TEST(VqsFormat, SettingsThatNoFileMayHoldAreNotWritten) {
+    const PrinterValue value{kDriverDataKey, L"A", REG_DWORD, {1, 0, 0, 0}};
+    const auto withValue = [&](const std::function<void(PrinterValue&)>& change) {
+        Settings settings = SettingsOf({});
+        settings.values = {value};
+        change(settings.values[0]);
+        return settings;
+    };
+    const auto withMode = [](const std::function<void(Bytes&)>& change) {
+        Settings settings = SettingsOf({});
+        settings.userMode = MakeMode(1);
+        change(*settings.userMode);
+        return settings;
+    };
+    EXPECT_EQ(EncodeStatus(withValue([](PrinterValue&) {})), S_OK);
+    EXPECT_EQ(EncodeStatus(withMode([](Bytes&) {})), S_OK);
+    Settings nameless = SettingsOf({});
+    nameless.driver.name.clear();
+    Settings twice = withValue([](PrinterValue&) {});
+    twice.values.push_back({L"PRINTERDRIVERDATA", L"a", REG_SZ, {}});
+    Settings disordered = withValue([](PrinterValue& first) { first.name = L"B"; });
+    disordered.values.push_back(value);
+    Settings many = SettingsOf({});
+    for (std::uint32_t index = 0; index <= kMaximumVqsValues; ++index) {
+        many.values.push_back({kDriverDataKey, std::to_wstring(100000 + index), REG_NONE, {}});
+    }
+    const std::pair<const char*, Settings> rows[] = {
+        {"no driver", nameless},
+        {"a value twice", twice},
+        {"values out of order", disordered},
+        {"too many values", many},
+        {"another key", withValue([](PrinterValue& bad) { bad.key = L"DsSpooler"; })},
+        {"a longer key", withValue([](PrinterValue& bad) { bad.key = L"PrinterDriverDataX"; })},
+        {"no key", withValue([](PrinterValue& bad) { bad.key.clear(); })},
+        {"a key with an empty end", withValue([](PrinterValue& bad) { bad.key += L"\\"; })},
+        {"a key with an empty part", withValue([](PrinterValue& bad) { bad.key += L"\\\\A"; })},
+        {"a zero in a name", withValue([](PrinterValue& bad) { bad.name = std::wstring(1, L'\0'); })},
+        {"an endless name", withValue([](PrinterValue& bad) { bad.name.assign(kMaximumVqsText + 1, L'a'); })},
+        {"an unknown type", withValue([](PrinterValue& bad) { bad.type = 12; })},
+        {"a mode longer than it says", withMode([](Bytes& mode) { mode.push_back(0); })},
+        {"a mode shorter than it says", withMode([](Bytes& mode) { mode.pop_back(); })},
+        {"a mode without room for its sizes", withMode([](Bytes& mode) { mode.resize(70); })},
+        {"a mode without the common fields", withMode([](Bytes& mode) {
+             mode.resize(100);
+             mode[offsetof(DEVMODEW, dmSize)] = 92;
+         })},
+    };
+    for (const auto& [name, settings] : rows) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(EncodeStatus(settings), kBadData);
+    }
+    EXPECT_EQ(EncodeStatus(withValue([](PrinterValue& bad) { bad.data.resize(kMaximumVqsSize); })),
+              HRESULT_FROM_WIN32(ERROR_FILE_TOO_LARGE));
+}
+
+} // namespace

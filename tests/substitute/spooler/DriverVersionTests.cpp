@@ -1,0 +1,102 @@
+// A driver's version and detail.
+#include "substitute/spooler/DriverVersion.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/kit/ProcessRun.h"
+#include "tests/substitute/ObjectFixture.h"
+#include "tests/substitute/Texts.h"
+
+namespace {
+
+using kemba::ComPtr;
+using namespace kemba::substitute;
+
+FILETIME DateOf(WORD year, WORD month, WORD day) {
+    SYSTEMTIME date = {};
+    date.wYear = year;
+    date.wMonth = month;
+    date.wDay = day;
+    FILETIME time = {};
+    SystemTimeToFileTime(&date, &time);
+    return time;
+}
+
+TEST(DriverVersion, IsFourPartsOfSixteenBits) {
+    const struct {
+        DWORDLONG version;
+        const wchar_t* text;
+    } rows[] = {
+        {4503600127348640, L"16.0.7629.4000"},
+        {2814750890000385, L"10.0.17134.1"},
+        {844424930656256, L"3.0.8.0"},
+        {1, L"0.0.0.1"},
+        {~DWORDLONG(0), L"65535.65535.65535.65535"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(DriverVersionText({.version = row.version, .date = {}, .provider = L"", .path = L""}),
+                  row.text);
+    }
+}
+
+TEST(DriverVersion, ADriverWithoutOneHasThatOfItsFile) {
+    const std::wstring program = kit::ProgramPath(L"kemba-dal.exe");
+    EXPECT_EQ(DriverVersionText({.version = 0, .date = {}, .provider = L"", .path = program}), L"1.0.0.0");
+    EXPECT_EQ(DriverVersionText({.version = 1, .date = {}, .provider = L"", .path = program}), L"0.0.0.1");
+}
+
+TEST(DriverVersion, IsEmptyWhereNobodyTells) {
+    for (const wchar_t* const path : {L"", L"C:\\no such driver.dll", L"C:\\windows\\win.ini"}) {
+        EXPECT_EQ(DriverVersionText({.version = 0, .date = {}, .provider = L"", .path = path}), L"");
+    }
+}
+
+TEST(DriverVersion, TheDetailIsProviderAndDate) {
+    const FILETIME date = DateOf(2021, 3, 4);
+    EXPECT_EQ(DriverDetailText({.version = 0, .date = date, .provider = L"Zippy", .path = L""}),
+              L"Zippy, 2021-03-04");
+    EXPECT_EQ(DriverDetailText({.version = 0, .date = {}, .provider = L"Zippy", .path = L""}), L"Zippy");
+    EXPECT_EQ(DriverDetailText({.version = 0, .date = date, .provider = L"", .path = L""}), L"2021-03-04");
+    EXPECT_EQ(DriverDetailText({.version = 0, .date = {}, .provider = L"", .path = L""}), L"");
+}
+
+class DriverVersionObjectTest : public ObjectFixture {
+  protected:
+    DriverVersionObjectTest() {
+        spooler.printers[L"Label A"];
+        spooler.driver.version = 2814750890000385;
+        spooler.driver.provider = L"Zippy";
+        spooler.driver.date = DateOf(2021, 3, 4);
+        EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
+    }
+    ComPtr<DriverAutomationObject> automation = MakeAutomation();
+    std::wstring text;
+};
+
+TEST_F(DriverVersionObjectTest, BothLevelsOfDriverRecordsServe) {
+    for (const DWORD level : {8u, 6u}) {
+        SCOPED_TRACE(level);
+        spooler.driverLevel = level;
+        EXPECT_EQ(ReadText<IDriverAutomation>(*automation, &IDriverAutomation::GetDriverVersion, text), S_OK);
+        EXPECT_EQ(text, L"10.0.17134.1");
+        EXPECT_EQ(ReadText<IDriverAutomation>(*automation, &IDriverAutomation::GetDriverVersionDetail, text),
+                  S_OK);
+        EXPECT_EQ(text, L"Zippy, 2021-03-04");
+    }
+}
+
+TEST_F(DriverVersionObjectTest, FailuresAreReported) {
+    spooler.failing = FakePrinterApi::Step::GetDriver;
+    EXPECT_EQ(ReadText<IDriverAutomation>(*automation, &IDriverAutomation::GetDriverVersion, text),
+              HRESULT_FROM_WIN32(ERROR_PRINT_CANCELLED));
+    EXPECT_TRUE(
+        BeginsWith(TakeErrorTexts().description,
+                   L"GetDriverVersion on printer \"Label A\": asking the spooler for the driver failed: "));
+    spooler.failing = FakePrinterApi::Step::None;
+    spooler.driverLevel = 5;
+    EXPECT_EQ(ReadText<IDriverAutomation>(*automation, &IDriverAutomation::GetDriverVersionDetail, text),
+              HRESULT_FROM_WIN32(ERROR_INVALID_LEVEL));
+    EXPECT_EQ(MakeAutomation()->GetDriverVersionDetail(nullptr), E_POINTER);
+}
+
+} // namespace

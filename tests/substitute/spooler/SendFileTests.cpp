@@ -1,0 +1,185 @@
+// Files on their way to a printer: bytes, blocks, data types, and what happens when something fails.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "tests/kit/TemporaryFile.h"
+#include "tests/substitute/ObjectFixture.h"
+#include "tests/substitute/Texts.h"
+
+namespace {
+
+using kemba::ComPtr;
+using namespace kemba::substitute;
+using Step = FakePrinterApi::Step;
+
+class SendFileTest : public ObjectFixture {
+  protected:
+    SendFileTest() {
+        spooler.printers[L"Label A"];
+        EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
+    }
+    HRESULT Send(const std::wstring& path, const std::wstring& name = L"") {
+        return automation->SendFile(InText(path), InText(name));
+    }
+    /// What the path is refused with; nothing may have reached the spooler.
+    std::wstring RefusalOf(const std::wstring& path, DWORD error) {
+        EXPECT_EQ(Send(path), HRESULT_FROM_WIN32(error));
+        EXPECT_TRUE(spooler.journal.empty());
+        EXPECT_EQ(spooler.open, 1);
+        return TakeErrorTexts().description;
+    }
+
+    ComPtr<DriverAutomationObject> automation = MakeAutomation();
+};
+
+std::string EveryByte(std::size_t count) {
+    std::string bytes(count, '\0');
+    for (std::size_t index = 0; index < count; ++index) {
+        bytes[index] = static_cast<char>(index * 7 + index / 256);
+    }
+    return bytes;
+}
+
+TEST_F(SendFileTest, TheBytesAreOneRawJobCalledAsTheFile) {
+    const std::string bytes = EveryByte(1'000) + "\x1A\r\n\n";
+    const kit::TemporaryFile file(bytes);
+    EXPECT_EQ(Send(file.Path()), S_OK);
+    EXPECT_EQ(spooler.printed, bytes);
+    const std::wstring name = std::filesystem::path(file.Path()).filename().wstring();
+    EXPECT_EQ(spooler.journal,
+              (std::vector<std::wstring>{L"RAW job " + name, L"page", L"page's end", L"job's end"}));
+    EXPECT_EQ(spooler.open, 1);
+}
+
+TEST_F(SendFileTest, TheSecondArgumentIsTheDocumentsName) {
+    const kit::TemporaryFile file("x");
+    EXPECT_EQ(Send(file.Path(), L"Parcels"), S_OK);
+    EXPECT_EQ(spooler.journal.front(), L"RAW job Parcels");
+    EXPECT_EQ(automation->SendFile(InText(file.Path()), nullptr), S_OK);
+    EXPECT_EQ(spooler.printed, "xx");
+}
+
+TEST_F(SendFileTest, EveryKindOfAbsolutePathIsTaken) {
+    const kit::TemporaryFile file("x");
+    std::wstring slashed = file.Path();
+    std::replace(slashed.begin(), slashed.end(), L'\\', L'/');
+    const std::wstring name = std::filesystem::path(file.Path()).filename().wstring();
+    for (const std::wstring& path : {slashed, L"\\\\?\\" + file.Path()}) {
+        spooler.journal.clear();
+        EXPECT_EQ(Send(path), S_OK);
+        EXPECT_EQ(spooler.journal.front(), L"RAW job " + name);
+    }
+}
+
+TEST_F(SendFileTest, GoesInBlocksWhateverTheSize) {
+    for (const std::size_t size : {65'535, 65'536, 65'537, 1'000'000}) {
+        SCOPED_TRACE(size);
+        spooler.printed.clear();
+        const std::string bytes = EveryByte(size);
+        const kit::TemporaryFile file(bytes);
+        EXPECT_EQ(Send(file.Path()), S_OK);
+        EXPECT_TRUE(spooler.printed == bytes);
+        EXPECT_LE(spooler.largestWrite, 65'536u);
+    }
+}
+
+TEST_F(SendFileTest, ASpoolerThatTakesLessIsGivenTheRest) {
+    spooler.mostAtOnce = 300;
+    const std::string bytes = EveryByte(1'000);
+    const kit::TemporaryFile file(bytes);
+    EXPECT_EQ(Send(file.Path()), S_OK);
+    EXPECT_EQ(spooler.printed, bytes);
+    spooler.mostAtOnce = 0; // says that it worked, and takes nothing
+    EXPECT_EQ(Send(file.Path()), HRESULT_FROM_WIN32(ERROR_WRITE_FAULT));
+    EXPECT_EQ(spooler.journal.back(), L"deleted");
+}
+
+TEST_F(SendFileTest, AnXpsDriverGetsItsOwnDataType) {
+    const kit::TemporaryFile file("x");
+    const struct {
+        DWORD level, attributes;
+        const wchar_t* journal;
+    } rows[] = {
+        {8, 0x2, L"XPS_PASS job d"},
+        {8, 0x1D, L"RAW job d"},
+        {6, 0x2, L"RAW job d"}, // no such attributes at that level
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.journal);
+        spooler.journal.clear();
+        spooler.driverLevel = row.level;
+        spooler.driver.attributes = row.attributes;
+        EXPECT_EQ(Send(file.Path(), L"d"), S_OK);
+        EXPECT_EQ(spooler.journal.front(), row.journal);
+    }
+}
+
+TEST_F(SendFileTest, AJobThatFailsHalfWayIsDeleted) {
+    const kit::TemporaryFile file(EveryByte(100'000)); // two blocks
+    const struct {
+        Step step;
+        bool started;
+        const wchar_t* reason;
+    } rows[] = {
+        {Step::GetDriver, false, L"asking the spooler for the driver failed: "},
+        {Step::StartDocument, false, L"starting a RAW job failed: "},
+        {Step::StartPage, true, L"starting the job's page failed: "},
+        {Step::Write, true, L"writing to the job failed: "},
+        {Step::EndPage, true, L"ending the job's page failed: "},
+        {Step::EndDocument, true, L"ending the job failed: "},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.reason);
+        spooler.journal.clear();
+        spooler.failing = row.step;
+        EXPECT_EQ(Send(file.Path()), HRESULT_FROM_WIN32(ERROR_PRINT_CANCELLED));
+        EXPECT_TRUE(BeginsWith(TakeErrorTexts().description,
+                               std::wstring(L"SendFile on printer \"Label A\": ") + row.reason));
+        EXPECT_EQ(std::count(spooler.journal.begin(), spooler.journal.end(), L"deleted"),
+                  row.started ? 1 : 0);
+        EXPECT_EQ(spooler.printed, "");
+        EXPECT_EQ(spooler.unfinished, "");
+        EXPECT_EQ(spooler.open, 1);
+    }
+}
+
+TEST_F(SendFileTest, WhatIsNoFileWithBytesIsRefusedBeforeAnyJob) {
+    const kit::TemporaryFile empty;
+    const std::wstring place = L"SendFile on printer \"Label A\": ";
+    EXPECT_TRUE(BeginsWith(RefusalOf(empty.Path(), ERROR_INVALID_DATA),
+                           place + L"the file \"" + empty.Path() + L"\" is empty: "));
+    EXPECT_TRUE(BeginsWith(RefusalOf(L"C:\\no such file", ERROR_FILE_NOT_FOUND),
+                           place + L"opening the file \"C:\\no such file\" failed: "));
+    EXPECT_TRUE(BeginsWith(RefusalOf(L"C:\\windows", ERROR_ACCESS_DENIED),
+                           place + L"opening the file \"C:\\windows\" failed: "));
+    EXPECT_TRUE(
+        BeginsWith(RefusalOf(L"\\\\.\\NUL", ERROR_BAD_FILE_TYPE), place + L"\"\\\\.\\NUL\" is no file: "));
+}
+
+TEST_F(SendFileTest, APathOfSomeFolderThatTheServerCannotKnowIsRefused) {
+    for (const wchar_t* const path : {L"", L"label.prn", L"sub\\label.prn", L"C:label.prn", L"\\label.prn"}) {
+        SCOPED_TRACE(path);
+        EXPECT_TRUE(BeginsWith(RefusalOf(path, ERROR_BAD_PATHNAME),
+                               std::wstring(L"SendFile on printer \"Label A\": the file's path \"") + path +
+                                   L"\" is not absolute: "));
+    }
+}
+
+TEST_F(SendFileTest, AFileThatSomebodyWritesToIsRefused) {
+    const kit::TemporaryFile file("half a la");
+    const HANDLE writer = CreateFileW(file.Path().c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                      nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(writer, INVALID_HANDLE_VALUE);
+    RefusalOf(file.Path(), ERROR_SHARING_VIOLATION);
+    CloseHandle(writer);
+    EXPECT_EQ(Send(file.Path()), S_OK);
+}
+
+TEST_F(SendFileTest, NothingIsSentBeforeBinding) {
+    const kit::TemporaryFile file("x");
+    EXPECT_EQ(MakeAutomation()->SendFile(InText(file.Path()), nullptr), E_UNEXPECTED);
+}
+
+} // namespace

@@ -1,0 +1,144 @@
+// Settings on the system's own spooler and a real driver.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "demo/LabelDriver.h"
+#include "demo/WinePrinters.h"
+#include "substitute/settings/SettingsFile.h"
+#include "substitute/settings/SettingsStore.h"
+#include "substitute/settings/VqsFormat.h"
+#include "substitute/spooler/SettingsDefaults.h"
+#include "tests/substitute/ObjectFixture.h"
+#include "tests/substitute/TemporaryFolder.h"
+
+namespace {
+
+using kemba::ComPtr;
+using kemba::MakeObject;
+using namespace kemba::substitute;
+
+class SettingsSpoolerTest : public ObjectFixture {
+  protected:
+    SettingsSpoolerTest() {
+        EXPECT_EQ(api.Open(printer.Name(), PRINTER_ACCESS_ADMINISTER | PRINTER_ACCESS_USE, handle), 0u);
+        automation = MakeObject<DriverAutomationObject>(realContext);
+        EXPECT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
+        EXPECT_EQ(automation->GetSettings(settings.Put()), S_OK);
+        V_VT(&omitted) = VT_ERROR;
+        V_ERROR(&omitted) = DISP_E_PARAMNOTFOUND;
+    }
+    ~SettingsSpoolerTest() override { api.Close(handle); }
+
+    void SetValue(const std::wstring& name, DWORD type, const Bytes& data) {
+        EXPECT_EQ(api.SetValue(handle, {kDriverDataKey, name, type, data}), DWORD{ERROR_SUCCESS});
+    }
+    /// Turns the paper and asks for copies, as a user's settings would.
+    void SetMode(short orientation, short copies) {
+        std::optional<Bytes> bytes;
+        ASSERT_EQ(api.GetMode(handle, ModeLevel::Global, bytes), DWORD{ERROR_SUCCESS});
+        ASSERT_TRUE(bytes);
+        auto& mode = *reinterpret_cast<DEVMODEW*>(bytes->data());
+        mode.dmFields |= DM_ORIENTATION | DM_COPIES;
+        mode.dmOrientation = orientation;
+        mode.dmCopies = copies;
+        ASSERT_EQ(api.SetMode(handle, ModeLevel::Global, bytes), DWORD{ERROR_SUCCESS});
+    }
+    Settings Read() { return SettingsStore(api, printer.Name()).Read(); }
+    DEVMODEW Mode() {
+        DEVMODEW mode = {};
+        std::memcpy(&mode, Read().globalMode->data(), sizeof(mode));
+        return mode;
+    }
+
+    const demo::Printer printer;
+    WindowsPrinterApi realSpooler;
+    ServerContext realContext{realSpooler, dialogs, profiles, process, types};
+    SettingsApi& api = realSpooler.GetSettingsApi();
+    HANDLE handle = nullptr;
+    TemporaryFolder folder;
+    std::wstring path = folder.File(L"label.vqs");
+    ComPtr<DriverAutomationObject> automation;
+    ComPtr<IDriverSettings> settings;
+    VARIANT omitted = {};
+};
+
+TEST_F(SettingsSpoolerTest, AnImportBringsBackWhatWasExported) {
+    SetMode(DMORIENT_LANDSCAPE, 3);
+    SetValue(L"Darkness", REG_DWORD, {7, 0, 0, 0});
+    SetValue(L"Blob", REG_BINARY, {0, 1, 2, 0xFF, 0});
+    const Settings before = Read();
+    EXPECT_EQ(before.driver.name, demo::kLabelDriver);
+    ASSERT_EQ(settings->ExportSettings(InText(path), omitted), S_OK);
+    EXPECT_EQ(DecodeVqs(ReadSettingsFile(path, kMaximumVqsSize)), before);
+
+    SetMode(DMORIENT_PORTRAIT, 1);
+    SetValue(L"Darkness", REG_SZ, {'x', 0, 0, 0});
+    SetValue(L"Blob", REG_BINARY, {});
+    ASSERT_NE(Read(), before);
+    ASSERT_EQ(settings->ImportSettings(InText(path), omitted), S_OK);
+    EXPECT_EQ(Read(), before);
+    EXPECT_EQ(Mode().dmCopies, 3);
+    EXPECT_EQ(folder.Count(), 1);
+}
+
+TEST_F(SettingsSpoolerTest, AFileOfOnePrinterServesAnotherOfTheSameDriver) {
+    SetMode(DMORIENT_LANDSCAPE, 4);
+    ASSERT_EQ(settings->ExportSettings(InText(path), omitted), S_OK);
+    const demo::Printer other;
+    const SettingsStore store(api, other.Name());
+    store.Apply(DecodeVqs(ReadSettingsFile(path, kMaximumVqsSize)));
+    DEVMODEW mode = {};
+    std::memcpy(&mode, store.Read().globalMode->data(), sizeof(mode));
+    EXPECT_EQ(mode.dmCopies, 4);
+    EXPECT_EQ(std::wstring(mode.dmDeviceName), other.Name().substr(0, CCHDEVICENAME - 1));
+}
+
+TEST_F(SettingsSpoolerTest, ResetGivesTheDriversDefaultsAndKeepsTheData) {
+    SetValue(L"Darkness", REG_DWORD, {7, 0, 0, 0});
+    const Settings fresh = Read();
+    SetMode(DMORIENT_LANDSCAPE, 3);
+    ASSERT_NE(Read(), fresh);
+    const auto names = demo::PrinterNames();
+    ASSERT_EQ(settings->ResetSettings(omitted), S_OK);
+    EXPECT_EQ(Mode().dmCopies, 1);
+    EXPECT_EQ(Mode().dmOrientation, DMORIENT_PORTRAIT);
+    EXPECT_EQ(Read(), fresh);
+    EXPECT_EQ(demo::PrinterNames(), names);
+}
+
+TEST_F(SettingsSpoolerTest, AForeignDriversFileIsRefused) {
+    Settings foreign = Read();
+    foreign.driver.name += L" II";
+    WriteSettingsFile(path, EncodeVqs(foreign));
+    EXPECT_EQ(settings->ImportSettings(InText(path), omitted),
+              HRESULT_FROM_WIN32(ERROR_UNKNOWN_PRINTER_DRIVER));
+    EXPECT_NE(TakeErrorTexts().description.find(printer.Name()), std::wstring::npos);
+}
+
+TEST_F(SettingsSpoolerTest, ADeletedPrinterIsReported) {
+    demo::RemovePrinter(printer.Name());
+    EXPECT_EQ(settings->ExportSettings(InText(path), omitted),
+              HRESULT_FROM_WIN32(ERROR_INVALID_PRINTER_NAME));
+    EXPECT_TRUE(TakeErrorTexts().present);
+    EXPECT_EQ(folder.Count(), 0);
+}
+
+TEST(SettingsDefaults, AskTheDriversConfigurationLibrary) {
+    std::optional<Bytes> mode;
+    EXPECT_EQ(AskLibraryForDefaultMode(DEFAULTS_DRIVER, L"Label", mode), DWORD{ERROR_SUCCESS});
+    ASSERT_TRUE(mode);
+    ASSERT_EQ(mode->size(), sizeof(DEVMODEW) + 2);
+    const auto& read = *reinterpret_cast<const DEVMODEW*>(mode->data());
+    EXPECT_STREQ(read.dmDeviceName, L"Label");
+    EXPECT_EQ(read.dmCopies, 42);
+}
+
+TEST(SettingsDefaults, ALibraryWithoutTheFunctionHasNone) {
+    std::optional<Bytes> mode;
+    EXPECT_EQ(AskLibraryForDefaultMode(L"kernel32.dll", L"Label", mode), DWORD{ERROR_CALL_NOT_IMPLEMENTED});
+    EXPECT_EQ(AskLibraryForDefaultMode(L"no such library.dll", L"Label", mode), DWORD{ERROR_MOD_NOT_FOUND});
+    EXPECT_FALSE(mode);
+}
+
+} // namespace
