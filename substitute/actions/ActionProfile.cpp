@@ -1,18 +1,13 @@
 // Finding and reading action profiles.
 #include "substitute/actions/ActionProfile.h"
 
-#include <memory>
-
 #include "substitute/base/AbsolutePath.h"
 #include "substitute/base/Failure.h"
+#include "substitute/base/Handles.h"
 #include "substitute/objects/ContractTypes.h"
 
 namespace kemba::substitute {
 namespace {
-
-struct HandleCloser {
-    void operator()(void* handle) const noexcept { CloseHandle(handle); }
-};
 
 /// The name with "_" for what no file name may have.
 std::wstring FileNameFor(std::wstring name) {
@@ -29,16 +24,15 @@ std::optional<std::string> ReadProfile(const std::wstring& path) {
     const auto fail = [&](DWORD error) {
         return WindowsFailure(L"reading the action profile \"" + path + L"\" failed", error);
     };
-    const HANDLE opened =
-        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (opened == INVALID_HANDLE_VALUE) {
+    const UniqueHandle file =
+        OwnFile(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!file) {
         const DWORD error = GetLastError();
         if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) {
             return std::nullopt;
         }
         throw fail(error);
     }
-    const std::unique_ptr<void, HandleCloser> file(opened);
     if (GetFileType(file.get()) != FILE_TYPE_DISK) {
         return std::nullopt; // a printer called as a device is
     }

@@ -5,17 +5,13 @@
 
 #include <cwchar>
 #include <exception>
-#include <memory>
 #include <new>
 
 #include "automation/Owners.h"
+#include "substitute/base/Handles.h"
 
 namespace kemba::substitute {
 namespace {
-
-struct LocalFreer {
-    void operator()(wchar_t* text) const noexcept { LocalFree(text); }
-};
 
 /// The system's words for a Win32 code or an HRESULT on one line, or an empty text if it has none.
 std::wstring SystemWords(DWORD code) {
@@ -23,7 +19,7 @@ std::wstring SystemWords(DWORD code) {
     const DWORD length = FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
                                             FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
                                         nullptr, code, 0, reinterpret_cast<wchar_t*>(&allocated), 0, nullptr);
-    const std::unique_ptr<wchar_t, LocalFreer> text(allocated);
+    const UniqueLocal<wchar_t> text(allocated);
     std::wstring words(text ? text.get() : L"", text ? length : 0);
     words.erase(words.find_last_not_of(L" \r\n") + 1);
     return words;

@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include <memory>
+#include "substitute/base/Handles.h"
 
 namespace kemba::substitute {
 
@@ -27,11 +27,7 @@ class ServerProcess {
     void WaitUntilUnused(DWORD start, DWORD grace);
 
   private:
-    struct HandleCloser {
-        void operator()(void* handle) const noexcept { CloseHandle(handle); }
-    };
-
-    std::unique_ptr<void, HandleCloser> m_left; // event: the last use has ended
+    UniqueHandle m_left; // event: the last use has ended
     bool m_counted = true;
 };
 

@@ -2,21 +2,16 @@
 #include "substitute/settings/SettingsFile.h"
 
 #include <atomic>
-#include <memory>
 #include <utility>
 
 #include "substitute/base/Failure.h"
+#include "substitute/base/Handles.h"
 
 namespace kemba::substitute {
 namespace {
 
 constexpr int kRenameTries = 20;
 constexpr DWORD kRenamePause = 20; // milliseconds
-
-struct HandleCloser {
-    void operator()(HANDLE handle) const noexcept { CloseHandle(handle); }
-};
-using HeldFile = std::unique_ptr<void, HandleCloser>;
 
 [[noreturn]] void Fail(const wchar_t* what, const std::wstring& path, DWORD error) {
     throw WindowsFailure(what + (L" \"" + path + L"\" failed"), error);
@@ -29,14 +24,14 @@ void NeedWholePath(const std::wstring& path) {
     }
 }
 
-HeldFile OpenFile(const wchar_t* what, const std::wstring& path, DWORD access, DWORD sharing,
-                  DWORD disposition) {
-    const HANDLE handle =
-        CreateFileW(path.c_str(), access, sharing, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) {
+UniqueHandle OpenFile(const wchar_t* what, const std::wstring& path, DWORD access, DWORD sharing,
+                      DWORD disposition) {
+    UniqueHandle file = OwnFile(
+        CreateFileW(path.c_str(), access, sharing, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file) {
         Fail(what, path, GetLastError());
     }
-    return HeldFile(handle);
+    return file;
 }
 
 /// Deletes its file in the end, unless the file has got another name by then.
@@ -52,7 +47,7 @@ class TemporaryName {
     }
 
     void Write(const Bytes& bytes) {
-        const HeldFile file = OpenFile(L"making the file", m_path, GENERIC_WRITE, 0, CREATE_NEW);
+        const UniqueHandle file = OpenFile(L"making the file", m_path, GENERIC_WRITE, 0, CREATE_NEW);
         m_made = true;
         DWORD written = 0;
         if (!WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) ||
@@ -93,7 +88,8 @@ std::wstring BesideName(const std::wstring& path) {
 
 Bytes ReadSettingsFile(const std::wstring& path, std::size_t limit) {
     NeedWholePath(path);
-    const HeldFile file = OpenFile(L"opening the file", path, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
+    const UniqueHandle file =
+        OpenFile(L"opening the file", path, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
     LARGE_INTEGER size = {};
     if (GetFileType(file.get()) != FILE_TYPE_DISK) { // a device may never end
         Fail(L"reading the file", path, ERROR_BAD_FILE_TYPE);

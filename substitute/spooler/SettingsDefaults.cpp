@@ -5,8 +5,8 @@
 
 #include <atomic>
 #include <memory>
-#include <type_traits>
 
+#include "substitute/base/Handles.h"
 #include "substitute/spooler/SettingsBuffer.h"
 
 namespace kemba::substitute {
@@ -17,11 +17,6 @@ constexpr DWORD kHiddenPrinter = 0x20;    // PRINTER_ATTRIBUTE_HIDDEN
 constexpr std::size_t kModeMargin = 4096; // for drivers that write before they look at the size
 
 using ConvertMode = BOOL(WINAPI*)(wchar_t*, DEVMODEW*, DEVMODEW*, LONG*, DWORD);
-
-struct LibraryFreer {
-    void operator()(HMODULE library) const noexcept { FreeLibrary(library); }
-};
-using HeldLibrary = std::unique_ptr<std::remove_pointer_t<HMODULE>, LibraryFreer>;
 
 /// Takes its printer away again in the end.
 struct PrinterRemover {
@@ -40,7 +35,7 @@ std::wstring FreshPrinterName() {
 
 DWORD AskLibraryForDefaultMode(const std::wstring& library, const std::wstring& printer,
                                std::optional<Bytes>& mode) {
-    const HeldLibrary loaded(LoadLibraryExW(library.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+    const UniqueLibrary loaded(LoadLibraryExW(library.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
     if (!loaded) {
         return SettingsErrorOf(FALSE);
     }
