@@ -8,9 +8,9 @@
 namespace kemba::substitute {
 namespace {
 
-ActionOutcome SendBytes(const ServerContext& context, const Printer& printer, const Action& action,
+ActionOutcome SendBytes(const ActionProfiles& profiles, const Printer& printer, const Action& action,
                         bool execute) {
-    const auto profile = context.profiles.Find(printer.GetName(), printer.Describe().modelName);
+    const auto profile = profiles.Find(printer.GetName(), printer.Describe().modelName);
     const auto entry = profile ? profile->find(action.code) : ActionProfile::const_iterator();
     if (!profile || entry == profile->end()) {
         return {};
@@ -23,9 +23,8 @@ ActionOutcome SendBytes(const ServerContext& context, const Printer& printer, co
     return {.supported = true, .displays = false};
 }
 
-ActionOutcome ShowDialog(const ServerContext& context, const Printer& printer, const Action& action,
-                         bool execute) {
-    if (!context.dialogs.CanBeSeen()) {
+ActionOutcome ShowDialog(const Printer& printer, const Action& action, bool execute) {
+    if (!printer.CanShowDialogs()) {
         if (!execute) {
             return {};
         }
@@ -34,13 +33,8 @@ ActionOutcome ShowDialog(const ServerContext& context, const Printer& printer, c
                              ERROR_REQUIRES_INTERACTIVE_WINDOWSTATION);
     }
     if (execute) {
-        const DWORD error = action.kind == ActionKind::Properties
-                                ? context.dialogs.ShowProperties(printer.GetName())
-                                : context.dialogs.ShowQueue(printer.GetName());
-        if (error != ERROR_SUCCESS) {
-            throw WindowsFailure(std::wstring(L"showing the dialog of action ") + action.word + L" failed",
-                                 error);
-        }
+        const std::wstring what = std::wstring(L"showing the dialog of action ") + action.word;
+        action.kind == ActionKind::Properties ? printer.ShowProperties(what) : printer.ShowQueue(what);
     }
     return {.supported = true, .displays = true};
 }
@@ -64,12 +58,13 @@ ComPtr<IActionRequest> RequestFrom(const VARIANT& argument) {
     return ComPtr<IActionRequest>(static_cast<IActionRequest*>(request));
 }
 
-ActionOutcome PerformActionOn(const ServerContext& context, const Printer& printer, LONG code, bool execute) {
+ActionOutcome PerformActionOn(const ActionProfiles& profiles, const Printer& printer, LONG code,
+                              bool execute) {
     const Action* const action = FindAction(code);
     switch (action ? action->kind : ActionKind::None) {
-    case ActionKind::FromProfile: return SendBytes(context, printer, *action, execute);
+    case ActionKind::FromProfile: return SendBytes(profiles, printer, *action, execute);
     case ActionKind::Properties:
-    case ActionKind::Queue: return ShowDialog(context, printer, *action, execute);
+    case ActionKind::Queue: return ShowDialog(printer, *action, execute);
     case ActionKind::None: break;
     }
     return {};

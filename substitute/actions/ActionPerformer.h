@@ -1,8 +1,9 @@
 // Carrying out an action, or asking whether it can be done.
 #pragma once
 
+#include "automation/Owners.h"
+#include "substitute/actions/ActionProfile.h"
 #include "substitute/actions/ActionRequest.h"
-#include "substitute/objects/ServerContext.h"
 #include "substitute/spooler/Printer.h"
 
 namespace kemba::substitute {
@@ -13,6 +14,7 @@ ComPtr<IActionRequest> RequestFrom(const VARIANT& argument);
 
 /// Carries the action of that code out on the printer, or only tells whether it could. What cannot be done
 /// is no failure but not supported. Throws Failure; the printer has been sent nothing then.
-ActionOutcome PerformActionOn(const ServerContext& context, const Printer& printer, LONG code, bool execute);
+ActionOutcome PerformActionOn(const ActionProfiles& profiles, const Printer& printer, LONG code,
+                              bool execute);
 
 } // namespace kemba::substitute

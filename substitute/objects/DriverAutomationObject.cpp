@@ -25,7 +25,7 @@ HRESULT DriverAutomationObject::PutPrinterName(BSTR name) noexcept {
             refuseSecondName();
         }
         // Opening may block for long; another caller's binding may come first.
-        auto printer = std::make_shared<const Printer>(m_context.printers, TextFrom(name));
+        auto printer = std::make_shared<const Printer>(m_context.spooler, m_context.locks, TextFrom(name));
         const OScopedLock hold(m_lock);
         refuseSecondName();
         m_printer = std::move(printer);
@@ -41,7 +41,7 @@ HRESULT DriverAutomationObject::PerformAction(LONG action, VARIANT request) noex
         const auto printer = NeedPrinter();
         const ComPtr<IActionRequest> asked = RequestFrom(request);
         asked->SetOutcome({}); // no answer of an earlier action stands if this one fails
-        asked->SetOutcome(PerformActionOn(m_context, *printer, action, asked->IsToBeExecuted()));
+        asked->SetOutcome(PerformActionOn(m_context.profiles, *printer, action, asked->IsToBeExecuted()));
     });
 }
 

@@ -36,10 +36,8 @@ HRESULT DriverSettingsObject::ImportSettings(BSTR path, VARIANT option) noexcept
     return Answer(L"ImportSettings", [&] {
         NeedOmitted(option);
         const std::wstring file = TextFrom(path);
-        WithFile(L"importing the settings of", file, [&] {
-            SettingsStore(m_api, m_printer->GetName())
-                .Apply(DecodeVqs(ReadSettingsFile(file, kMaximumVqsSize)));
-        });
+        WithFile(L"importing the settings of", file,
+                 [&] { ApplySettings(*m_printer, DecodeVqs(ReadSettingsFile(file, kMaximumVqsSize))); });
     });
 }
 
@@ -47,16 +45,15 @@ HRESULT DriverSettingsObject::ExportSettings(BSTR path, VARIANT option) noexcept
     return Answer(L"ExportSettings", [&] {
         NeedOmitted(option);
         const std::wstring file = TextFrom(path);
-        WithFile(L"exporting the settings to", file, [&] {
-            WriteSettingsFile(file, EncodeVqs(SettingsStore(m_api, m_printer->GetName()).Read()));
-        });
+        WithFile(L"exporting the settings to", file,
+                 [&] { WriteSettingsFile(file, EncodeVqs(ReadSettings(*m_printer))); });
     });
 }
 
 HRESULT DriverSettingsObject::ResetSettings(VARIANT option) noexcept {
     return Answer(L"ResetSettings", [&] {
         NeedOmitted(option);
-        SettingsStore(m_api, m_printer->GetName()).Reset();
+        substitute::ResetSettings(*m_printer);
     });
 }
 

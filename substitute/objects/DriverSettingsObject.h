@@ -16,8 +16,7 @@ class DriverSettingsObject final : public AutomationObject<IDriverSettings> {
   public:
     /// Throws Failure.
     DriverSettingsObject(const ServerContext& context, std::shared_ptr<const Printer> printer)
-        : AutomationObject(context), m_api(context.printers.GetSettingsApi()), m_printer(std::move(printer)) {
-    }
+        : AutomationObject(context), m_printer(std::move(printer)) {}
 
     /// Checks the whole file before it changes anything.
     HRESULT STDMETHODCALLTYPE ImportSettings(BSTR path, VARIANT option) noexcept override;
@@ -29,7 +28,6 @@ class DriverSettingsObject final : public AutomationObject<IDriverSettings> {
     ~DriverSettingsObject() override = default;
     std::shared_ptr<const Printer> BoundPrinter() const noexcept override { return m_printer; }
 
-    SettingsApi& m_api;
     const std::shared_ptr<const Printer> m_printer;
 };
 

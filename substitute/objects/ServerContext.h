@@ -4,15 +4,15 @@
 #include "substitute/actions/ActionProfile.h"
 #include "substitute/objects/ContractTypes.h"
 #include "substitute/server/ServerProcess.h"
-#include "substitute/spooler/PrinterApi.h"
-#include "substitute/spooler/PrinterDialogs.h"
+#include "substitute/spooler/PrinterLocks.h"
+#include "substitute/spooler/Spooler.h"
 
 namespace kemba::substitute {
 
 /// Made once per process and given to every object; all of it outlives them and may be used from any thread.
 struct ServerContext {
-    PrinterApi& printers;
-    PrinterDialogs& dialogs;
+    Spooler& spooler;
+    PrinterLocks& locks;
     const ActionProfiles& profiles;
     ServerProcess& process;
     const ContractTypes& types;

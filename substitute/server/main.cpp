@@ -11,6 +11,7 @@
 #include "substitute/server/ClassFactory.h"
 #include "substitute/server/CommandLine.h"
 #include "substitute/server/Registration.h"
+#include "substitute/spooler/WindowsSpooler.h"
 
 namespace {
 
@@ -51,12 +52,12 @@ class Apartment {
 };
 
 void Serve(const ContractTypes& types) {
-    WindowsPrinterApi printers;
-    WindowsPrinterDialogs dialogs;
+    WindowsSpooler spooler;
+    PrinterLocks locks;
     const ActionProfiles profiles(
         [] { return ActionProfileFolder(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Brandle\\Drivers"); });
     ServerProcess process;
-    const ClassObjects offered(ServerContext{printers, dialogs, profiles, process, types});
+    const ClassObjects offered(ServerContext{spooler, locks, profiles, process, types});
     process.WaitUntilUnused(kStartMilliseconds, kGraceMilliseconds);
 }
 

@@ -1,7 +1,6 @@
 // Making changes, and undoing them.
 #include "substitute/settings/SettingsPlan.h"
 
-#include <algorithm>
 #include <new>
 
 #include "substitute/base/Failure.h"
@@ -32,9 +31,7 @@ void Undo(const SettingsStep& step, std::wstring& trouble) noexcept {
 
 } // namespace
 
-void CarryOut(std::vector<SettingsStep> steps) {
-    std::stable_partition(steps.begin(), steps.end(),
-                          [](const SettingsStep& step) { return step.surelyUndone; });
+void CarryOut(const std::vector<SettingsStep>& steps) {
     std::vector<const SettingsStep*> made;
     made.reserve(steps.size()); // nothing may be thrown between a change and its note
     for (const SettingsStep& step : steps) {

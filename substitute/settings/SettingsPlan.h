@@ -18,9 +18,8 @@ struct SettingsStep {
     bool optional = false;    ///< ERROR_CALL_NOT_IMPLEMENTED from `apply` means that the change is left out
 };
 
-/// Makes all the changes, those last that perhaps cannot be undone. When one fails, undoes what was made,
-/// latest first, and throws Failure with the failed change's status; a change that could not be undone is
-/// named in its reason.
-void CarryOut(std::vector<SettingsStep> steps);
+/// Makes all the changes in their order. When one fails, undoes what was made, latest first, and throws
+/// Failure with the failed change's status; a change that could not be undone is named in its reason.
+void CarryOut(const std::vector<SettingsStep>& steps);
 
 } // namespace kemba::substitute

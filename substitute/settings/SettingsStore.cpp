@@ -1,15 +1,16 @@
 // Reading, applying and resetting a printer's settings.
 #include "substitute/settings/SettingsStore.h"
 
-#include <winspool.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <set>
 
 #include "substitute/base/Failure.h"
+#include "substitute/base/FileVersion.h"
+#include "substitute/base/Names.h"
 #include "substitute/settings/SettingsPlan.h"
+#include "substitute/spooler/DefaultMode.h"
 
 namespace kemba::substitute {
 namespace {
@@ -26,12 +27,6 @@ struct LessPlace {
     }
 };
 
-struct LessName {
-    bool operator()(const std::wstring& left, const std::wstring& right) const {
-        return CompareNames(left, right) < 0;
-    }
-};
-
 using Keys = std::set<std::wstring, LessName>;
 
 std::wstring Place(const PrinterValue& value) {
@@ -43,25 +38,15 @@ const wchar_t* Words(ModeLevel level) {
                                       : L"setting the user's device mode";
 }
 
-/// An opened printer.
+/// An opened printer whose settings are read or changed.
 class Session {
   public:
-    Session(SettingsApi& api, const std::wstring& printer, DWORD rights) : m_api(api), m_printer(printer) {
-        Need(api.Open(printer, rights, m_handle), L"opening the printer");
-    }
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
-    ~Session() { m_api.Close(m_handle); }
+    explicit Session(const PrinterHandle& handle) : m_handle(handle), m_spooler(handle.GetSpooler()) {}
 
     DriverIdentity ReadDriver() const {
-        DriverIdentity driver;
-        Need(m_api.GetDriver(m_handle, driver), L"reading the driver's name");
-        return driver;
-    }
-    std::optional<Bytes> ReadMode(ModeLevel level) const {
-        std::optional<Bytes> mode;
-        Need(m_api.GetMode(m_handle, level, mode), L"reading a device mode");
-        return mode;
+        const DriverDescription driver = DescribeDriver(m_handle);
+        // The file's version: some systems leave the one in the driver's record unset.
+        return {driver.name, VersionOfFile(driver.path)};
     }
     std::vector<PrinterValue> ReadValues(Keys& keys) const {
         std::vector<PrinterValue> values;
@@ -70,59 +55,58 @@ class Session {
         return values;
     }
 
-    /// The driver's own form of a device mode, for this printer.
-    std::optional<Bytes> Merge(const std::optional<Bytes>& mode) const {
-        if (!mode) {
-            return std::nullopt;
-        }
-        Bytes named = *mode;
+    /// The driver's own form of a device mode, for this printer; gives a Win32 error code.
+    DWORD Merge(const Bytes& mode, Bytes& merged) const {
+        Bytes named = mode;
         wchar_t name[CCHDEVICENAME] = {};
-        m_printer.copy(name, CCHDEVICENAME - 1);
+        m_handle.GetName().copy(name, CCHDEVICENAME - 1);
         std::memcpy(named.data() + offsetof(DEVMODEW, dmDeviceName), name, sizeof(name));
-        Bytes merged;
-        Need(m_api.MergeMode(m_handle, m_printer, named, merged), L"giving a device mode to the driver");
-        if (merged.empty() || ModeSize(merged) != merged.size()) {
-            throw WindowsFailure(L"the driver's answer to a device mode is no device mode",
-                                 ERROR_INVALID_DATA);
-        }
-        return merged;
+        const DWORD error = m_spooler.MergeMode(m_handle.Get(), m_handle.GetName(), named, merged);
+        return error != ERROR_SUCCESS || (!merged.empty() && ModeSize(merged) == merged.size())
+                   ? error
+                   : ERROR_INVALID_DATA;
     }
-    Bytes DefaultMode() const {
-        Bytes mode;
-        Need(m_api.GetDefaultMode(m_handle, m_printer, mode), L"asking for the driver's default device mode");
-        if (ModeSize(mode) != mode.size()) {
-            throw WindowsFailure(L"the driver's default device mode is none", ERROR_INVALID_DATA);
-        }
-        return mode;
+    /// Throws Failure unless the driver takes the device mode.
+    void NeedTaken(const Bytes& mode) const {
+        Bytes merged;
+        Need(Merge(mode, merged), L"giving a device mode to the driver");
     }
 
-    SettingsStep ModeStep(ModeLevel level, const Bytes& mode, const std::optional<Bytes>& former) const {
+    /// The driver gives its form of the mode when the step is made: the printer's data, which it may ask for,
+    /// have changed by then.
+    SettingsStep ModeStep(ModeLevel level, const Bytes& mode) const {
         return {.what = Words(level),
-                .apply = [this, level, mode] { return m_api.SetMode(m_handle, level, mode); },
-                .undo = [this, level, former] { return m_api.SetMode(m_handle, level, former); },
-                .surelyUndone = former.has_value()};
+                .apply =
+                    [this, level, mode] {
+                        Bytes merged;
+                        const DWORD error = Merge(mode, merged);
+                        return error == ERROR_SUCCESS ? m_handle.SetMode(level, merged) : error;
+                    },
+                .undo = [this, level,
+                         former = m_handle.ReadMode(level)] { return m_handle.SetMode(level, former); }};
     }
     SettingsStep ChangeStep(const PrinterValue& value, const PrinterValue& former) const {
         return {.what = L"changing the value " + Place(value),
-                .apply = [this, value] { return m_api.SetValue(m_handle, value); },
-                .undo = [this, former] { return m_api.SetValue(m_handle, former); }};
+                .apply = [this, value] { return m_spooler.SetValue(m_handle.Get(), value); },
+                .undo = [this, former] { return m_spooler.SetValue(m_handle.Get(), former); }};
     }
     SettingsStep RemoveStep(const PrinterValue& former) const {
         return {.what = L"removing the value " + Place(former),
-                .apply = [this, former] { return m_api.DeleteValue(m_handle, former.key, former.name); },
-                .undo = [this, former] { return m_api.SetValue(m_handle, former); },
+                .apply = [this,
+                          former] { return m_spooler.DeleteValue(m_handle.Get(), former.key, former.name); },
+                .undo = [this, former] { return m_spooler.SetValue(m_handle.Get(), former); },
                 .optional = true};
     }
     SettingsStep AddStep(const PrinterValue& value, const Keys& keys) const {
         const std::wstring newKey = NewestKey(value.key, keys);
         return {.what = L"adding the value " + Place(value),
-                .apply = [this, value] { return m_api.SetValue(m_handle, value); },
+                .apply = [this, value] { return m_spooler.SetValue(m_handle.Get(), value); },
                 .undo =
                     [this, value, newKey] {
                         // A key of several new values goes with the first of them that is undone.
                         const DWORD error = newKey.empty()
-                                                ? m_api.DeleteValue(m_handle, value.key, value.name)
-                                                : m_api.DeleteKey(m_handle, newKey);
+                                                ? m_spooler.DeleteValue(m_handle.Get(), value.key, value.name)
+                                                : m_spooler.DeleteKey(m_handle.Get(), newKey);
                         return error == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : error;
                     },
                 .surelyUndone = false};
@@ -130,14 +114,14 @@ class Session {
 
   private:
     void ReadKey(const std::wstring& key, Keys& keys, std::vector<PrinterValue>& values) const {
-        DWORD error = m_api.GetValues(m_handle, key, values);
+        DWORD error = m_spooler.GetValues(m_handle.Get(), key, values);
         if (error == ERROR_FILE_NOT_FOUND) { // a driver without data has no key
             return;
         }
         Need(error, L"reading the values of \"" + key + L"\"");
         keys.insert(key);
         std::vector<std::wstring> names;
-        error = m_api.GetKeys(m_handle, key, names);
+        error = m_spooler.GetKeys(m_handle.Get(), key, names);
         if (error != ERROR_CALL_NOT_IMPLEMENTED) {
             Need(error, L"reading the keys below \"" + key + L"\"");
         }
@@ -157,9 +141,8 @@ class Session {
         return {};
     }
 
-    SettingsApi& m_api;
-    const std::wstring& m_printer;
-    HANDLE m_handle = nullptr;
+    const PrinterHandle& m_handle;
+    Spooler& m_spooler;
 };
 
 constexpr DWORD kChangeRights = PRINTER_ACCESS_ADMINISTER | PRINTER_ACCESS_USE;
@@ -188,11 +171,13 @@ void AddValueSteps(const Session& session, const std::vector<PrinterValue>& pres
 
 } // namespace
 
-Settings SettingsStore::Read() const {
-    const Session session(m_api, m_printer, PRINTER_ACCESS_USE);
+Settings ReadSettings(const Printer& printer) {
+    const PrinterHold hold = printer.Hold();
+    const PrinterHandle handle = printer.Open(PRINTER_ACCESS_USE);
+    const Session session(handle);
     Keys keys;
-    Settings settings{session.ReadDriver(), session.ReadMode(ModeLevel::Global),
-                      session.ReadMode(ModeLevel::User), session.ReadValues(keys)};
+    Settings settings{session.ReadDriver(), handle.ReadMode(ModeLevel::Global),
+                      handle.ReadMode(ModeLevel::User), session.ReadValues(keys)};
     for (auto* const mode : {&settings.globalMode, &settings.userMode}) {
         if (*mode) {
             ClearTextRemains(**mode);
@@ -201,37 +186,50 @@ Settings SettingsStore::Read() const {
     return settings;
 }
 
-void SettingsStore::Apply(const Settings& settings) const {
-    const OScopedLock hold(m_api.GetChangeLock());
-    const Session session(m_api, m_printer, kChangeRights);
+void ApplySettings(const Printer& printer, const Settings& settings) {
+    const PrinterHold hold = printer.Hold();
+    const PrinterHandle handle = printer.Open(kChangeRights);
+    const Session session(handle);
     const std::wstring driver = session.ReadDriver().name;
     if (CompareNames(driver, settings.driver.name) != 0) {
         throw WindowsFailure(L"the settings are of the driver \"" + settings.driver.name +
                                  L"\", the printer's driver is \"" + driver + L"\"",
                              ERROR_UNKNOWN_PRINTER_DRIVER);
     }
-    std::vector<SettingsStep> steps;
+    const std::pair<ModeLevel, const std::optional<Bytes>&> modes[] = {
+        {ModeLevel::Global, settings.globalMode}, {ModeLevel::User, settings.userMode}};
+    for (const auto& [level, mode] : modes) {
+        if (mode) {
+            session.NeedTaken(*mode);
+        }
+    }
     Keys keys;
-    AddValueSteps(session, session.ReadValues(keys), settings.values, keys, steps);
-    if (const auto mode = session.Merge(settings.globalMode)) {
-        steps.push_back(session.ModeStep(ModeLevel::Global, *mode, session.ReadMode(ModeLevel::Global)));
+    const std::vector<PrinterValue> present = session.ReadValues(keys);
+    std::vector<SettingsStep> steps;
+    AddValueSteps(session, present, settings.values, keys, steps);
+    // New values come after all other ones, for they perhaps cannot be taken back.
+    std::stable_partition(steps.begin(), steps.end(),
+                          [](const SettingsStep& step) { return step.surelyUndone; });
+    for (const auto& [level, mode] : modes) {
+        if (mode) {
+            steps.push_back(session.ModeStep(level, *mode));
+        }
     }
-    if (const auto mode = session.Merge(settings.userMode)) {
-        steps.push_back(session.ModeStep(ModeLevel::User, *mode, session.ReadMode(ModeLevel::User)));
-    }
-    CarryOut(std::move(steps));
+    CarryOut(steps);
 }
 
-void SettingsStore::Reset() const {
-    const OScopedLock hold(m_api.GetChangeLock());
-    const Session session(m_api, m_printer, kChangeRights);
-    const std::optional<Bytes> mode = session.Merge(session.DefaultMode());
+void ResetSettings(const Printer& printer) {
+    const PrinterHold hold = printer.Hold();
+    const PrinterHandle handle = printer.Open(kChangeRights);
+    const Session session(handle);
+    const Bytes mode = ReadDefaultMode(handle);
+    session.NeedTaken(mode);
     std::vector<SettingsStep> steps;
-    steps.push_back(session.ModeStep(ModeLevel::Global, *mode, session.ReadMode(ModeLevel::Global)));
-    if (const auto former = session.ReadMode(ModeLevel::User)) {
-        steps.push_back(session.ModeStep(ModeLevel::User, *mode, former));
+    steps.push_back(session.ModeStep(ModeLevel::Global, mode));
+    if (handle.ReadMode(ModeLevel::User)) {
+        steps.push_back(session.ModeStep(ModeLevel::User, mode));
     }
-    CarryOut(std::move(steps));
+    CarryOut(steps);
 }
 
 } // namespace kemba::substitute

@@ -1,29 +1,20 @@
 // One printer's settings: reading them, and changing them wholly or not at all.
 #pragma once
 
-#include <string>
-
 #include "substitute/settings/Settings.h"
-#include "substitute/spooler/SettingsApi.h"
+#include "substitute/spooler/Printer.h"
 
 namespace kemba::substitute {
 
-/// Each operation opens the printer with the rights that it needs. Throws Failure with the spooler's status.
-class SettingsStore {
-  public:
-    /// `api` outlives the object; `printer` is the printer's name.
-    SettingsStore(SettingsApi& api, std::wstring printer) : m_api(api), m_printer(std::move(printer)) {}
+/// Each of these opens the printer with the rights that it needs, and holds its lock, so that nobody else's
+/// half is read or left. They throw Failure with the spooler's status.
+Settings ReadSettings(const Printer& printer);
 
-    Settings Read() const;
-    /// Makes the printer's settings those given, see docs/settings-file.md for what cannot be restored.
-    /// Refuses those of another driver. When a step fails, those before it are undone.
-    void Apply(const Settings& settings) const;
-    /// Gives the printer the driver's default device mode, and the user, if there is one of the user's own.
-    void Reset() const;
+/// Makes the printer's settings those given, see docs/settings-file.md for what cannot be restored. Refuses
+/// those of another driver. When a step fails, those before it are undone.
+void ApplySettings(const Printer& printer, const Settings& settings);
 
-  private:
-    SettingsApi& m_api;
-    const std::wstring m_printer;
-};
+/// Gives the printer the driver's default device mode, and the user, if there is one of the user's own.
+void ResetSettings(const Printer& printer);
 
 } // namespace kemba::substitute

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "substitute/base/Failure.h"
+#include "substitute/base/Names.h"
 
 namespace kemba::substitute {
 namespace {

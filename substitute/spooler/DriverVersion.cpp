@@ -3,25 +3,11 @@
 
 #include <cwchar>
 #include <iterator>
-#include <vector>
+
+#include "substitute/base/FileVersion.h"
 
 namespace kemba::substitute {
 namespace {
-
-/// The version that a program file's resources state; 0 without one.
-DWORDLONG VersionOfFile(const std::wstring& path) {
-    DWORD ignored = 0;
-    const DWORD size = path.empty() ? 0 : GetFileVersionInfoSizeW(path.c_str(), &ignored);
-    std::vector<BYTE> record(size);
-    void* found = nullptr;
-    UINT length = 0;
-    if (size == 0 || !GetFileVersionInfoW(path.c_str(), 0, size, record.data()) ||
-        !VerQueryValueW(record.data(), L"\\", &found, &length) || length < sizeof(VS_FIXEDFILEINFO)) {
-        return 0;
-    }
-    const auto& fixed = *static_cast<const VS_FIXEDFILEINFO*>(found);
-    return static_cast<DWORDLONG>(fixed.dwFileVersionMS) << 32 | fixed.dwFileVersionLS;
-}
 
 std::wstring DateText(const FILETIME& date) {
     SYSTEMTIME day = {};

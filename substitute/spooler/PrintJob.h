@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "substitute/spooler/Printer.h"
-#include "substitute/spooler/PrinterHandle.h"
 
 namespace kemba::substitute {
 
@@ -26,10 +25,11 @@ class PrintJob {
     void Finish();
 
   private:
-    void Check(DWORD error, const wchar_t* what) const;
+    void Check(DWORD error, const wchar_t* what);
+    DWORD Delete() noexcept;
 
     const PrinterHandle m_handle;
-    bool m_open = false;
+    DWORD m_job = 0; // 0 once there is nothing to delete
 };
 
 } // namespace kemba::substitute

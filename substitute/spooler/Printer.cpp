@@ -1,17 +1,14 @@
 // A printer's records: reading and changing them.
 #include "substitute/spooler/Printer.h"
 
-#include <winspool.h>
-
-#include <vector>
-
 #include "substitute/base/Failure.h"
+#include "substitute/base/Names.h"
 
 namespace kemba::substitute {
 namespace {
 
 constexpr DWORD kDriverLevel = 8;
-constexpr DWORD kOlderDriverLevel = 6; // the same fields; systems before Windows Vista know no other
+constexpr DWORD kOlderDriverLevel = 6; // the same fields but one; older systems know no other
 
 std::wstring TextOrEmpty(const wchar_t* text) {
     return text ? text : L"";
@@ -19,20 +16,72 @@ std::wstring TextOrEmpty(const wchar_t* text) {
 
 /// The fields that both levels have under the same names.
 template<class Record>
-DriverDescription DescriptionFrom(const std::vector<BYTE>& bytes) {
+DriverDescription DescriptionFrom(const Bytes& bytes) {
     const auto& record = *reinterpret_cast<const Record*>(bytes.data());
-    return {record.dwlDriverVersion, record.ftDriverDate, TextOrEmpty(record.pszProvider),
-            TextOrEmpty(record.pDriverPath)};
+    return {TextOrEmpty(record.pName),
+            record.dwlDriverVersion,
+            record.ftDriverDate,
+            TextOrEmpty(record.pszProvider),
+            TextOrEmpty(record.pDriverPath),
+            TextOrEmpty(record.pConfigFile),
+            0};
+}
+
+void Check(DWORD error, const std::wstring& what) {
+    if (error != ERROR_SUCCESS) {
+        throw WindowsFailure(what + L" failed", error);
+    }
+}
+
+/// "\\server" without a printer: the spooler would open the print server.
+bool IsServerName(const std::wstring& name) {
+    return name.substr(0, 2) == L"\\\\" && name.find(L'\\', 2) == std::wstring::npos;
+}
+
+/// The name if it may be a printer's; else an empty one, which none has.
+std::wstring PrinterNameFrom(const std::wstring& name) {
+    return IsServerName(name) ? std::wstring() : name;
+}
+
+[[noreturn]] void RefuseName(const std::wstring& name) {
+    throw WindowsFailure(L"\"" + name + L"\" is no printer", ERROR_INVALID_PRINTER_NAME);
 }
 
 } // namespace
 
-Printer::Printer(PrinterApi& api, const std::wstring& name)
-    : m_name(name), m_handle(api, name, PRINTER_ACCESS_USE) {}
+DriverDescription DescribeDriver(const PrinterHandle& handle) {
+    const auto [level, record] = handle.ReadDriver(kDriverLevel, kOlderDriverLevel);
+    if (level != kDriverLevel) {
+        return DescriptionFrom<DRIVER_INFO_6W>(record);
+    }
+    DriverDescription description = DescriptionFrom<DRIVER_INFO_8W>(record);
+    description.attributes =
+        reinterpret_cast<const DRIVER_INFO_8W*>(record.data())->dwPrinterDriverAttributes;
+    return description;
+}
+
+Printer::Printer(Spooler& spooler, PrinterLocks& locks, const std::wstring& name)
+    : m_name(name), m_locks(locks), m_handle(spooler, PrinterNameFrom(name), PRINTER_ACCESS_USE) {
+    // "printer,Job 5", ",XcvMonitor Local Port" and the like open what is no printer, or not the printer
+    // alone. Their record, if there is one, has another name, for which a comma is a letter like any other.
+    if (name.find(L',') == std::wstring::npos) {
+        PresentName();
+        return;
+    }
+    std::wstring present;
+    try {
+        present = PresentName();
+    } catch (const Failure&) {
+        RefuseName(name);
+    }
+    if (CompareNames(name, present) != 0) {
+        RefuseName(name);
+    }
+}
 
 PrinterDescription Printer::Describe() const {
     const OScopedLock hold(m_lock);
-    const std::vector<BYTE> record = m_handle.Read(2);
+    const Bytes record = m_handle.Read(2);
     const auto& information = *reinterpret_cast<const PRINTER_INFO_2W*>(record.data());
     PrinterDescription description;
     if (information.Attributes & PRINTER_ATTRIBUTE_SHARED) {
@@ -50,9 +99,7 @@ PrinterDescription Printer::Describe() const {
 
 DriverDescription Printer::DescribeDriver() const {
     const OScopedLock hold(m_lock);
-    const auto [level, record] = m_handle.ReadDriver(kDriverLevel, kOlderDriverLevel);
-    return level == kDriverLevel ? DescriptionFrom<DRIVER_INFO_8W>(record)
-                                 : DescriptionFrom<DRIVER_INFO_6W>(record);
+    return substitute::DescribeDriver(m_handle);
 }
 
 void Printer::ChangeComment(const std::wstring& comment) const {
@@ -79,27 +126,70 @@ void Printer::ChangeShareName(const std::wstring& name) const {
 }
 
 void Printer::Control(DWORD command, const wchar_t* what) const {
-    const PrinterHandle handle(Api(), m_name, PRINTER_ACCESS_ADMINISTER);
-    const DWORD error = Api().Set(handle.Get(), 0, nullptr, command);
-    if (error != ERROR_SUCCESS) {
-        throw WindowsFailure(std::wstring(what) + L" failed", error);
+    const PrinterHandle handle = Open(PRINTER_ACCESS_ADMINISTER);
+    Check(handle.GetSpooler().SetRecord(handle.Get(), 0, nullptr, command), what);
+}
+
+bool Printer::CanShowDialogs() const {
+    return substitute::CanShowDialogs(m_handle.GetSpooler().DescribeDesktop());
+}
+
+void Printer::ShowProperties(const std::wstring& what) const {
+    const auto show = [&](DWORD access) {
+        const PrinterHandle handle = Open(access);
+        Check(handle.GetSpooler().ShowProperties(handle.Get()), what);
+    };
+    // With the right to use the printer alone the pages can be looked at, and not be changed.
+    try {
+        show(PRINTER_ACCESS_ADMINISTER | PRINTER_ACCESS_USE);
+    } catch (const Failure& failure) {
+        if (failure.status != E_ACCESSDENIED) {
+            throw;
+        }
+        show(PRINTER_ACCESS_USE);
     }
+}
+
+void Printer::ShowQueue(const std::wstring& what) const {
+    Check(m_handle.GetSpooler().ShowQueue(PresentName()), what);
+}
+
+PrinterHandle Printer::Open(DWORD access) const {
+    // The spooler opens by name alone. While the printer that was bound has the name both before and after,
+    // no other one has it.
+    const std::wstring name = PresentName();
+    PrinterHandle handle(m_handle.GetSpooler(), name, access);
+    if (CompareNames(name, PresentName()) != 0) {
+        throw WindowsFailure(L"the printer is being renamed", ERROR_INVALID_PRINTER_NAME);
+    }
+    return handle;
+}
+
+PrinterHold Printer::Hold() const {
+    return PrinterHold(m_locks, PresentName());
 }
 
 template<class Change>
 void Printer::ChangeRecord(const std::wstring& what, Change&& change) const {
-    const PrinterHandle handle(Api(), m_name, PRINTER_ACCESS_ADMINISTER | PRINTER_ACCESS_USE);
-    std::vector<BYTE> record = handle.Read(2);
+    const PrinterHold hold = Hold();
+    const PrinterHandle handle = Open(PRINTER_ACCESS_ADMINISTER | PRINTER_ACCESS_USE);
+    Bytes record = handle.Read(2);
     auto& information = *reinterpret_cast<PRINTER_INFO_2W*>(record.data());
     change(information);
     // Without them the spooler keeps what the printer has; with them it would ask for further rights, and
     // rewrite the defaults.
     information.pSecurityDescriptor = nullptr;
     information.pDevMode = nullptr;
-    const DWORD error = Api().Set(handle.Get(), 2, record.data(), 0);
-    if (error != ERROR_SUCCESS) {
-        throw WindowsFailure(what + L" failed", error);
-    }
+    Check(handle.GetSpooler().SetRecord(handle.Get(), 2, record.data(), 0), what);
+}
+
+std::wstring Printer::PresentName() const {
+    const OScopedLock hold(m_lock);
+    return m_handle.ReadName();
+}
+
+bool CanShowDialogs(const Desktop& desktop) {
+    return desktop.visible && desktop.session != 0 && desktop.sessionActive;
 }
 
 } // namespace kemba::substitute

@@ -2,36 +2,68 @@
 #include "substitute/spooler/PrinterHandle.h"
 
 #include "substitute/base/Failure.h"
+#include "substitute/spooler/FillBuffer.h"
 
 namespace kemba::substitute {
+namespace {
 
-PrinterHandle::PrinterHandle(PrinterApi& api, const std::wstring& name, DWORD access) : m_api(api) {
+/// The device mode inside a record, cut to its own size; nothing when there is none.
+std::optional<Bytes> ModeInRecord(const Bytes& record, const DEVMODEW* mode) {
+    const auto* const begin = reinterpret_cast<const BYTE*>(mode);
+    if (begin < record.data() || begin >= record.data() + record.size()) {
+        return std::nullopt;
+    }
+    Bytes bytes(begin, record.data() + record.size());
+    bytes.resize(ModeSize(bytes));
+    return bytes.empty() ? std::nullopt : std::optional<Bytes>(std::move(bytes));
+}
+
+} // namespace
+
+PrinterHandle::PrinterHandle(Spooler& spooler, std::wstring name, DWORD access)
+    : m_spooler(spooler), m_name(std::move(name)) {
     // The spooler takes an empty name for the print server itself.
-    const DWORD error = name.empty() ? ERROR_INVALID_PRINTER_NAME : m_api.Open(name, access, m_handle);
+    const DWORD error =
+        m_name.empty() ? ERROR_INVALID_PRINTER_NAME : m_spooler.Open(m_name, access, m_handle);
     if (error != ERROR_SUCCESS) {
-        throw WindowsFailure(L"opening printer \"" + name + L"\" failed", error);
+        throw WindowsFailure(L"opening printer \"" + m_name + L"\" failed", error);
     }
 }
 
 PrinterHandle::~PrinterHandle() {
-    m_api.Close(m_handle);
+    if (m_handle) {
+        m_spooler.Close(m_handle);
+    }
 }
 
-std::vector<BYTE> PrinterHandle::Read(DWORD level) const {
-    std::vector<BYTE> record;
-    const DWORD error = Ask(&PrinterApi::Get, level, record);
+Bytes PrinterHandle::Read(DWORD level) const {
+    Bytes record;
+    const DWORD error = FillBuffer(record, [&](BYTE* buffer, DWORD size, DWORD& needed) {
+        return m_spooler.GetRecord(m_handle, level, buffer, size, needed);
+    });
     if (error != ERROR_SUCCESS) {
         throw WindowsFailure(L"asking the spooler failed", error);
     }
     return record;
 }
 
-std::pair<DWORD, std::vector<BYTE>> PrinterHandle::ReadDriver(DWORD level, DWORD olderLevel) const {
-    std::vector<BYTE> record;
-    DWORD error = Ask(&PrinterApi::GetDriver, level, record);
+std::wstring PrinterHandle::ReadName() const {
+    const Bytes record = Read(2);
+    const wchar_t* const name = reinterpret_cast<const PRINTER_INFO_2W*>(record.data())->pPrinterName;
+    return name ? name : L"";
+}
+
+std::pair<DWORD, Bytes> PrinterHandle::ReadDriver(DWORD level, DWORD olderLevel) const {
+    Bytes record;
+    const auto ask = [&](DWORD asked) {
+        return FillBuffer(record, [&](BYTE* buffer, DWORD size, DWORD& needed) {
+            return m_spooler.GetDriver(m_handle, asked, buffer, size, needed);
+        });
+    };
+    DWORD error = ask(level);
     if (error == ERROR_INVALID_LEVEL) {
         level = olderLevel;
-        error = Ask(&PrinterApi::GetDriver, level, record);
+        error = ask(level);
     }
     if (error != ERROR_SUCCESS) {
         throw WindowsFailure(L"asking the spooler for the driver failed", error);
@@ -39,18 +71,17 @@ std::pair<DWORD, std::vector<BYTE>> PrinterHandle::ReadDriver(DWORD level, DWORD
     return {level, std::move(record)};
 }
 
-DWORD PrinterHandle::Ask(Question question, DWORD level, std::vector<BYTE>& record) const {
-    record.clear();
-    for (;;) {
-        const auto size = static_cast<DWORD>(record.size());
-        DWORD needed = 0;
-        const DWORD error = (m_api.*question)(m_handle, level, record.data(), size, needed);
-        // The record may have grown since its size was asked for.
-        if (error != ERROR_INSUFFICIENT_BUFFER || needed <= size) {
-            return error;
-        }
-        record.resize(needed);
-    }
+std::optional<Bytes> PrinterHandle::ReadMode(ModeLevel level) const {
+    const Bytes record = Read(static_cast<DWORD>(level));
+    // The records of both levels are this one pointer.
+    return ModeInRecord(record, reinterpret_cast<const PRINTER_INFO_8W*>(record.data())->pDevMode);
+}
+
+DWORD PrinterHandle::SetMode(ModeLevel level, const std::optional<Bytes>& mode) const {
+    Bytes copy = mode.value_or(Bytes());
+    PRINTER_INFO_8W information = {mode ? reinterpret_cast<DEVMODEW*>(copy.data()) : nullptr};
+    return m_spooler.SetRecord(m_handle, static_cast<DWORD>(level), reinterpret_cast<BYTE*>(&information),
+                                0);
 }
 
 } // namespace kemba::substitute

@@ -9,8 +9,7 @@
 #include <string>
 
 #include "substitute/objects/DriverAutomationObject.h"
-#include "tests/substitute/FakeDialogs.h"
-#include "tests/substitute/FakePrinterApi.h"
+#include "tests/substitute/FakeSpooler.h"
 
 /// A BSTR argument for one call.
 class InText {
@@ -62,11 +61,11 @@ class ObjectFixture : public testing::Test {
         return kemba::MakeObject<kemba::substitute::DriverAutomationObject>(context);
     }
 
-    FakePrinterApi spooler;
-    FakeDialogs dialogs;
+    FakeSpooler spooler;
+    kemba::substitute::PrinterLocks locks;
     std::wstring profileFolder = L"C:\\no such folder";
     kemba::substitute::ActionProfiles profiles{[this] { return profileFolder; }};
     kemba::substitute::ServerProcess process;
     kemba::substitute::ContractTypes types;
-    kemba::substitute::ServerContext context{spooler, dialogs, profiles, process, types};
+    kemba::substitute::ServerContext context{spooler, locks, profiles, process, types};
 };

@@ -1,11 +1,12 @@
 // Printers' settings for tests.
 #pragma once
 
-#include "tests/substitute/FakeSettingsApi.h"
+#include "substitute/settings/Settings.h"
+#include "tests/substitute/FakeSpooler.h"
 
 /// A printer with both device modes and values of several kinds, in two keys.
-inline FakeSettingsApi::State MakeRichState() {
-    FakeSettingsApi::State state;
+inline FakeSpooler::State MakeRichState() {
+    FakeSpooler::State state;
     state.globalMode = MakeMode(2);
     state.userMode = MakeMode(3, 0);
     state.keys[L"PrinterDriverData"] = {
@@ -15,8 +16,8 @@ inline FakeSettingsApi::State MakeRichState() {
 }
 
 /// Another state of the same printer: some values changed, missing and new, one in a new key.
-inline FakeSettingsApi::State MakeOtherState() {
-    FakeSettingsApi::State state;
+inline FakeSpooler::State MakeOtherState() {
+    FakeSpooler::State state;
     state.globalMode = MakeMode(20);
     state.userMode = MakeMode(30);
     state.keys[L"PrinterDriverData"] = {{L"Darkness", {REG_DWORD, {9, 0, 0, 0}}},
@@ -29,9 +30,8 @@ inline FakeSettingsApi::State MakeOtherState() {
 }
 
 /// The settings of a printer in that state.
-inline kemba::substitute::Settings SettingsOf(const FakeSettingsApi::State& state) {
-    kemba::substitute::Settings settings{
-        {L"Zippy 300", 0x0001000200030004}, state.globalMode, state.userMode, {}};
+inline kemba::substitute::Settings SettingsOf(const FakeSpooler::State& state) {
+    kemba::substitute::Settings settings{{L"Zippy 300", 0}, state.globalMode, state.userMode, {}};
     for (const auto& [key, values] : state.keys) {
         for (const auto& [name, value] : values) {
             settings.values.push_back({key, name, value.first, value.second});

@@ -43,7 +43,7 @@ class PerformActionTest : public ObjectFixture {
         EXPECT_TRUE(value == VARIANT_TRUE || value == VARIANT_FALSE);
         return value == VARIANT_TRUE;
     }
-    bool Untouched() const { return spooler.journal.empty() && dialogs.shown.empty(); }
+    bool Untouched() const { return spooler.journal.empty(); }
 
     ProfileFolder folder;
     ComPtr<DriverAutomationObject> automation = MakeAutomation();
@@ -141,11 +141,11 @@ TEST_F(PerformActionTest, TheSystemsDialogsAreShownAndSaidToBeDialogs) {
         EXPECT_TRUE(Supported());
         EXPECT_TRUE(Displays());
     }
-    EXPECT_EQ(dialogs.shown, (std::vector<std::wstring>{L"properties of Label A", L"queue of Label A"}));
+    EXPECT_EQ(spooler.journal, (std::vector<std::wstring>{L"properties of Label A", L"queue of Label A"}));
 }
 
 TEST_F(PerformActionTest, NoDialogIsShownWhereNobodyWouldSeeIt) {
-    dialogs.visible = false;
+    spooler.desktop.visible = false;
     for (const auto& [code, word] : {std::pair(17, L"ConfigurePrinter"), {14, L"StatusMonitoring"}}) {
         SCOPED_TRACE(word);
         EXPECT_EQ(Perform(code, 0), S_OK);
@@ -161,7 +161,8 @@ TEST_F(PerformActionTest, NoDialogIsShownWhereNobodyWouldSeeIt) {
 }
 
 TEST_F(PerformActionTest, ADialogThatFailsIsReported) {
-    dialogs.error = ERROR_CALL_NOT_IMPLEMENTED;
+    spooler.failing = FakeSpooler::Call::ShowProperties;
+    spooler.failure = ERROR_CALL_NOT_IMPLEMENTED;
     EXPECT_EQ(Perform(17, 1), HRESULT_FROM_WIN32(ERROR_CALL_NOT_IMPLEMENTED));
     EXPECT_TRUE(BeginsWith(TakeErrorTexts().description, L"PerformAction on printer \"Label A\": showing the "
                                                          L"dialog of action ConfigurePrinter failed: "));
@@ -171,7 +172,7 @@ TEST_F(PerformActionTest, AFailedActionLeavesNoJobAndNoOldAnswer) {
     Profile("Feed = FF");
     EXPECT_EQ(Perform(4, 1), S_OK);
     EXPECT_TRUE(Supported());
-    spooler.failing = FakePrinterApi::Step::EndDocument;
+    spooler.failing = FakeSpooler::Call::EndDocument;
     spooler.journal.clear();
     EXPECT_EQ(Perform(4, 1), HRESULT_FROM_WIN32(ERROR_PRINT_CANCELLED));
     EXPECT_EQ(spooler.journal.back(), L"deleted");

@@ -126,7 +126,8 @@ TEST_F(DriverAutomationObjectTest, IsBoundOnce) {
 
 TEST_F(DriverAutomationObjectTest, AFailingSpoolerIsReportedWithOperationAndPrinter) {
     const auto automation = MakeBound();
-    spooler.getError = ERROR_ACCESS_DENIED;
+    spooler.failing = FakeSpooler::Call::GetRecord;
+    spooler.failure = ERROR_ACCESS_DENIED;
     std::wstring text;
     EXPECT_EQ(ReadText<IDriverAutomation>(*automation, &IDriverAutomation::GetComment, text), E_ACCESSDENIED);
     const std::wstring description = TakeErrorTexts().description;
@@ -173,7 +174,8 @@ TEST_F(DriverAutomationObjectTest, TheStatusObjectTellsTheStateAndOutlivesItsMak
     EXPECT_EQ(ReadText(*information, &IPrinterInformation::GetStatus, status), S_OK);
     EXPECT_EQ(status, L"Paper jam, Offline, 2 jobs");
     EXPECT_EQ(information->GetStatus(nullptr), E_POINTER);
-    spooler.getError = ERROR_PRINTER_DELETED;
+    spooler.failing = FakeSpooler::Call::GetRecord;
+    spooler.failure = ERROR_PRINTER_DELETED;
     EXPECT_EQ(ReadText(*information, &IPrinterInformation::GetStatus, status),
               HRESULT_FROM_WIN32(ERROR_PRINTER_DELETED));
     EXPECT_EQ(TakeErrorTexts().description.find(L"GetStatus on printer \"Label A\": "), 0u);

@@ -26,8 +26,8 @@ VARIANT Omitted() {
 class DriverSettingsObjectTest : public ObjectFixture {
   protected:
     DriverSettingsObjectTest() {
-        spooler.printers[L"Label A"] = {};
-        spooler.settings.state = MakeRichState();
+        spooler.printers[L"Label A"].driver = L"Zippy 300";
+        spooler.printers[L"Label A"].settings = MakeRichState();
         auto automation = MakeAutomation();
         EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
         EXPECT_EQ(automation->GetSettings(settings.Put()), S_OK); // outlives its maker
@@ -42,7 +42,7 @@ class DriverSettingsObjectTest : public ObjectFixture {
 
 TEST_F(DriverSettingsObjectTest, AnExportComesBackByAnImport) {
     ASSERT_EQ(Export(), S_OK);
-    spooler.settings.state = MakeOtherState();
+    spooler.printers[L"Label A"].settings = MakeOtherState();
     ASSERT_EQ(Import(), S_OK);
     const std::wstring again = folder.File(L"again.vqs");
     ASSERT_EQ(settings->ExportSettings(InText(again), Omitted()), S_OK);
@@ -56,12 +56,12 @@ TEST_F(DriverSettingsObjectTest, AnExportComesBackByAnImport) {
 
 TEST_F(DriverSettingsObjectTest, ResetGivesTheDriversDefaults) {
     ASSERT_EQ(settings->ResetSettings(Omitted()), S_OK);
-    EXPECT_EQ(CopiesOf(spooler.settings.state.globalMode), 1);
+    EXPECT_EQ(CopiesOf(spooler.printers[L"Label A"].settings.globalMode), 1);
 }
 
 TEST_F(DriverSettingsObjectTest, AnyOptionalArgumentIsRefused) {
     ASSERT_EQ(Export(), S_OK);
-    spooler.settings.state = MakeOtherState();
+    spooler.printers[L"Label A"].settings = MakeOtherState();
     const Bytes file = ReadSettingsFile(path, kMaximumVqsSize);
     VARIANT options[4] = {};
     V_VT(&options[1]) = VT_I4;
@@ -78,7 +78,7 @@ TEST_F(DriverSettingsObjectTest, AnyOptionalArgumentIsRefused) {
         EXPECT_EQ(settings->ResetSettings(option), E_INVALIDARG);
         EXPECT_EQ(TakeErrorTexts().iid, __uuidof(IDriverSettings));
     }
-    EXPECT_EQ(spooler.settings.state, MakeOtherState());
+    EXPECT_EQ(spooler.printers[L"Label A"].settings, MakeOtherState());
     EXPECT_EQ(ReadSettingsFile(path, kMaximumVqsSize), file);
 }
 
@@ -95,13 +95,13 @@ TEST_F(DriverSettingsObjectTest, APathThatIsNotAbsoluteIsRefused) {
 
 TEST_F(DriverSettingsObjectTest, AnExportThatFailsAtAnyCallLeavesTheOldFile) {
     ASSERT_EQ(Export(), S_OK);
-    const int calls = spooler.settings.calls;
+    const int calls = spooler.calls;
     const Bytes file = ReadSettingsFile(path, kMaximumVqsSize);
-    spooler.settings.state = MakeOtherState();
+    spooler.printers[L"Label A"].settings = MakeOtherState();
     for (int call = 1; call <= calls; ++call) {
         SCOPED_TRACE(call);
-        spooler.settings.calls = 0;
-        spooler.settings.failAt = call;
+        spooler.calls = 0;
+        spooler.failAt = call;
         EXPECT_EQ(Export(), HRESULT_FROM_WIN32(ERROR_WRITE_FAULT));
         const std::wstring description = TakeErrorTexts().description;
         EXPECT_EQ(description.find(L"ExportSettings on printer \"Label A\": exporting the settings to \"" +
@@ -109,14 +109,14 @@ TEST_F(DriverSettingsObjectTest, AnExportThatFailsAtAnyCallLeavesTheOldFile) {
                   0u);
         EXPECT_EQ(ReadSettingsFile(path, kMaximumVqsSize), file);
         EXPECT_EQ(folder.Count(), 1);
-        EXPECT_EQ(spooler.settings.state, MakeOtherState());
+        EXPECT_EQ(spooler.printers[L"Label A"].settings, MakeOtherState());
     }
 }
 
 TEST_F(DriverSettingsObjectTest, SettingsThatNoFileMayHoldLeaveTheOldFile) {
     ASSERT_EQ(Export(), S_OK);
     const Bytes file = ReadSettingsFile(path, kMaximumVqsSize);
-    spooler.settings.state.globalMode->pop_back();
+    spooler.printers[L"Label A"].settings.keys[L"PrinterDriverData"][L"Odd"] = {99, {}}; // no such type
     EXPECT_EQ(Export(), HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
     EXPECT_EQ(ReadSettingsFile(path, kMaximumVqsSize), file);
     EXPECT_EQ(folder.Count(), 1);
@@ -124,21 +124,21 @@ TEST_F(DriverSettingsObjectTest, SettingsThatNoFileMayHoldLeaveTheOldFile) {
 
 TEST_F(DriverSettingsObjectTest, AnImportThatFailsAtAnyCallSaysSoAndChangesNothing) {
     ASSERT_EQ(Export(), S_OK);
-    spooler.settings.state = MakeOtherState();
-    spooler.settings.calls = 0;
+    spooler.printers[L"Label A"].settings = MakeOtherState();
+    spooler.calls = 0;
     ASSERT_EQ(Import(), S_OK);
-    const int calls = spooler.settings.calls;
+    const int calls = spooler.calls;
     for (int call = 1; call <= calls; ++call) {
         SCOPED_TRACE(call);
-        spooler.settings.state = MakeOtherState();
-        spooler.settings.calls = 0;
-        spooler.settings.failAt = call;
+        spooler.printers[L"Label A"].settings = MakeOtherState();
+        spooler.calls = 0;
+        spooler.failAt = call;
         EXPECT_EQ(Import(), HRESULT_FROM_WIN32(ERROR_WRITE_FAULT));
         EXPECT_EQ(
             TakeErrorTexts().description.find(
                 L"ImportSettings on printer \"Label A\": importing the settings of \"" + path + L"\": "),
             0u);
-        EXPECT_EQ(spooler.settings.state, MakeOtherState());
+        EXPECT_EQ(spooler.printers[L"Label A"].settings, MakeOtherState());
     }
 }
 
@@ -148,7 +148,7 @@ TEST_F(DriverSettingsObjectTest, BadFilesAreRefusedAndNothingIsAskedOfThePrinter
     Bytes damaged = good;
     damaged[damaged.size() / 2] ^= 1;
     const Bytes cut(good.begin(), good.end() - 10);
-    spooler.settings.calls = 0;
+    spooler.calls = 0;
     for (const Bytes& bytes : {damaged, cut, Bytes()}) {
         WriteSettingsFile(path, bytes);
         EXPECT_EQ(Import(), HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
@@ -159,7 +159,7 @@ TEST_F(DriverSettingsObjectTest, BadFilesAreRefusedAndNothingIsAskedOfThePrinter
     EXPECT_TRUE(TakeErrorTexts().present);
     EXPECT_EQ(settings->ImportSettings(nullptr, Omitted()), HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
     EXPECT_EQ(settings->ExportSettings(nullptr, Omitted()), HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
-    EXPECT_EQ(spooler.settings.state, MakeRichState());
+    EXPECT_EQ(spooler.printers[L"Label A"].settings, MakeRichState());
 }
 
 TEST_F(DriverSettingsObjectTest, TwoExportsAtOnceLeaveOneWholeFile) {

@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "demo/WinePrinters.h"
+#include "substitute/spooler/WindowsSpooler.h"
 #include "tests/substitute/ObjectFixture.h"
 
 namespace {
@@ -24,12 +25,12 @@ TEST(ServerMemory, ThousandsOfVisitsToTheRealSpoolerLeaveNothing) {
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     {
         const demo::Printer printer;
-        WindowsPrinterApi spooler;
-        FakeDialogs dialogs;
+        WindowsSpooler spooler;
+        PrinterLocks locks;
         ActionProfiles profiles([] { return std::wstring(L"C:\\no such folder"); });
         ServerProcess process;
         ContractTypes types;
-        const ServerContext context{spooler, dialogs, profiles, process, types};
+        const ServerContext context{spooler, locks, profiles, process, types};
         const auto visit = [&] {
             const auto automation = MakeObject<DriverAutomationObject>(context);
             EXPECT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);

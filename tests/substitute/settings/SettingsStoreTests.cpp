@@ -3,9 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <functional>
+#include <optional>
+#include <thread>
 
-#include "substitute/spooler/SettingsBuffer.h"
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/SettingsSamples.h"
 
@@ -15,7 +18,12 @@ using namespace kemba::substitute;
 
 class SettingsStoreTest : public testing::Test {
   protected:
-    SettingsStoreTest() { api.state = MakeRichState(); }
+    SettingsStoreTest() {
+        state = MakeRichState();
+        Record().driver = L"Zippy 300";
+        printer.emplace(spooler, locks, L"Label");
+    }
+    FakeSpooler::Record& Record() { return spooler.printers[L"Label"]; }
 
     HRESULT StatusOf(const std::function<void()>& work) {
         const Failure failure = FailureOf(work);
@@ -24,40 +32,43 @@ class SettingsStoreTest : public testing::Test {
     }
     /// Lets each call of `work` fail in turn: each time the printer has to be as before.
     void FailEveryCall(const std::function<void()>& work) {
-        const auto before = api.state;
+        const auto before = state;
+        spooler.calls = 0;
         work();
-        const int calls = api.calls;
-        ASSERT_NE(api.state, before);
+        const int calls = spooler.calls;
+        ASSERT_NE(state, before);
         for (int call = 1; call <= calls; ++call) {
             SCOPED_TRACE(call);
-            api.state = before;
-            api.calls = 0;
-            api.failAt = call;
+            state = before;
+            spooler.calls = 0;
+            spooler.failAt = call;
             EXPECT_EQ(StatusOf(work), HRESULT_FROM_WIN32(ERROR_WRITE_FAULT));
-            EXPECT_EQ(api.state, before);
-            EXPECT_EQ(api.open, 0);
+            EXPECT_EQ(state, before);
+            EXPECT_EQ(spooler.open, 1);
             EXPECT_EQ(reason.find(L"could not be undone"), std::wstring::npos);
         }
     }
 
-    FakeSettingsApi api;
-    SettingsStore store{api, L"Label"};
+    FakeSpooler spooler;
+    PrinterLocks locks;
+    FakeSpooler::State& state = Record().settings;
+    std::optional<Printer> printer;
     std::wstring reason;
 };
 
 TEST_F(SettingsStoreTest, ReadsModesAndTheDataOfAllKeys) {
-    EXPECT_EQ(store.Read(), SettingsOf(MakeRichState()));
-    api.state = {};
-    EXPECT_EQ(store.Read(), SettingsOf({}));
-    EXPECT_EQ(api.open, 0);
+    EXPECT_EQ(ReadSettings(*printer), SettingsOf(MakeRichState()));
+    state = {};
+    EXPECT_EQ(ReadSettings(*printer), SettingsOf({}));
+    EXPECT_EQ(spooler.open, 1);
 }
 
 TEST_F(SettingsStoreTest, ReadsNothingThatStandsBehindATextsEnd) {
-    auto& mode = *reinterpret_cast<DEVMODEW*>(api.state.globalMode->data());
+    auto& mode = *reinterpret_cast<DEVMODEW*>(state.globalMode->data());
     const std::wstring remains(L"Label\0secret", 12);
     remains.copy(mode.dmDeviceName, remains.size());
     remains.copy(mode.dmFormName, remains.size());
-    const Settings settings = store.Read();
+    const Settings settings = ReadSettings(*printer);
     const auto& read = *reinterpret_cast<const DEVMODEW*>(settings.globalMode->data());
     const std::wstring clean = L"Label" + std::wstring(CCHDEVICENAME - 5, L'\0');
     EXPECT_EQ(std::wstring(read.dmDeviceName, CCHDEVICENAME), clean);
@@ -66,148 +77,189 @@ TEST_F(SettingsStoreTest, ReadsNothingThatStandsBehindATextsEnd) {
 }
 
 TEST_F(SettingsStoreTest, ReadsTheDriversKeyAloneWhereKeysCannotBeListed) {
-    api.lists = false;
-    EXPECT_EQ(store.Read().values.size(), 3u);
+    spooler.lists = false;
+    EXPECT_EQ(ReadSettings(*printer).values.size(), 3u);
 }
 
 TEST_F(SettingsStoreTest, ReadingNeedsNoRightToAdminister) {
-    api.rightsHad = PRINTER_ACCESS_USE;
-    EXPECT_EQ(store.Read(), SettingsOf(MakeRichState()));
+    spooler.rights = PRINTER_ACCESS_USE;
+    EXPECT_EQ(ReadSettings(*printer), SettingsOf(MakeRichState()));
 }
 
 TEST_F(SettingsStoreTest, AppliesExactlyWhatTheSettingsSay) {
     const Settings wanted = SettingsOf(MakeOtherState());
-    store.Apply(wanted);
-    const Settings now = store.Read();
+    ApplySettings(*printer, wanted);
+    const Settings now = ReadSettings(*printer);
     EXPECT_EQ(CopiesOf(now.globalMode), 20);
     EXPECT_EQ(CopiesOf(now.userMode), 30);
     EXPECT_EQ(now.values, wanted.values);
 }
 
 TEST_F(SettingsStoreTest, NamesThePrinterInTheDeviceMode) {
-    store.Apply(SettingsOf(MakeOtherState()));
-    EXPECT_STREQ(reinterpret_cast<const DEVMODEW*>(api.state.globalMode->data())->dmDeviceName, L"Label");
-    const SettingsStore longName(api, std::wstring(100, L'x'));
-    longName.Apply(SettingsOf(MakeOtherState()));
-    EXPECT_EQ(reinterpret_cast<const DEVMODEW*>(api.state.globalMode->data())->dmDeviceName,
+    ApplySettings(*printer, SettingsOf(MakeOtherState()));
+    EXPECT_STREQ(reinterpret_cast<const DEVMODEW*>(state.globalMode->data())->dmDeviceName, L"Label");
+    const std::wstring longName(100, L'x');
+    spooler.Rename(L"Label", longName);
+    ApplySettings(*printer, SettingsOf(MakeOtherState()));
+    EXPECT_EQ(reinterpret_cast<const DEVMODEW*>(state.globalMode->data())->dmDeviceName,
               std::wstring(CCHDEVICENAME - 1, L'x'));
 }
 
 TEST_F(SettingsStoreTest, ALevelThatTheSettingsLackStaysAsItIs) {
     Settings wanted = SettingsOf(MakeOtherState());
     wanted.userMode.reset();
-    store.Apply(wanted);
-    EXPECT_EQ(CopiesOf(api.state.globalMode), 20);
-    EXPECT_EQ(CopiesOf(api.state.userMode), 3);
+    ApplySettings(*printer, wanted);
+    EXPECT_EQ(CopiesOf(state.globalMode), 20);
+    EXPECT_EQ(CopiesOf(state.userMode), 3);
 }
 
 TEST_F(SettingsStoreTest, ExtraValuesStayWhereTheSystemCannotDelete) {
-    api.deletes = false;
-    store.Apply(SettingsOf(MakeOtherState()));
-    EXPECT_EQ(api.state.keys[L"PrinterDriverData\\Tray"].size(), 1u);
-    EXPECT_EQ(api.state.keys[L"PrinterDriverData"][L"Darkness"].second, (Bytes{9, 0, 0, 0}));
+    spooler.deletes = false;
+    ApplySettings(*printer, SettingsOf(MakeOtherState()));
+    EXPECT_EQ(state.keys[L"PrinterDriverData\\Tray"].size(), 1u);
+    EXPECT_EQ(state.keys[L"PrinterDriverData"][L"Darkness"].second, (Bytes{9, 0, 0, 0}));
 }
 
 TEST_F(SettingsStoreTest, AnotherDriversSettingsAreRefused) {
     Settings wanted = SettingsOf(MakeOtherState());
     wanted.driver.name = L"Zippy 400";
-    EXPECT_EQ(StatusOf([&] { store.Apply(wanted); }), HRESULT_FROM_WIN32(ERROR_UNKNOWN_PRINTER_DRIVER));
+    EXPECT_EQ(StatusOf([&] { ApplySettings(*printer, wanted); }),
+              HRESULT_FROM_WIN32(ERROR_UNKNOWN_PRINTER_DRIVER));
     EXPECT_NE(reason.find(L"driver \"Zippy 400\", the printer's driver is \"Zippy 300\""),
               std::wstring::npos);
-    EXPECT_EQ(api.state, MakeRichState());
+    EXPECT_EQ(state, MakeRichState());
     wanted.driver = {L"ZIPPY 300", 1}; // letter case and version do not matter
-    EXPECT_EQ(StatusOf([&] { store.Apply(wanted); }), S_OK);
+    EXPECT_EQ(StatusOf([&] { ApplySettings(*printer, wanted); }), S_OK);
 }
 
 TEST_F(SettingsStoreTest, WithoutTheRightToAdministerNothingChanges) {
-    api.rightsHad = PRINTER_ACCESS_USE;
-    EXPECT_EQ(StatusOf([&] { store.Apply(SettingsOf(MakeOtherState())); }), E_ACCESSDENIED);
-    EXPECT_EQ(StatusOf([&] { store.Reset(); }), E_ACCESSDENIED);
-    EXPECT_EQ(api.state, MakeRichState());
-    EXPECT_EQ(reason.find(L"opening the printer failed: "), 0u);
+    spooler.rights = PRINTER_ACCESS_USE;
+    EXPECT_EQ(StatusOf([&] { ApplySettings(*printer, SettingsOf(MakeOtherState())); }), E_ACCESSDENIED);
+    EXPECT_EQ(StatusOf([&] { ResetSettings(*printer); }), E_ACCESSDENIED);
+    EXPECT_EQ(state, MakeRichState());
+    EXPECT_EQ(reason.find(L"opening printer \"Label\" failed: "), 0u);
 }
 
 TEST_F(SettingsStoreTest, ApplyingThatFailsAtAnyCallLeavesThePrinterAsItWas) {
-    FailEveryCall([&] { store.Apply(SettingsOf(MakeOtherState())); });
+    FailEveryCall([&] { ApplySettings(*printer, SettingsOf(MakeOtherState())); });
 }
 
 TEST_F(SettingsStoreTest, ApplyingToABarePrinterThatFailsAtAnyCallLeavesItBare) {
-    api.state = {};
-    FailEveryCall([&] { store.Apply(SettingsOf(MakeOtherState())); });
+    state = {};
+    FailEveryCall([&] { ApplySettings(*printer, SettingsOf(MakeOtherState())); });
 }
 
 TEST_F(SettingsStoreTest, ResettingThatFailsAtAnyCallLeavesThePrinterAsItWas) {
-    FailEveryCall([&] { store.Reset(); });
+    FailEveryCall([&] { ResetSettings(*printer); });
 }
 
 TEST_F(SettingsStoreTest, WhatCannotBeUndoneIsSaid) {
-    store.Apply(SettingsOf(MakeOtherState()));
-    api.failAt = api.calls; // the last change and everything after it
-    api.failTo = api.calls + 100;
-    api.calls = 0;
-    api.state = MakeRichState();
-    EXPECT_EQ(StatusOf([&] { store.Apply(SettingsOf(MakeOtherState())); }),
+    spooler.calls = 0;
+    ApplySettings(*printer, SettingsOf(MakeOtherState()));
+    spooler.failAt = spooler.calls; // the last change and everything after it
+    spooler.failTo = spooler.calls + 100;
+    spooler.calls = 0;
+    state = MakeRichState();
+    EXPECT_EQ(StatusOf([&] { ApplySettings(*printer, SettingsOf(MakeOtherState())); }),
               HRESULT_FROM_WIN32(ERROR_WRITE_FAULT));
+    EXPECT_NE(reason.find(L"setting the user's device mode failed: "), std::wstring::npos);
     EXPECT_NE(reason.find(L"; setting the printer's device mode could not be undone: "), std::wstring::npos);
     EXPECT_NE(reason.find(L"; changing the value \"PrinterDriverData\\Darkness\" could not be undone: "),
               std::wstring::npos);
 }
 
-TEST_F(SettingsStoreTest, NewValuesComeLastWhereTheyCouldNotBeTakenBack) {
-    api.deletes = false;
-    const auto before = api.state;
-    store.Apply(SettingsOf(MakeOtherState()));
-    const int first = api.calls - 3 + 1; // of the three new values
-    api.state = before;
-    api.calls = 0;
-    api.failAt = first;
-    EXPECT_NE(StatusOf([&] { store.Apply(SettingsOf(MakeOtherState())); }), S_OK);
+TEST_F(SettingsStoreTest, NewValuesComeAfterAllOthersWhereTheyCouldNotBeTakenBack) {
+    spooler.deletes = false;
+    const auto before = state;
+    int values = 0;
+    spooler.before = [&](FakeSpooler::Call call) { values += call == FakeSpooler::Call::SetValue ? 1 : 0; };
+    ApplySettings(*printer, SettingsOf(MakeOtherState()));
+    spooler.before = nullptr;
+    ASSERT_EQ(values, 4); // one is changed, three are new
+    state = before;
+    int left = 2;
+    spooler.before = [&](FakeSpooler::Call call) {
+        spooler.failing = call == FakeSpooler::Call::SetValue && --left == 0 ? call : FakeSpooler::Call::None;
+    };
+    EXPECT_NE(StatusOf([&] { ApplySettings(*printer, SettingsOf(MakeOtherState())); }), S_OK);
     EXPECT_NE(reason.find(L"adding the value"), std::wstring::npos);
-    EXPECT_EQ(api.state, before);
+    EXPECT_EQ(state, before);
+}
+
+// A driver that drops an option which the printer's data do not allow.
+TEST_F(SettingsStoreTest, TheDriverResolvesADeviceModeAgainstTheDataThatComeWithIt) {
+    spooler.merge = [](const FakeSpooler::Record& record, const Bytes& mode) {
+        const auto found = record.settings.keys.find(L"PrinterDriverData");
+        const bool installed = found != record.settings.keys.end() && found->second.contains(L"Cutter");
+        return installed ? mode : MakeMode(0);
+    };
+    state = {};
+    state.keys[L"PrinterDriverData"] = {{L"Cutter", {REG_DWORD, {1, 0, 0, 0}}}};
+    state.globalMode = MakeMode(2);
+    const Settings saved = ReadSettings(*printer);
+    state = {};
+    ApplySettings(*printer, saved);
+    EXPECT_EQ(CopiesOf(state.globalMode), 2);
+}
+
+TEST_F(SettingsStoreTest, AnInvalidParameterIsAFailureWhenAValueIsRemoved) {
+    spooler.failing = FakeSpooler::Call::DeleteValue;
+    spooler.failure = ERROR_INVALID_PARAMETER;
+    EXPECT_EQ(StatusOf([&] { ApplySettings(*printer, SettingsOf(MakeOtherState())); }),
+              HRESULT_FROM_WIN32(ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(state, MakeRichState());
+}
+
+TEST_F(SettingsStoreTest, AReaderWaitsForAHalfAppliedChange) {
+    std::thread reader;
+    std::atomic<bool> started{false};
+    std::vector<PrinterValue> read;
+    spooler.before = [&](FakeSpooler::Call call) {
+        if (call == FakeSpooler::Call::SetRecord &&
+            !started.exchange(true)) { // the data are there, the modes are not
+            reader = std::thread([&] { read = ReadSettings(*printer).values; });
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            EXPECT_TRUE(read.empty());
+        }
+    };
+    ApplySettings(*printer, SettingsOf(MakeOtherState()));
+    ASSERT_TRUE(reader.joinable());
+    reader.join();
+    EXPECT_EQ(read, SettingsOf(MakeOtherState()).values);
+}
+
+TEST_F(SettingsStoreTest, APrinterThatKeepsItsCallerWaitingHoldsUpNoOther) {
+    using Clock = std::chrono::steady_clock;
+    spooler.printers[L"Other"].settings = MakeRichState();
+    spooler.printers[L"Other"].driver = L"Zippy 300";
+    const Printer other(spooler, locks, L"Other");
+    spooler.slow[L"Other"] = std::chrono::milliseconds(500);
+    std::thread waiting([&] { ResetSettings(other); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    const auto begin = Clock::now();
+    ResetSettings(*printer);
+    EXPECT_LT(Clock::now() - begin, std::chrono::milliseconds(400));
+    waiting.join();
 }
 
 TEST_F(SettingsStoreTest, ResetGivesTheDefaultToBothLevelsAndKeepsTheData) {
-    store.Reset();
-    EXPECT_EQ(CopiesOf(api.state.globalMode), 1);
-    EXPECT_EQ(CopiesOf(api.state.userMode), 1);
-    EXPECT_EQ(api.state.keys, MakeRichState().keys);
+    ResetSettings(*printer);
+    EXPECT_EQ(CopiesOf(state.globalMode), 1);
+    EXPECT_EQ(CopiesOf(state.userMode), 1);
+    EXPECT_EQ(state.keys, MakeRichState().keys);
 }
 
 TEST_F(SettingsStoreTest, ResetLeavesAUserWhoFollowsThePrinterFollowing) {
-    api.state.userMode.reset();
-    store.Reset();
-    EXPECT_EQ(CopiesOf(api.state.globalMode), 1);
-    EXPECT_EQ(api.state.userMode, std::nullopt);
+    state.userMode.reset();
+    ResetSettings(*printer);
+    EXPECT_EQ(CopiesOf(state.globalMode), 1);
+    EXPECT_EQ(state.userMode, std::nullopt);
 }
 
 TEST_F(SettingsStoreTest, ADefaultThatIsNoDeviceModeIsRefused) {
-    api.defaultMode.resize(60);
-    EXPECT_EQ(StatusOf([&] { store.Reset(); }), HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
-    EXPECT_EQ(api.state, MakeRichState());
-}
-
-TEST(SettingsBuffer, AsksAgainUntilTheBufferIsLargeEnough) {
-    for (const DWORD tooSmall : {ERROR_INSUFFICIENT_BUFFER, ERROR_MORE_DATA}) {
-        Bytes buffer;
-        std::vector<DWORD> sizes;
-        const DWORD error = FillBuffer(buffer, [&](BYTE*, DWORD size, DWORD& needed) {
-            sizes.push_back(size);
-            needed = sizes.size() < 4 ? static_cast<DWORD>(10 * sizes.size()) : size;
-            return sizes.size() < 4 ? tooSmall : DWORD{ERROR_SUCCESS};
-        });
-        EXPECT_EQ(error, DWORD{ERROR_SUCCESS});
-        EXPECT_EQ(sizes, (std::vector<DWORD>{0, 10, 20, 30}));
-    }
-}
-
-TEST(SettingsBuffer, ASizeThatDoesNotGrowEndsTheAsking) {
-    Bytes buffer;
-    EXPECT_EQ(FillBuffer(buffer,
-                         [](BYTE*, DWORD, DWORD& needed) {
-                             needed = 8;
-                             return DWORD{ERROR_INSUFFICIENT_BUFFER};
-                         }),
-              DWORD{ERROR_INSUFFICIENT_BUFFER});
+    spooler.defaultMode.resize(60);
+    EXPECT_EQ(StatusOf([&] { ResetSettings(*printer); }), HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
+    EXPECT_EQ(state, MakeRichState());
 }
 
 } // namespace

@@ -133,20 +133,23 @@ void Import(const Bytes& variant, Count& count) {
         return;
     }
     ASSERT_EQ(EncodeVqs(outcome.settings), variant); // nothing of it was passed over
-    FakeSettingsApi api;
-    api.state = MakeOtherState();
-    const SettingsStore store(api, L"Label");
+    FakeSpooler spooler;
+    PrinterLocks locks;
+    FakeSpooler::Record& record = spooler.printers[L"Label"];
+    record.driver = L"Zippy 300";
+    record.settings = MakeOtherState();
+    const Printer printer(spooler, locks, L"Label");
     try {
-        store.Apply(outcome.settings);
+        ApplySettings(printer, outcome.settings);
         ++count.accepted;
-        ASSERT_EQ(store.Read().values.size(), outcome.settings.values.size());
+        ASSERT_EQ(ReadSettings(printer).values.size(), outcome.settings.values.size());
         for (const PrinterValue& value : outcome.settings.values) {
-            ASSERT_EQ(api.state.keys.at(value.key).at(value.name), std::pair(value.type, value.data));
+            ASSERT_EQ(record.settings.keys.at(value.key).at(value.name), std::pair(value.type, value.data));
         }
     } catch (const Failure& failure) {
         ++count.foreign;
         ASSERT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_UNKNOWN_PRINTER_DRIVER));
-        ASSERT_EQ(api.state, MakeOtherState());
+        ASSERT_EQ(record.settings, MakeOtherState());
     }
 }
 

@@ -19,7 +19,7 @@ class AdministrationTest : public ObjectFixture {
                                         L"old location", 0,         0x40,         0};
         EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
     }
-    FakePrinterApi::Record& Label() { return spooler.printers[L"Label A"]; }
+    FakeSpooler::Record& Label() { return spooler.printers[L"Label A"]; }
     ComPtr<IPrinterQueue> Queue() {
         ComPtr<IPrinterQueue> queue;
         EXPECT_EQ(automation->GetPrinterQueue(queue.Put()), S_OK);
@@ -107,15 +107,15 @@ TEST_F(AdministrationTest, RefusalsTellWhatWasTriedOnWhichPrinter) {
         {L"Resume on printer \"Label A\": resuming the queue failed: ", [&] { return queue->Resume(); }},
         {L"Purge on printer \"Label A\": purging the queue failed: ", [&] { return queue->Purge(); }},
     };
-    spooler.failing = FakePrinterApi::Step::Set;
+    spooler.failing = FakeSpooler::Call::SetRecord;
     for (const auto& [description, call] : rows) {
         SCOPED_TRACE(description);
         EXPECT_EQ(call(), HRESULT_FROM_WIN32(ERROR_PRINT_CANCELLED));
         EXPECT_TRUE(BeginsWith(TakeErrorTexts().description, description));
         EXPECT_EQ(spooler.open, 1);
     }
-    spooler.failing = FakePrinterApi::Step::None;
-    spooler.adminError = ERROR_ACCESS_DENIED;
+    spooler.failing = FakeSpooler::Call::None;
+    spooler.rights = PRINTER_ACCESS_USE;
     for (const auto& [description, call] : rows) {
         SCOPED_TRACE(description);
         const std::wstring operation(description, std::wstring(description).find(L':'));

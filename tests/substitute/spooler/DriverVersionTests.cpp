@@ -86,13 +86,13 @@ TEST_F(DriverVersionObjectTest, BothLevelsOfDriverRecordsServe) {
 }
 
 TEST_F(DriverVersionObjectTest, FailuresAreReported) {
-    spooler.failing = FakePrinterApi::Step::GetDriver;
+    spooler.failing = FakeSpooler::Call::GetDriver;
     EXPECT_EQ(ReadText<IDriverAutomation>(*automation, &IDriverAutomation::GetDriverVersion, text),
               HRESULT_FROM_WIN32(ERROR_PRINT_CANCELLED));
     EXPECT_TRUE(
         BeginsWith(TakeErrorTexts().description,
                    L"GetDriverVersion on printer \"Label A\": asking the spooler for the driver failed: "));
-    spooler.failing = FakePrinterApi::Step::None;
+    spooler.failing = FakeSpooler::Call::None;
     spooler.driverLevel = 5;
     EXPECT_EQ(ReadText<IDriverAutomation>(*automation, &IDriverAutomation::GetDriverVersionDetail, text),
               HRESULT_FROM_WIN32(ERROR_INVALID_LEVEL));

@@ -12,7 +12,7 @@ namespace {
 
 using kemba::ComPtr;
 using namespace kemba::substitute;
-using Step = FakePrinterApi::Step;
+using Call = FakeSpooler::Call;
 
 class SendFileTest : public ObjectFixture {
   protected:
@@ -119,16 +119,15 @@ TEST_F(SendFileTest, AnXpsDriverGetsItsOwnDataType) {
 TEST_F(SendFileTest, AJobThatFailsHalfWayIsDeleted) {
     const kit::TemporaryFile file(EveryByte(100'000)); // two blocks
     const struct {
-        Step step;
+        Call step;
         bool started;
         const wchar_t* reason;
     } rows[] = {
-        {Step::GetDriver, false, L"asking the spooler for the driver failed: "},
-        {Step::StartDocument, false, L"starting a RAW job failed: "},
-        {Step::StartPage, true, L"starting the job's page failed: "},
-        {Step::Write, true, L"writing to the job failed: "},
-        {Step::EndPage, true, L"ending the job's page failed: "},
-        {Step::EndDocument, true, L"ending the job failed: "},
+        {Call::StartDocument, false, L"starting a RAW job failed: "},
+        {Call::StartPage, true, L"starting the job's page failed: "},
+        {Call::Write, true, L"writing to the job failed: "},
+        {Call::EndPage, true, L"ending the job's page failed: "},
+        {Call::EndDocument, true, L"ending the job failed: "},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.reason);
@@ -140,9 +139,39 @@ TEST_F(SendFileTest, AJobThatFailsHalfWayIsDeleted) {
         EXPECT_EQ(std::count(spooler.journal.begin(), spooler.journal.end(), L"deleted"),
                   row.started ? 1 : 0);
         EXPECT_EQ(spooler.printed, "");
-        EXPECT_EQ(spooler.unfinished, "");
+        EXPECT_EQ(spooler.Unfinished(), "");
         EXPECT_EQ(spooler.open, 1);
     }
+}
+
+TEST_F(SendFileTest, ADriverThatDoesNotTellOfItselfIsNoReasonToFail) {
+    const kit::TemporaryFile file("x");
+    spooler.failing = Call::GetDriver;
+    EXPECT_EQ(Send(file.Path()), S_OK);
+    EXPECT_EQ(spooler.printed, "x");
+}
+
+TEST_F(SendFileTest, AJobWhoseEndFailedAfterItsBytesWentOutIsTakenOutOfTheQueue) {
+    const kit::TemporaryFile file("x");
+    spooler.failing = Call::EndDocument;
+    spooler.endLosesDocument = true;
+    EXPECT_EQ(Send(file.Path()), HRESULT_FROM_WIN32(ERROR_PRINT_CANCELLED));
+    EXPECT_TRUE(spooler.queue.empty());
+    const std::wstring description = TakeErrorTexts().description;
+    EXPECT_NE(description.find(L"ending the job failed: "), std::wstring::npos);
+    EXPECT_EQ(description.find(L"could not be deleted"), std::wstring::npos);
+}
+
+TEST_F(SendFileTest, AJobThatCannotBeDeletedIsNamed) {
+    const kit::TemporaryFile file("x");
+    spooler.endLosesDocument = true;
+    spooler.before = [&](Call call) {
+        spooler.failing = call == Call::EndDocument || call == Call::DeleteJob ? call : Call::None;
+        spooler.failure = call == Call::DeleteJob ? ERROR_ACCESS_DENIED : ERROR_PRINT_CANCELLED;
+    };
+    EXPECT_EQ(Send(file.Path()), HRESULT_FROM_WIN32(ERROR_PRINT_CANCELLED));
+    EXPECT_EQ(spooler.queue.size(), 1u);
+    EXPECT_NE(TakeErrorTexts().description.find(L"; job 1 could not be deleted: "), std::wstring::npos);
 }
 
 TEST_F(SendFileTest, WhatIsNoFileWithBytesIsRefusedBeforeAnyJob) {

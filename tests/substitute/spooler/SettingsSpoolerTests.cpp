@@ -2,13 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 
 #include "demo/LabelDriver.h"
 #include "demo/WinePrinters.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/SettingsStore.h"
 #include "substitute/settings/VqsFormat.h"
-#include "substitute/spooler/SettingsDefaults.h"
+#include "substitute/spooler/DefaultMode.h"
+#include "substitute/spooler/WindowsSpooler.h"
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/TemporaryFolder.h"
 
@@ -21,30 +23,28 @@ using namespace kemba::substitute;
 class SettingsSpoolerTest : public ObjectFixture {
   protected:
     SettingsSpoolerTest() {
-        EXPECT_EQ(api.Open(printer.Name(), PRINTER_ACCESS_ADMINISTER | PRINTER_ACCESS_USE, handle), 0u);
         automation = MakeObject<DriverAutomationObject>(realContext);
         EXPECT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
         EXPECT_EQ(automation->GetSettings(settings.Put()), S_OK);
         V_VT(&omitted) = VT_ERROR;
         V_ERROR(&omitted) = DISP_E_PARAMNOTFOUND;
     }
-    ~SettingsSpoolerTest() override { api.Close(handle); }
 
     void SetValue(const std::wstring& name, DWORD type, const Bytes& data) {
-        EXPECT_EQ(api.SetValue(handle, {kDriverDataKey, name, type, data}), DWORD{ERROR_SUCCESS});
+        EXPECT_EQ(realSpooler.SetValue(handle.Get(), {kDriverDataKey, name, type, data}),
+                  DWORD{ERROR_SUCCESS});
     }
     /// Turns the paper and asks for copies, as a user's settings would.
     void SetMode(short orientation, short copies) {
-        std::optional<Bytes> bytes;
-        ASSERT_EQ(api.GetMode(handle, ModeLevel::Global, bytes), DWORD{ERROR_SUCCESS});
+        std::optional<Bytes> bytes = handle.ReadMode(ModeLevel::Global);
         ASSERT_TRUE(bytes);
         auto& mode = *reinterpret_cast<DEVMODEW*>(bytes->data());
         mode.dmFields |= DM_ORIENTATION | DM_COPIES;
         mode.dmOrientation = orientation;
         mode.dmCopies = copies;
-        ASSERT_EQ(api.SetMode(handle, ModeLevel::Global, bytes), DWORD{ERROR_SUCCESS});
+        ASSERT_EQ(handle.SetMode(ModeLevel::Global, bytes), DWORD{ERROR_SUCCESS});
     }
-    Settings Read() { return SettingsStore(api, printer.Name()).Read(); }
+    Settings Read() { return ReadSettings(Printer(realSpooler, locks, printer.Name())); }
     DEVMODEW Mode() {
         DEVMODEW mode = {};
         std::memcpy(&mode, Read().globalMode->data(), sizeof(mode));
@@ -52,10 +52,9 @@ class SettingsSpoolerTest : public ObjectFixture {
     }
 
     const demo::Printer printer;
-    WindowsPrinterApi realSpooler;
-    ServerContext realContext{realSpooler, dialogs, profiles, process, types};
-    SettingsApi& api = realSpooler.GetSettingsApi();
-    HANDLE handle = nullptr;
+    WindowsSpooler realSpooler;
+    ServerContext realContext{realSpooler, locks, profiles, process, types};
+    const PrinterHandle handle{realSpooler, printer.Name(), PRINTER_ACCESS_ADMINISTER | PRINTER_ACCESS_USE};
     TemporaryFolder folder;
     std::wstring path = folder.File(L"label.vqs");
     ComPtr<DriverAutomationObject> automation;
@@ -86,10 +85,10 @@ TEST_F(SettingsSpoolerTest, AFileOfOnePrinterServesAnotherOfTheSameDriver) {
     SetMode(DMORIENT_LANDSCAPE, 4);
     ASSERT_EQ(settings->ExportSettings(InText(path), omitted), S_OK);
     const demo::Printer other;
-    const SettingsStore store(api, other.Name());
-    store.Apply(DecodeVqs(ReadSettingsFile(path, kMaximumVqsSize)));
+    const Printer target(realSpooler, locks, other.Name());
+    ApplySettings(target, DecodeVqs(ReadSettingsFile(path, kMaximumVqsSize)));
     DEVMODEW mode = {};
-    std::memcpy(&mode, store.Read().globalMode->data(), sizeof(mode));
+    std::memcpy(&mode, ReadSettings(target).globalMode->data(), sizeof(mode));
     EXPECT_EQ(mode.dmCopies, 4);
     EXPECT_EQ(std::wstring(mode.dmDeviceName), other.Name().substr(0, CCHDEVICENAME - 1));
 }
@@ -124,21 +123,21 @@ TEST_F(SettingsSpoolerTest, ADeletedPrinterIsReported) {
     EXPECT_EQ(folder.Count(), 0);
 }
 
-TEST(SettingsDefaults, AskTheDriversConfigurationLibrary) {
-    std::optional<Bytes> mode;
-    EXPECT_EQ(AskLibraryForDefaultMode(DEFAULTS_DRIVER, L"Label", mode), DWORD{ERROR_SUCCESS});
-    ASSERT_TRUE(mode);
-    ASSERT_EQ(mode->size(), sizeof(DEVMODEW) + 2);
-    const auto& read = *reinterpret_cast<const DEVMODEW*>(mode->data());
+TEST(WindowsSpooler, AsksADriversConfigurationLibraryForItsDefaultMode) {
+    Bytes mode;
+    EXPECT_EQ(WindowsSpooler().AskLibraryForMode(DEFAULTS_DRIVER, L"Label", mode), DWORD{ERROR_SUCCESS});
+    ASSERT_EQ(mode.size(), sizeof(DEVMODEW) + 2);
+    const auto& read = *reinterpret_cast<const DEVMODEW*>(mode.data());
     EXPECT_STREQ(read.dmDeviceName, L"Label");
     EXPECT_EQ(read.dmCopies, 42);
 }
 
-TEST(SettingsDefaults, ALibraryWithoutTheFunctionHasNone) {
-    std::optional<Bytes> mode;
-    EXPECT_EQ(AskLibraryForDefaultMode(L"kernel32.dll", L"Label", mode), DWORD{ERROR_CALL_NOT_IMPLEMENTED});
-    EXPECT_EQ(AskLibraryForDefaultMode(L"no such library.dll", L"Label", mode), DWORD{ERROR_MOD_NOT_FOUND});
-    EXPECT_FALSE(mode);
+TEST(WindowsSpooler, ALibraryWithoutTheFunctionHasNoDefaultMode) {
+    Bytes mode;
+    EXPECT_EQ(WindowsSpooler().AskLibraryForMode(L"kernel32.dll", L"Label", mode),
+              DWORD{ERROR_CALL_NOT_IMPLEMENTED});
+    EXPECT_EQ(WindowsSpooler().AskLibraryForMode(L"no such library.dll", L"Label", mode),
+              DWORD{ERROR_MOD_NOT_FOUND});
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "demo/LabelDriver.h"
 #include "demo/WinePrinters.h"
 #include "substitute/objects/DriverActionsObject.h"
+#include "substitute/spooler/WindowsSpooler.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/substitute/ObjectFixture.h"
@@ -21,8 +22,8 @@ class SpoolerTest : public ObjectFixture {
   protected:
     ComPtr<DriverAutomationObject> MakeReal() { return MakeObject<DriverAutomationObject>(realContext); }
 
-    WindowsPrinterApi realSpooler;
-    ServerContext realContext{realSpooler, dialogs, profiles, process, types};
+    WindowsSpooler realSpooler;
+    ServerContext realContext{realSpooler, locks, profiles, process, types};
 };
 
 TEST_F(SpoolerTest, ReadsARealPrinter) {
