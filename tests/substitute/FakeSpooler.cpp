@@ -98,8 +98,9 @@ DWORD FakeSpooler::Answer(Call call, HANDLE handle, Work&& work) {
     if (call == failing && (call != Call::Write || !Unfinished().empty())) {
         return failure;
     }
-    if (handle && !NameOf(static_cast<Opened*>(handle)->record)) {
-        return ERROR_PRINTER_DELETED;
+    const Record* const record = handle ? static_cast<Opened*>(handle)->record : nullptr;
+    if (handle && !NameOf(record)) {
+        return record ? ERROR_PRINTER_DELETED : ERROR_INVALID_HANDLE;
     }
     return work();
 }
@@ -127,7 +128,7 @@ void FakeSpooler::Rename(const std::wstring& from, const std::wstring& to) {
     printers.insert(std::move(node));
 }
 
-void FakeSpooler::Remove(const std::wstring& name) {
+void FakeSpooler::Lose(const std::wstring& name) {
     const std::lock_guard hold(m_mutex);
     auto node = printers.extract(name);
     node.key() += L" " + std::to_wstring(m_removed.size());
@@ -153,14 +154,15 @@ DWORD FakeSpooler::Open(const std::wstring& name, DWORD access, HANDLE& handle) 
     }
     std::this_thread::sleep_for(pause);
     return Answer(Call::Open, nullptr, [&]() -> DWORD {
-        const auto found = printers.find(name);
-        if (found == printers.end()) {
+        const auto other = opensAs.find(name);
+        const auto found = printers.find(other == opensAs.end() ? name : other->second);
+        if (found == printers.end() && other == opensAs.end()) {
             return ERROR_INVALID_PRINTER_NAME;
         }
         if (access & ~rights) {
             return ERROR_ACCESS_DENIED;
         }
-        handle = &m_opened.emplace_back(&found->second, access);
+        handle = &m_opened.emplace_back(found == printers.end() ? nullptr : &found->second, access);
         accesses.push_back(access);
         ++open;
         ++opened;
@@ -268,7 +270,7 @@ DWORD FakeSpooler::Add(PRINTER_INFO_2W& record, HANDLE& handle) {
 
 DWORD FakeSpooler::Delete(HANDLE handle) {
     return Answer(Call::Delete, handle, [&] {
-        Remove(std::wstring(*NameOf(static_cast<Opened*>(handle)->record)));
+        Lose(std::wstring(*NameOf(static_cast<Opened*>(handle)->record)));
         return DWORD{ERROR_SUCCESS};
     });
 }

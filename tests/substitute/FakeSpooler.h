@@ -97,6 +97,8 @@ class FakeSpooler : public kemba::substitute::Spooler {
     bool deletes = true;           ///< whether values and keys can be deleted
     bool lists = true;             ///< whether keys can be listed
     bool endLosesDocument = false; ///< a document whose end failed cannot be given up any more: its job stays
+    std::map<std::wstring, std::wstring, LessName>
+        opensAs; ///< further names, of printers; empty: of what has no record
     std::function<Bytes(const Record&, const Bytes&)> merge; ///< the driver's form of a mode; none: the same
 
     // What goes wrong.
@@ -125,7 +127,7 @@ class FakeSpooler : public kemba::substitute::Spooler {
 
     /// As somebody else might do at any time; handles stay with their printer.
     void Rename(const std::wstring& from, const std::wstring& to);
-    void Remove(const std::wstring& name);
+    void Lose(const std::wstring& name);
     std::string Unfinished() const;
 
     DWORD Open(const std::wstring& name, DWORD access, HANDLE& handle) override;
@@ -157,7 +159,7 @@ class FakeSpooler : public kemba::substitute::Spooler {
 
   private:
     struct Opened {
-        Record* record;
+        Record* record; // null: what has none
         DWORD access;
         DWORD job = 0; // of the document that has been started
     };

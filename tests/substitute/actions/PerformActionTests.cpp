@@ -144,6 +144,12 @@ TEST_F(PerformActionTest, TheSystemsDialogsAreShownAndSaidToBeDialogs) {
     EXPECT_EQ(spooler.journal, (std::vector<std::wstring>{L"properties of Label A", L"queue of Label A"}));
 }
 
+TEST_F(PerformActionTest, PropertiesMayBeChangedByAdministratorsAndLookedAtByOthers) {
+    spooler.rights = PRINTER_ACCESS_USE;
+    EXPECT_EQ(Perform(17, 1), S_OK);
+    EXPECT_EQ(spooler.journal, std::vector<std::wstring>{L"properties to look at of Label A"});
+}
+
 TEST_F(PerformActionTest, NoDialogIsShownWhereNobodyWouldSeeIt) {
     spooler.desktop.visible = false;
     for (const auto& [code, word] : {std::pair(17, L"ConfigurePrinter"), {14, L"StatusMonitoring"}}) {

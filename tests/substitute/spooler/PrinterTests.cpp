@@ -3,13 +3,21 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <functional>
+#include <thread>
+#include <utility>
+
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/FakeSpooler.h"
 
 namespace {
 
+using kemba::substitute::CanShowDialogs;
 using kemba::substitute::Failure;
 using kemba::substitute::Printer;
+using kemba::substitute::PrinterHold;
+using namespace std::chrono_literals;
 
 class PrinterTest : public testing::Test {
   protected:
@@ -68,6 +76,99 @@ TEST_F(PrinterTest, TheShareNameCountsOnlyWhileThePrinterIsShared) {
     EXPECT_EQ(printer.Describe().shareName, L"");
     spooler.printers[L"Label"].attributes = PRINTER_ATTRIBUTE_SHARED;
     EXPECT_EQ(printer.Describe().shareName, L"LABEL");
+}
+
+TEST_F(PrinterTest, AReadAsksTheSpoolerOnce) {
+    const Printer printer(spooler, locks, L"Label");
+    spooler.asked = 0;
+    printer.Describe();
+    EXPECT_EQ(spooler.asked, 1);
+}
+
+TEST_F(PrinterTest, WhatIsNoPrinterIsRefusedThoughItCanBeOpened) {
+    for (const wchar_t* const name :
+         {L",XcvMonitor Local Port", L",XcvPort LPT1:", L"\\\\server,XcvMonitor Local Port", L"Label,Job 5",
+          L"Label, Job 5", L"\\\\server", L"\\\\", L"\\\\server\\Label,Job 5"}) {
+        SCOPED_TRACE(name);
+        // The spooler gives a handle; what the handle is good for differs.
+        const std::wstring text = name;
+        spooler.opensAs[text] = text.find(L"Label") == std::wstring::npos ? L"" : L"Label";
+        const Failure failure = FailureOf([&] { Printer(spooler, locks, text); });
+        EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_INVALID_PRINTER_NAME));
+        EXPECT_EQ(spooler.open, 0);
+    }
+    spooler.printers[L"Label, left"].comment = L"comma";
+    EXPECT_EQ(Printer(spooler, locks, L"LABEL, left").Describe().comment, L"comma");
+    spooler.printers[L"\\\\server\\Label"].comment = L"remote";
+    EXPECT_EQ(Printer(spooler, locks, L"\\\\server\\Label").Describe().comment, L"remote");
+}
+
+TEST_F(PrinterTest, ARenamedPrinterIsStillTheOneThatWasNamed) {
+    const Printer printer(spooler, locks, L"Label");
+    spooler.Rename(L"Label", L"Label 2");
+    spooler.printers[L"Label"].comment = L"another one";
+    printer.ChangeComment(L"changed");
+    printer.Control(PRINTER_CONTROL_PAUSE, L"pausing");
+    EXPECT_EQ(printer.Describe().comment, L"changed");
+    EXPECT_EQ(spooler.printers[L"Label 2"].comment, L"changed");
+    EXPECT_EQ(spooler.printers[L"Label"].comment, L"another one");
+    EXPECT_EQ(spooler.open, 1);
+}
+
+TEST_F(PrinterTest, ARenameInTheMiddleOfAChangeFailsIt) {
+    const Printer printer(spooler, locks, L"Label");
+    bool renamed = false;
+    spooler.before = [&](FakeSpooler::Call call) {
+        if (call == FakeSpooler::Call::Open && !std::exchange(renamed, true)) {
+            spooler.Rename(L"Label", L"Label 2");
+            spooler.printers[L"Label"].comment = L"another one";
+        }
+    };
+    EXPECT_EQ(FailureOf([&] { printer.ChangeComment(L"changed"); }).status,
+              HRESULT_FROM_WIN32(ERROR_INVALID_PRINTER_NAME));
+    EXPECT_EQ(spooler.printers[L"Label"].comment, L"another one");
+    EXPECT_EQ(spooler.printers[L"Label 2"].comment, L"by the door");
+}
+
+TEST_F(PrinterTest, ADeletedPrinterIsNotReplacedByOneOfItsName) {
+    const Printer printer(spooler, locks, L"Label");
+    spooler.Lose(L"Label");
+    spooler.printers[L"Label"].comment = L"another one";
+    EXPECT_EQ(FailureOf([&] { printer.ChangeComment(L"changed"); }).status,
+              HRESULT_FROM_WIN32(ERROR_PRINTER_DELETED));
+    EXPECT_EQ(spooler.printers[L"Label"].comment, L"another one");
+}
+
+TEST_F(PrinterTest, TwoChangesAtOnceAreBothKept) {
+    const Printer first(spooler, locks, L"Label");
+    const Printer second(spooler, locks, L"LABEL"); // as another client named it
+    std::thread other;
+    spooler.before = [&](FakeSpooler::Call call) {
+        if (call == FakeSpooler::Call::SetRecord && !other.joinable()) { // between reading and writing
+            other = std::thread([&] { second.ChangeLocation(L"Hall"); });
+            std::this_thread::sleep_for(50ms);
+        }
+    };
+    first.ChangeComment(L"changed");
+    other.join();
+    EXPECT_EQ(first.Describe().comment, L"changed");
+    EXPECT_EQ(first.Describe().location, L"Hall");
+}
+
+TEST(Desktop, ADialogIsShownOnlyWhereSomebodyIsConnected) {
+    const struct {
+        kemba::substitute::Desktop desktop;
+        bool shown;
+    } rows[] = {
+        {{true, 1, true}, true},   // a user at the machine, or through a remote desktop
+        {{false, 1, true}, false}, // a scheduled task without a desktop
+        {{true, 0, true}, false},  // a service's session, whatever its desktop says
+        {{true, 1, false}, false}, // a session that was left
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(CanShowDialogs(row.desktop), row.shown)
+            << row.desktop.visible << row.desktop.session << row.desktop.sessionActive;
+    }
 }
 
 } // namespace

@@ -123,6 +123,13 @@ TEST_F(SettingsSpoolerTest, ADeletedPrinterIsReported) {
     EXPECT_EQ(folder.Count(), 0);
 }
 
+TEST(WindowsSpooler, TellsARefusalFromWhatTheSystemDoesNotOffer) {
+    EXPECT_EQ(RemovalError(ERROR_INVALID_PARAMETER, true), DWORD{ERROR_INVALID_PARAMETER});
+    EXPECT_EQ(RemovalError(ERROR_INVALID_PARAMETER, false), DWORD{ERROR_CALL_NOT_IMPLEMENTED});
+    EXPECT_EQ(RemovalError(ERROR_ACCESS_DENIED, false), DWORD{ERROR_ACCESS_DENIED});
+    EXPECT_EQ(RemovalError(ERROR_SUCCESS, true), DWORD{ERROR_SUCCESS});
+}
+
 TEST(WindowsSpooler, AsksADriversConfigurationLibraryForItsDefaultMode) {
     Bytes mode;
     EXPECT_EQ(WindowsSpooler().AskLibraryForMode(DEFAULTS_DRIVER, L"Label", mode), DWORD{ERROR_SUCCESS});
