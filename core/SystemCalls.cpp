@@ -1,6 +1,8 @@
 // Binding of the platform calls behind the seam.
 #include "core/SystemCalls.h"
 
+#include "core/SystemLibraries.h"
+
 namespace OCore {
 namespace {
 
@@ -8,7 +10,7 @@ namespace {
 constexpr WORD kGetDefaultPrinterOrdinal = 203;
 
 decltype(&::GetDefaultPrinterW) BindGetDefaultPrinter() {
-    const HMODULE spooler = GetModuleHandleW(L"winspool.drv");
+    const HMODULE spooler = LoadSystemLibrary("winspool.drv");
     auto* const address =
         reinterpret_cast<void*>(GetProcAddress(spooler, MAKEINTRESOURCEA(kGetDefaultPrinterOrdinal)));
     return reinterpret_cast<decltype(&::GetDefaultPrinterW)>(address);

@@ -1,10 +1,12 @@
 // kemba.exe.
 #include "cli/main/EntryPoint.h"
+#include "core/SystemLibraries.h"
 
 extern "C" {
 int _dowildcard = 0; // words with "?" and "*" are handed on as typed
 }
 
 int wmain(int argumentCount, wchar_t* arguments[]) {
+    OCore::TakeLibrariesFromTheSystemOnly();
     return kemba::RunKemba(argumentCount, arguments);
 }

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/SystemLibraries.h"
 #include "substitute/base/Failure.h"
 #include "substitute/server/ClassFactory.h"
 #include "substitute/server/CommandLine.h"
@@ -80,6 +81,7 @@ int Run(const CommandLine& commandLine) {
 } // namespace
 
 int wmain(int count, wchar_t** words) {
+    OCore::TakeLibrariesFromTheSystemOnly();
     try {
         return Run(
             ParseCommandLine(std::vector<std::wstring_view>(words + (count > 0 ? 1 : 0), words + count)));

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "core/SystemLibraries.h"
+
 namespace {
 
 TEST(SystemCalls, AreThePlatformsOwn) {
@@ -17,8 +19,8 @@ TEST(SystemCalls, AreThePlatformsOwn) {
 }
 
 TEST(SystemCalls, FindTheDefaultPrinterCallByItsOrdinal) {
-    auto* const byName =
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"winspool.drv"), "GetDefaultPrinterW"));
+    auto* const byName = reinterpret_cast<void*>(
+        GetProcAddress(OCore::LoadSystemLibrary("winspool.drv"), "GetDefaultPrinterW"));
     ASSERT_NE(byName, nullptr);
     EXPECT_EQ(reinterpret_cast<void*>(OCore::TheSystemCalls().getDefaultPrinter), byName);
 }

@@ -1,0 +1,30 @@
+# System libraries that Windows looks for beside the program first: all but the "known DLLs". Programs that ship import
+# them through these targets, which load them at the first call by way of core/SystemLibraries.cpp.
+
+# kemba_system_library(TARGET LIBRARY FILE): TARGET offers the calls of the import library lib<LIBRARY>.a, out of the
+# system's FILE.
+function(kemba_system_library target library file)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=lib${library}.a
+        OUTPUT_VARIABLE import_library OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    execute_process(COMMAND ${CMAKE_NM} --defined-only ${import_library}
+        OUTPUT_VARIABLE symbols ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
+    string(REGEX MATCHALL " T [A-Za-z0-9_]+" calls "${symbols}")
+    list(TRANSFORM calls REPLACE "^ T " "")
+    list(JOIN calls "\n" calls)
+    set(folder ${PROJECT_BINARY_DIR}/system)
+    file(CONFIGURE OUTPUT ${folder}/${library}.def CONTENT "LIBRARY ${file}\nEXPORTS\n${calls}\n" @ONLY)
+    add_custom_command(
+        OUTPUT ${folder}/lib${target}.a
+        COMMAND ${CMAKE_DLLTOOL} -m i386:x86-64 -d ${library}.def --output-delaylib lib${target}.a
+        WORKING_DIRECTORY ${folder}
+        DEPENDS ${folder}/${library}.def
+        COMMENT "Making the delayed imports of ${file}"
+        VERBATIM)
+    add_custom_target(${target}_file DEPENDS ${folder}/lib${target}.a)
+    add_library(${target} INTERFACE)
+    add_dependencies(${target} ${target}_file)
+    target_link_libraries(${target} INTERFACE ${folder}/lib${target}.a)
+endfunction()
+
+kemba_system_library(system_version version VERSION.dll)
+kemba_system_library(system_winspool winspool WINSPOOL.DRV)

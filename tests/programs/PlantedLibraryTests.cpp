@@ -1,0 +1,181 @@
+// Files named like the system's libraries lie beside the programs, and the system prefers them to its own.
+//
+// Windows does so with every library that is no "known DLL"; Wine does it with those that WINEDLLOVERRIDES
+// names.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <DriverAutomation.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "automation/Owners.h"
+#include "demo/WinePrinters.h"
+#include "tests/programs/Kemba.h"
+#include "tests/substitute/TemporaryFolder.h"
+
+namespace {
+
+using kemba::ComPtr;
+using kemba::OwnedBstr;
+using programs::Framed;
+using programs::Printed;
+
+/// What the programs import besides known DLLs, and what Wine's own libraries load behind those calls.
+const std::vector<std::wstring> kLibraries = {L"WINSPOOL.DRV", L"VERSION.dll",  L"actxprxy.dll",
+                                              L"compstui.dll", L"localspl.dll", L"spoolss.dll",
+                                              L"uxtheme.dll"};
+
+/// Wine's own user32.dll imports it, before any program's first line: it may be loaded, but not be used.
+constexpr wchar_t kLoadedByWine[] = L"VERSION.dll";
+
+class PlantedLibrary : public testing::Test {
+  protected:
+    PlantedLibrary() {
+        for (const std::wstring& library : kLibraries) {
+            std::filesystem::copy_file(kit::ProgramPath(L"planted_library.dll"), folder.File(library));
+        }
+    }
+    ~PlantedLibrary() override {
+        for (const std::wstring& key : m_keys) {
+            EXPECT_EQ(RegDeleteTreeW(HKEY_CURRENT_USER, key.c_str()), ERROR_SUCCESS);
+        }
+    }
+
+    /// Copies a built program beside the planted libraries, under a name of its own, by which Wine knows what
+    /// to prefer; gives its path.
+    std::wstring Bring(const std::wstring& program) {
+        const std::wstring name = L"planted-" + std::to_wstring(GetCurrentProcessId()) + L"-" + program;
+        std::filesystem::copy_file(kit::ProgramPath(program), folder.File(name));
+        m_keys.push_back(L"Software\\Wine\\AppDefaults\\" + name);
+        for (const std::wstring& library : kLibraries) {
+            const std::wstring stem =
+                library.substr(0, library.size() - (library.ends_with(L".dll") ? 4 : 0));
+            constexpr wchar_t kOrder[] = L"native,builtin";
+            EXPECT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, (m_keys.back() + L"\\DllOverrides").c_str(),
+                                      stem.c_str(), REG_SZ, kOrder, sizeof(kOrder)),
+                      ERROR_SUCCESS);
+        }
+        return folder.File(name);
+    }
+    bool WasLoaded(const std::wstring& library) const {
+        return std::filesystem::exists(folder.File(library + L".loaded"));
+    }
+    void ExpectNoneWasLoaded() const {
+        for (const std::wstring& library : kLibraries) {
+            EXPECT_TRUE(library == kLoadedByWine || !WasLoaded(library)) << Printed(library);
+        }
+    }
+
+    const TemporaryFolder folder;
+
+  private:
+    std::vector<std::wstring> m_keys;
+};
+
+/// A copy of the server under a class of its own, so that it has no other clients and may simply be ended.
+class OwnServer {
+  public:
+    explicit OwnServer(const std::wstring& program) {
+        CoCreateGuid(&m_class);
+        GiveClass(program);
+        std::wstring line = L"\"" + program + L"\" -Embedding";
+        STARTUPINFOW startup{};
+        startup.cb = sizeof(startup);
+        PROCESS_INFORMATION started{};
+        if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                            &startup, &started)) {
+            throw std::runtime_error("the server cannot be started");
+        }
+        CloseHandle(started.hThread);
+        m_process = started.hProcess;
+    }
+    OwnServer(const OwnServer&) = delete;
+    OwnServer& operator=(const OwnServer&) = delete;
+    ~OwnServer() {
+        TerminateProcess(m_process, 0);
+        WaitForSingleObject(m_process, INFINITE);
+        CloseHandle(m_process);
+    }
+
+    /// Asks until the server, which has just been started, offers its class; null when it ends before.
+    ComPtr<IDriverAutomation> Activate() const {
+        void* object = nullptr;
+        while (FAILED(CoCreateInstance(m_class, nullptr, CLSCTX_LOCAL_SERVER, __uuidof(IDriverAutomation),
+                                       &object)) &&
+               WaitForSingleObject(m_process, 20) == WAIT_TIMEOUT) {
+        }
+        return ComPtr<IDriverAutomation>(static_cast<IDriverAutomation*>(object));
+    }
+
+  private:
+    /// Puts the class in the place of the server's, wherever that stands in the program.
+    void GiveClass(const std::wstring& program) const {
+        const std::filesystem::path path(program);
+        std::ifstream input(path, std::ios::binary);
+        std::string bytes{std::istreambuf_iterator<char>(input), {}};
+        input.close();
+        const GUID served = __uuidof(DriverAutomation);
+        const std::string_view before(reinterpret_cast<const char*>(&served), sizeof(GUID));
+        const std::string_view after(reinterpret_cast<const char*>(&m_class), sizeof(GUID));
+        std::size_t found = bytes.find(before);
+        EXPECT_NE(found, std::string::npos);
+        for (; found != std::string::npos; found = bytes.find(before, found)) {
+            bytes.replace(found, before.size(), after);
+        }
+        std::ofstream(path, std::ios::binary) << bytes;
+    }
+
+    CLSID m_class{};
+    HANDLE m_process = nullptr;
+};
+
+std::wstring Ask(IDriverAutomation& automation, HRESULT (IDriverAutomation::*question)(BSTR*)) {
+    OwnedBstr answer;
+    EXPECT_EQ((automation.*question)(answer.Put()), S_OK);
+    return answer.Text();
+}
+
+TEST_F(PlantedLibrary, IsLoadedByAProgramThatTakesNoCare) {
+    const std::wstring victim = Bring(L"planted-victim.exe");
+    kit::RunProgram(victim, {});
+    EXPECT_TRUE(WasLoaded(L"WINSPOOL.DRV"));
+    EXPECT_TRUE(WasLoaded(L"VERSION.dll"));
+    kit::RunProgram(victim, kLibraries);
+    for (const std::wstring& library : kLibraries) {
+        EXPECT_TRUE(WasLoaded(library)) << Printed(library);
+    }
+}
+
+TEST_F(PlantedLibrary, IsNotLoadedByKemba) {
+    const demo::Printer printer({.comment = L"by the door"});
+    const kit::ProcessResult run =
+        kit::RunProgram(Bring(L"kemba.exe"), {L"/p", printer.Name(), L"get", L"comment"});
+    EXPECT_EQ(run.output, Framed("Get", Printed(printer.Name()) + ": by the door\r\n"));
+    EXPECT_EQ(run.status, 0U);
+    ExpectNoneWasLoaded();
+}
+
+TEST_F(PlantedLibrary, IsNotLoadedByTheServer) {
+    const demo::Printer printer({.comment = L"by the door"});
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    {
+        const OwnServer server(Bring(L"kemba-dal.exe"));
+        const ComPtr<IDriverAutomation> automation = server.Activate();
+        ASSERT_TRUE(automation);
+        ASSERT_EQ(automation->PutPrinterName(OwnedBstr::Copy(printer.Name()).Get()), S_OK);
+        EXPECT_EQ(Ask(*automation, &IDriverAutomation::GetComment), L"by the door");
+        EXPECT_NE(Ask(*automation, &IDriverAutomation::GetDriverVersion), L"") << "read by VERSION.dll";
+    }
+    CoUninitialize();
+    ExpectNoneWasLoaded();
+}
+
+} // namespace
