@@ -8,6 +8,7 @@
 #include <iterator>
 #include <thread>
 
+#include "core/SystemLibraries.h"
 #include "substitute/base/Handles.h"
 #include "substitute/spooler/FillBuffer.h"
 
@@ -61,14 +62,14 @@ std::wstring InSystemFolder(const wchar_t* name) {
 
 /// Whether somebody is connected to this process's session. What the system does not tell counts as yes.
 bool IsSessionActive() {
-    const UniqueLibrary sessions(LoadLibraryW(InSystemFolder(L"wtsapi32.dll").c_str()));
+    const HMODULE sessions = OCore::LoadSystemLibrary("wtsapi32.dll");
     if (!sessions) {
         return true;
     }
     using Query = decltype(&WTSQuerySessionInformationW);
     using Free = decltype(&WTSFreeMemory);
     const auto find = [&](const char* name) {
-        return reinterpret_cast<void*>(GetProcAddress(sessions.get(), name));
+        return reinterpret_cast<void*>(GetProcAddress(sessions, name));
     };
     const auto query = reinterpret_cast<Query>(find("WTSQuerySessionInformationW"));
     const auto free = reinterpret_cast<Free>(find("WTSFreeMemory"));
