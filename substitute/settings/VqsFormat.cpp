@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "core/Crc32.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/Names.h"
 
@@ -18,20 +19,6 @@ constexpr std::size_t kSizeOffset = kMagic.size() + sizeof(std::uint32_t);
 constexpr std::size_t kHeaderSize = kSizeOffset + sizeof(std::uint32_t);
 constexpr std::size_t kChecksumSize = sizeof(std::uint32_t);
 constexpr DWORD kLastType = REG_QWORD;
-
-constexpr std::array<std::uint32_t, 256> MakeCrcTable() {
-    std::array<std::uint32_t, 256> table = {};
-    for (std::uint32_t index = 0; index < table.size(); ++index) {
-        std::uint32_t value = index;
-        for (int bit = 0; bit < 8; ++bit) {
-            value = (value >> 1) ^ ((value & 1) != 0 ? 0xEDB88320u : 0u);
-        }
-        table[index] = value;
-    }
-    return table;
-}
-
-constexpr std::array<std::uint32_t, 256> kCrcTable = MakeCrcTable();
 
 class Writer {
   public:
@@ -206,14 +193,6 @@ bool GetBody(Reader& reader, Settings& settings) {
 
 } // namespace
 
-std::uint32_t Crc32(std::span<const BYTE> bytes) {
-    std::uint32_t value = 0xFFFFFFFFu;
-    for (const BYTE byte : bytes) {
-        value = (value >> 8) ^ kCrcTable[(value ^ byte) & 0xFF];
-    }
-    return ~value;
-}
-
 Bytes EncodeVqs(const Settings& settings) {
     Writer writer;
     writer.PutRaw(kMagic);
@@ -231,7 +210,7 @@ Bytes EncodeVqs(const Settings& settings) {
         writer.PutBlock(value.data);
     }
     writer.PutSize();
-    writer.Put(Crc32(writer.GetBytes()));
+    writer.Put(OCore::Crc32(writer.GetBytes()));
     DecodeVqs(writer.GetBytes()); // never make a file that could not be read again
     return std::move(writer.GetBytes());
 }
@@ -259,7 +238,7 @@ std::optional<VqsRefusal> ParseVqs(std::span<const BYTE> bytes, Settings& settin
     }
     const std::size_t checked = bytes.size() - kChecksumSize;
     std::uint32_t checksum = 0;
-    if (!Reader(bytes.subspan(checked)).Get(checksum) || checksum != Crc32(bytes.first(checked))) {
+    if (!Reader(bytes.subspan(checked)).Get(checksum) || checksum != OCore::Crc32(bytes.first(checked))) {
         return refusal(L"its checksum is wrong");
     }
     Reader body(bytes.subspan(kHeaderSize, checked - kHeaderSize));

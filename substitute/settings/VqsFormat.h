@@ -17,9 +17,6 @@ inline constexpr std::size_t kMaximumVqsSize = 16u << 20; ///< bytes
 inline constexpr std::uint32_t kMaximumVqsValues = 4096;
 inline constexpr std::uint32_t kMaximumVqsText = 1024; ///< UTF-16 units of one text
 
-/// CRC-32 as of ISO 3309 (reflected, polynomial 0x04C11DB7).
-std::uint32_t Crc32(std::span<const BYTE> bytes);
-
 /// Throws Failure (ERROR_FILE_TOO_LARGE, ERROR_INVALID_DATA) for settings that no file may hold.
 Bytes EncodeVqs(const Settings& settings);
 

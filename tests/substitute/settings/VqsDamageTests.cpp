@@ -9,6 +9,7 @@
 #include <new>
 #include <random>
 
+#include "core/Crc32.h"
 #include "substitute/base/Failure.h"
 #include "substitute/settings/SettingsStore.h"
 #include "substitute/settings/VqsFormat.h"
@@ -73,7 +74,7 @@ void PutNumber(Bytes& bytes, std::size_t offset, std::uint32_t number) {
 void Seal(Bytes& bytes) {
     if (bytes.size() >= 20) {
         PutNumber(bytes, 12, static_cast<std::uint32_t>(bytes.size()));
-        PutNumber(bytes, bytes.size() - 4, Crc32(std::span(bytes).first(bytes.size() - 4)));
+        PutNumber(bytes, bytes.size() - 4, OCore::Crc32(std::span(bytes).first(bytes.size() - 4)));
     }
 }
 
