@@ -1,10 +1,9 @@
 // Finding and reading action profiles.
 #include "substitute/actions/ActionProfile.h"
 
-#include "substitute/base/AbsolutePath.h"
 #include "substitute/base/Failure.h"
-#include "substitute/base/Handles.h"
-#include "substitute/objects/ContractTypes.h"
+#include "substitute/base/InputFile.h"
+#include "substitute/base/Paths.h"
 
 namespace kemba::substitute {
 namespace {
@@ -19,33 +18,19 @@ std::wstring FileNameFor(std::wstring name) {
     return name + L".profile";
 }
 
-/// All bytes of the file; nothing when there is none. Throws Failure.
+/// All bytes of the file; nothing when there is none, nor when a printer is called as a device is. Throws
+/// Failure.
 std::optional<std::string> ReadProfile(const std::wstring& path) {
-    const auto fail = [&](DWORD error) {
-        return WindowsFailure(L"reading the action profile \"" + path + L"\" failed", error);
-    };
-    const UniqueHandle file =
-        OwnFile(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-    if (!file) {
-        const DWORD error = GetLastError();
-        if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) {
-            return std::nullopt;
+    try {
+        return InputFile(L"action profile", path).ReadAll<std::string>(ActionProfiles::kLargestFile);
+    } catch (const Failure& failure) {
+        for (const DWORD missing : {ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, ERROR_BAD_FILE_TYPE}) {
+            if (failure.status == HRESULT_FROM_WIN32(missing)) {
+                return std::nullopt;
+            }
         }
-        throw fail(error);
+        throw;
     }
-    if (GetFileType(file.get()) != FILE_TYPE_DISK) {
-        return std::nullopt; // a printer called as a device is
-    }
-    std::string bytes(ActionProfiles::kLargestFile + 1, '\0');
-    DWORD count = 0;
-    if (!ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr)) {
-        throw fail(GetLastError());
-    }
-    if (count == bytes.size()) {
-        throw fail(ERROR_FILE_TOO_LARGE);
-    }
-    bytes.resize(count);
-    return bytes;
 }
 
 } // namespace
@@ -56,8 +41,7 @@ std::wstring ActionProfileFolder(HKEY root, const wchar_t* key) {
     auto size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
     const LSTATUS error = RegGetValueW(root, key, kValue, RRF_RT_REG_SZ, nullptr, text.data(), &size);
     if (error == ERROR_FILE_NOT_FOUND) {
-        const std::wstring program = ProgramPath();
-        return program.substr(0, program.rfind(L'\\') + 1) + L"profiles";
+        return std::wstring(FolderOf(ProgramPath())) + L"profiles";
     }
     if (error != ERROR_SUCCESS) {
         throw WindowsFailure(L"reading the registry value \"ActionProfiles\" failed",
@@ -67,6 +51,9 @@ std::wstring ActionProfileFolder(HKEY root, const wchar_t* key) {
     if (!IsAbsolutePath(text)) {
         throw WindowsFailure(L"the registry value \"ActionProfiles\" is no absolute path",
                              ERROR_BAD_PATHNAME);
+    }
+    if (IsDevicePath(FullPath(text))) {
+        throw WindowsFailure(L"the registry value \"ActionProfiles\" names a device", ERROR_BAD_PATHNAME);
     }
     return text;
 }

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "substitute/base/AbsolutePath.h"
+#include "substitute/base/Paths.h"
 
 namespace kemba::substitute {
 namespace {

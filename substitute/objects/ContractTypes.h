@@ -5,14 +5,9 @@
 
 #include <oaidl.h>
 
-#include <string>
-
 #include "automation/Owners.h"
 
 namespace kemba::substitute {
-
-/// Full path of the running program's file. Throws Failure.
-std::wstring ProgramPath();
 
 /// The type library embedded in the running program; read-only after its construction.
 class ContractTypes {

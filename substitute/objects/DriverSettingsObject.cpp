@@ -1,7 +1,7 @@
 // Settings between a printer and a file.
 #include "substitute/objects/DriverSettingsObject.h"
 
-#include "substitute/base/AbsolutePath.h"
+#include "substitute/base/Paths.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/SettingsStore.h"
 #include "substitute/settings/VqsFormat.h"

@@ -9,6 +9,7 @@
 
 #include "core/SystemLibraries.h"
 #include "substitute/base/Failure.h"
+#include "substitute/base/Paths.h"
 #include "substitute/server/ClassFactory.h"
 #include "substitute/server/CommandLine.h"
 #include "substitute/server/Registration.h"

@@ -3,7 +3,6 @@
 
 #include <windows.h>
 
-#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -12,10 +11,12 @@
 class TemporaryFolder {
   public:
     TemporaryFolder() {
-        static std::atomic<int> made{0};
-        m_path = std::filesystem::temp_directory_path() /
-                 (L"settings-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++made));
-        std::filesystem::create_directory(m_path);
+        int made = 0;
+        do { // an ended process may have left one
+            m_path =
+                std::filesystem::temp_directory_path() /
+                (L"kemba test " + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++made));
+        } while (!std::filesystem::create_directory(m_path));
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
@@ -24,8 +25,13 @@ class TemporaryFolder {
         std::filesystem::remove_all(m_path, ignored);
     }
 
+    std::wstring Path() const { return m_path.wstring(); }
     /// Full path of a file in the folder.
     std::wstring File(const std::wstring& name) const { return (m_path / name).wstring(); }
+    /// Makes a file with these bytes.
+    void Put(const std::wstring& name, const std::string& bytes) const {
+        std::ofstream(m_path / name, std::ios::binary) << bytes;
+    }
     /// How many files there are.
     std::ptrdiff_t Count() const {
         return std::distance(std::filesystem::directory_iterator(m_path),

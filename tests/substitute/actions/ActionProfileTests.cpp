@@ -6,10 +6,10 @@
 #include <filesystem>
 #include <fstream>
 
-#include "substitute/objects/ContractTypes.h"
+#include "substitute/base/Paths.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/substitute/FailureOf.h"
-#include "tests/substitute/ProfileFolder.h"
+#include "tests/substitute/TemporaryFolder.h"
 #include "tests/substitute/Texts.h"
 
 namespace {
@@ -101,7 +101,7 @@ TEST(ActionProfile, WhatItDoesNotUnderstandIsRefusedWithItsLine) {
 
 class ActionProfilesTest : public testing::Test {
   protected:
-    ProfileFolder folder;
+    TemporaryFolder folder;
     ActionProfiles profiles{[this] { return folder.Path(); }};
 };
 
@@ -160,10 +160,22 @@ TEST(ActionProfileFolder, IsTheRegistrysOrElseBesideTheProgram) {
     EXPECT_EQ(ActionProfileFolder(HKEY_CURRENT_USER, key.c_str()), beside);
     put(L"C:\\some folder");
     EXPECT_EQ(ActionProfileFolder(HKEY_CURRENT_USER, key.c_str()), L"C:\\some folder");
-    for (const wchar_t* const refused : {L"", L"some folder", L"C:folder"}) {
-        SCOPED_TRACE(refused);
-        put(refused);
-        EXPECT_THROW(ActionProfileFolder(HKEY_CURRENT_USER, key.c_str()), Failure);
+    const std::pair<const wchar_t*, const wchar_t*> refusals[] = {
+        {L"", L"is no absolute path"},
+        {L"some folder", L"is no absolute path"},
+        {L"C:folder", L"is no absolute path"},
+        {L"\\\\.\\C:\\some folder", L"names a device"},
+        {L"//./C:/some folder", L"names a device"},
+        {L"C:\\NUL", L"names a device"},
+        {L"\\\\?\\GLOBALROOT\\Device\\HarddiskVolume1\\some folder", L"names a device"},
+    };
+    for (const auto& [folder, reason] : refusals) {
+        SCOPED_TRACE(folder);
+        put(folder);
+        const Failure failure = FailureOf([&] { ActionProfileFolder(HKEY_CURRENT_USER, key.c_str()); });
+        EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
+        EXPECT_TRUE(
+            BeginsWith(failure.reason, std::wstring(L"the registry value \"ActionProfiles\" ") + reason));
     }
     const DWORD number = 1;
     RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"ActionProfiles", REG_DWORD, &number, sizeof(number));

@@ -3,7 +3,7 @@
 
 #include "substitute/objects/DriverActionsObject.h"
 #include "tests/substitute/ObjectFixture.h"
-#include "tests/substitute/ProfileFolder.h"
+#include "tests/substitute/TemporaryFolder.h"
 #include "tests/substitute/Texts.h"
 
 namespace {
@@ -45,7 +45,7 @@ class PerformActionTest : public ObjectFixture {
     }
     bool Untouched() const { return spooler.journal.empty(); }
 
-    ProfileFolder folder;
+    TemporaryFolder folder;
     ComPtr<DriverAutomationObject> automation = MakeAutomation();
     ComPtr<DriverActionsObject> request = MakeObject<DriverActionsObject>(context);
 };

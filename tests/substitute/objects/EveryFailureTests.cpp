@@ -10,7 +10,6 @@
 #include "substitute/objects/DriverActionsObject.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/substitute/ObjectFixture.h"
-#include "tests/substitute/ProfileFolder.h"
 #include "tests/substitute/SettingsSamples.h"
 #include "tests/substitute/TemporaryFolder.h"
 
@@ -107,7 +106,7 @@ class EveryFailureTest : public ObjectFixture {
         ASSERT_TRUE(IsLockFree());
     }
 
-    ProfileFolder folder;
+    TemporaryFolder folder;
     TemporaryFolder files;
     const std::wstring saved = files.File(L"saved.vqs");
     const std::wstring again = files.File(L"again.vqs");

@@ -183,8 +183,13 @@ TEST_F(SendFileTest, WhatIsNoFileWithBytesIsRefusedBeforeAnyJob) {
                            place + L"opening the file \"C:\\no such file\" failed: "));
     EXPECT_TRUE(BeginsWith(RefusalOf(L"C:\\windows", ERROR_ACCESS_DENIED),
                            place + L"opening the file \"C:\\windows\" failed: "));
-    EXPECT_TRUE(
-        BeginsWith(RefusalOf(L"\\\\.\\NUL", ERROR_BAD_FILE_TYPE), place + L"\"\\\\.\\NUL\" is no file: "));
+    const kit::TemporaryFile file("x");
+    for (const std::wstring& device : {std::wstring(L"\\\\.\\NUL"), std::wstring(L"\\\\.\\C:"),
+                                       std::wstring(L"//./C:"), L"\\\\.\\" + file.Path()}) {
+        EXPECT_TRUE(
+            BeginsWith(RefusalOf(device, ERROR_BAD_FILE_TYPE), place + L"\"" + device + L"\" is no file: "));
+    }
+    RefusalOf(file.Path() + std::wstring(L"\0x", 2), ERROR_INVALID_NAME); // not the file before the zero
 }
 
 TEST_F(SendFileTest, APathOfSomeFolderThatTheServerCannotKnowIsRefused) {

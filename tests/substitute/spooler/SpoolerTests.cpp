@@ -10,7 +10,7 @@
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/substitute/ObjectFixture.h"
-#include "tests/substitute/ProfileFolder.h"
+#include "tests/substitute/TemporaryFolder.h"
 
 namespace {
 
@@ -117,7 +117,7 @@ TEST_F(SpoolerTest, AFilesBytesArriveAtThePort) {
 }
 
 TEST_F(SpoolerTest, AnActionsBytesArriveAtThePort) {
-    const ProfileFolder folder;
+    const TemporaryFolder folder;
     profileFolder = folder.Path();
     folder.Put(std::wstring(demo::kLabelDriver) + L".profile", "Feed = NUL FF 0xFF");
     const kit::PrinterPort port;
