@@ -3,8 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <functional>
+#include <optional>
 #include <thread>
 
+#include "substitute/base/Handles.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
 #include "tests/substitute/ObjectFixture.h"
@@ -21,6 +25,21 @@ VARIANT Omitted() {
     V_VT(&option) = VT_ERROR;
     V_ERROR(&option) = DISP_E_PARAMNOTFOUND;
     return option;
+}
+
+/// The file's bytes, or nothing if it cannot be opened; nobody is kept from anything meanwhile.
+std::optional<Bytes> ReadAsOthersDo(const std::wstring& path) {
+    const UniqueHandle file = OwnFile(CreateFileW(path.c_str(), GENERIC_READ,
+                                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                                  nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!file) {
+        return std::nullopt;
+    }
+    Bytes bytes(1u << 20);
+    DWORD count = 0;
+    EXPECT_TRUE(ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr));
+    bytes.resize(count);
+    return bytes;
 }
 
 class DriverSettingsObjectTest : public ObjectFixture {
@@ -162,20 +181,54 @@ TEST_F(DriverSettingsObjectTest, BadFilesAreRefusedAndNothingIsAskedOfThePrinter
     EXPECT_EQ(spooler.printers[L"Label A"].settings, MakeRichState());
 }
 
+TEST_F(DriverSettingsObjectTest, ADeviceIsNeitherWrittenNorRead) {
+    for (const std::wstring& device : {std::wstring(L"\\\\.\\C:"), std::wstring(L"//./PhysicalDrive0"),
+                                       L"\\\\.\\" + path, folder.File(L"NUL")}) {
+        SCOPED_TRACE(device);
+        EXPECT_EQ(settings->ExportSettings(InText(device), Omitted()),
+                  HRESULT_FROM_WIN32(ERROR_BAD_FILE_TYPE));
+        EXPECT_EQ(settings->ImportSettings(InText(device), Omitted()),
+                  HRESULT_FROM_WIN32(ERROR_BAD_FILE_TYPE));
+        EXPECT_NE(TakeErrorTexts().description.find(L"is no file"), std::wstring::npos);
+    }
+    EXPECT_EQ(folder.Count(), 0);
+}
+
 TEST_F(DriverSettingsObjectTest, TwoExportsAtOnceLeaveOneWholeFile) {
-    std::vector<std::thread> threads;
-    for (int index = 0; index < 2; ++index) {
-        threads.emplace_back([&] {
-            for (int round = 0; round < 20; ++round) {
-                WriteSettingsFile(path,
-                                  EncodeVqs(SettingsOf(round % 2 ? MakeRichState() : MakeOtherState())));
-            }
-        });
+    spooler.printers[L"Label B"].driver = L"Zippy 300";
+    spooler.printers[L"Label B"].settings = MakeOtherState();
+    const auto other = MakeAutomation();
+    ASSERT_EQ(other->PutPrinterName(InText(L"Label B")), S_OK);
+    ComPtr<IDriverSettings> otherSettings;
+    ASSERT_EQ(other->GetSettings(otherSettings.Put()), S_OK);
+
+    const auto bytesOf = [&](const wchar_t* printer, std::size_t fontSize) {
+        FakeSpooler::State& state = spooler.printers[printer].settings;
+        // Large, so that writing it takes its time.
+        state.keys[kDriverDataKey][L"Font"] = {REG_BINARY, Bytes(fontSize, 1)};
+        return EncodeVqs(SettingsOf(state));
+    };
+    const Bytes first = bytesOf(L"Label A", 400'000);
+    const Bytes second = bytesOf(L"Label B", 300'000);
+    ASSERT_EQ(Export(), S_OK);
+    std::atomic<int> exporting = 2;
+    const auto exportOften = [&](IDriverSettings& exported) {
+        for (int round = 0; round < 12; ++round) {
+            EXPECT_EQ(exported.ExportSettings(InText(path), Omitted()), S_OK);
+        }
+        --exporting;
+    };
+    std::thread one(exportOften, std::ref(*settings.Get()));
+    std::thread two(exportOften, std::ref(*otherSettings.Get()));
+    while (exporting > 0) { // what a reader finds is one whole export, too, or for a moment nothing
+        if (const std::optional<Bytes> bytes = ReadAsOthersDo(path)) {
+            EXPECT_TRUE(*bytes == first || *bytes == second) << bytes->size();
+        }
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(Import(), S_OK);
+    one.join();
+    two.join();
+    const Bytes left = ReadSettingsFile(path, kMaximumVqsSize);
+    EXPECT_TRUE(left == first || left == second);
     EXPECT_EQ(folder.Count(), 1);
 }
 

@@ -8,9 +8,13 @@
 #include <thread>
 #include <vector>
 
+#include "substitute/base/Handles.h"
+#include "substitute/base/InputFile.h"
+#include "substitute/base/Paths.h"
 #include "substitute/settings/VqsFormat.h"
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/TemporaryFolder.h"
+#include "tests/substitute/Texts.h"
 
 namespace {
 
@@ -31,6 +35,50 @@ class SettingsFileTest : public testing::Test {
     TemporaryFolder folder;
     std::wstring path = folder.File(L"a \x00E4.vqs");
     std::wstring reason;
+};
+
+/// Stands between the writing and the system's call.
+struct Replacer {
+    DWORD error = ERROR_SUCCESS; ///< of the first `failures` calls; the others go on to the system
+    int failures = 0;
+    bool renames = false; ///< whether a failing call has changed the former file's name already
+    bool holds = false;   ///< whether it then lets nobody change either file's name
+    int calls = 0;
+    DWORD flags = 0;      ///< of the last call
+    std::wstring added{}; ///< the new file of the last call
+    std::wstring former{};
+    UniqueHandle held[2] = {};
+} replacer;
+
+UniqueHandle Hold(const wchar_t* path) {
+    return OwnFile(CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+}
+
+BOOL WINAPI ReplaceOrFail(const wchar_t* path, const wchar_t* added, const wchar_t* former, DWORD flags,
+                          void* exclude, void* reserved) {
+    replacer.flags = flags;
+    replacer.added = added;
+    replacer.former = former;
+    if (++replacer.calls > replacer.failures) {
+        return ReplaceFileW(path, added, former, flags, exclude, reserved);
+    }
+    if (replacer.renames) {
+        EXPECT_TRUE(MoveFileW(path, former));
+    }
+    if (replacer.holds) {
+        replacer.held[0] = Hold(added);
+        replacer.held[1] = Hold(former);
+    }
+    SetLastError(replacer.error);
+    return FALSE;
+}
+
+class SettingsReplaceTest : public SettingsFileTest {
+  protected:
+    SettingsReplaceTest() { replacer = {}; }
+    HRESULT Write(const Bytes& bytes) {
+        return StatusOf([&] { WriteSettingsFile(path, bytes, &ReplaceOrFail); });
+    }
 };
 
 TEST_F(SettingsFileTest, WritesANewFileAndReplacesAnOldOne) {
@@ -91,7 +139,135 @@ TEST_F(SettingsFileTest, ASizeBombIsRefusedUnread) {
 }
 
 TEST_F(SettingsFileTest, ADeviceIsRefused) {
-    EXPECT_EQ(StatusOf([&] { Read(L"NUL"); }), HRESULT_FROM_WIN32(ERROR_BAD_FILE_TYPE));
+    for (const std::wstring& device : {std::wstring(L"NUL"), folder.File(L"NUL"), folder.File(L"com1.vqs"),
+                                       std::wstring(L"\\\\.\\C:"), L"\\\\.\\" + path, L"//./" + path}) {
+        SCOPED_TRACE(device);
+        EXPECT_EQ(StatusOf([&] { Read(device); }), HRESULT_FROM_WIN32(ERROR_BAD_FILE_TYPE));
+        EXPECT_EQ(StatusOf([&] { WriteSettingsFile(device, kNew); }),
+                  HRESULT_FROM_WIN32(ERROR_BAD_FILE_TYPE));
+        EXPECT_EQ(folder.Count(), 0);
+    }
+}
+
+TEST_F(SettingsFileTest, AStreamOfAFileIsRefusedBeforeAnythingIsMade) {
+    for (const wchar_t* const stream : {L":s", L"::$DATA"}) {
+        EXPECT_EQ(StatusOf([&] { WriteSettingsFile(path + stream, kNew); }),
+                  HRESULT_FROM_WIN32(ERROR_INVALID_NAME));
+        EXPECT_NE(reason.find(path + stream), std::wstring::npos);
+        EXPECT_EQ(folder.Count(), 0);
+    }
+}
+
+TEST_F(SettingsFileTest, TheLongestNamesAreTaken) {
+    for (const std::size_t length : {249, 255}) {
+        const std::wstring file = L"\\\\?\\" + folder.File(std::wstring(length, L'x'));
+        EXPECT_EQ(StatusOf([&] { WriteSettingsFile(file, kOld); }), S_OK);
+        EXPECT_EQ(StatusOf([&] { WriteSettingsFile(file, kNew); }), S_OK);
+        EXPECT_EQ(Read(file), kNew);
+        DeleteFileW(file.c_str());
+        EXPECT_EQ(folder.Count(), 0);
+    }
+}
+
+TEST_F(SettingsFileTest, AFileThatIsBeingReadIsReplaced) {
+    WriteSettingsFile(path, kOld);
+    {
+        InputFile reader(L"file", path);
+        EXPECT_EQ(StatusOf([&] { WriteSettingsFile(path, kNew); }), S_OK);
+        EXPECT_EQ(reader.ReadAll<Bytes>(kMaximumVqsSize), kOld);
+        EXPECT_EQ(Read(path), kNew);
+    }
+    EXPECT_EQ(folder.Count(), 1); // the former file has gone with its last reader
+}
+
+TEST_F(SettingsReplaceTest, OnlyAFileThatIsThereIsReplaced) {
+    EXPECT_EQ(Write(kOld), S_OK);
+    EXPECT_EQ(replacer.calls, 0);
+    EXPECT_EQ(Write(kNew), S_OK);
+    EXPECT_EQ(replacer.calls, 1);
+    EXPECT_EQ(replacer.flags, 0u); // nothing that goes over from the former file may fail unnoticed
+    EXPECT_EQ(Read(path), kNew);
+    EXPECT_EQ(folder.Count(), 1);
+}
+
+TEST_F(SettingsReplaceTest, WhatKilledServersLeftBehindIsLeftAlone) {
+    Write(kOld);
+    Write(kNew);
+    const std::size_t digits = replacer.added.size() - 8; // and ".tmp"
+    auto number = static_cast<unsigned>(std::stoul(replacer.added.substr(digits), nullptr, 16));
+    std::filesystem::create_directory(TemporaryNameBeside(path, ++number, L"tmp"));
+    for (int count = 0; count < 10; ++count) {
+        for (const wchar_t* const ending : {L"tmp", L"old"}) {
+            folder.Put(std::wstring(FileNameOf(TemporaryNameBeside(path, ++number, ending))), "left");
+        }
+    }
+    EXPECT_EQ(Write(kOld), S_OK);
+    EXPECT_EQ(replacer.added, TemporaryNameBeside(path, number + 1, L"tmp"));
+    EXPECT_EQ(Read(path), kOld);
+    EXPECT_EQ(Read(TemporaryNameBeside(path, number, L"old")), (Bytes{'l', 'e', 'f', 't'}));
+    EXPECT_EQ(folder.Count(), 22);
+}
+
+TEST_F(SettingsReplaceTest, APassingHindranceIsWaitedFor) {
+    Write(kOld);
+    for (const DWORD error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_UNABLE_TO_REMOVE_REPLACED,
+                              ERROR_UNABLE_TO_MOVE_REPLACEMENT, ERROR_FILE_NOT_FOUND}) {
+        SCOPED_TRACE(error);
+        replacer = {.error = error, .failures = 2};
+        EXPECT_EQ(Write(kNew), S_OK);
+        EXPECT_EQ(replacer.calls, 3);
+        EXPECT_EQ(Read(path), kNew);
+        EXPECT_EQ(folder.Count(), 1);
+    }
+}
+
+TEST_F(SettingsReplaceTest, AHindranceThatStaysLeavesTheFormerFile) {
+    Write(kOld);
+    for (const DWORD error :
+         {ERROR_UNABLE_TO_REMOVE_REPLACED, ERROR_UNABLE_TO_MOVE_REPLACEMENT, ERROR_INVALID_PARAMETER}) {
+        SCOPED_TRACE(error);
+        replacer = {.error = error, .failures = 1000};
+        EXPECT_EQ(Write(kNew), HRESULT_FROM_WIN32(error));
+        EXPECT_TRUE(BeginsWith(reason, L"replacing the file \"" + path + L"\" failed: "));
+        EXPECT_EQ(Read(path), kOld);
+        EXPECT_EQ(folder.Count(), 1);
+    }
+    EXPECT_EQ(replacer.calls, 1); // the last one is nothing to wait for
+}
+
+TEST_F(SettingsReplaceTest, AFileSystemThatCannotReplaceGetsAMove) {
+    Write(kOld);
+    for (const DWORD error : {ERROR_INVALID_FUNCTION, ERROR_NOT_SUPPORTED, ERROR_CALL_NOT_IMPLEMENTED}) {
+        SCOPED_TRACE(error);
+        replacer = {.error = error, .failures = 1};
+        EXPECT_EQ(Write(kNew), S_OK);
+        EXPECT_EQ(Read(path), kNew);
+        EXPECT_EQ(folder.Count(), 1);
+    }
+}
+
+TEST_F(SettingsReplaceTest, AHalfDoneReplacingIsUndoneAndTriedAgain) {
+    Write(kOld);
+    replacer = {.error = ERROR_UNABLE_TO_MOVE_REPLACEMENT_2, .failures = 2, .renames = true};
+    EXPECT_EQ(Write(kNew), S_OK);
+    EXPECT_EQ(replacer.calls, 3);
+    EXPECT_EQ(Read(path), kNew);
+    EXPECT_EQ(folder.Count(), 1);
+    replacer.failures = 1000;
+    EXPECT_EQ(Write(kOld), HRESULT_FROM_WIN32(ERROR_UNABLE_TO_MOVE_REPLACEMENT_2));
+    EXPECT_TRUE(BeginsWith(reason, L"replacing the file \"" + path + L"\" failed: "));
+    EXPECT_EQ(Read(path), kNew);
+    EXPECT_EQ(folder.Count(), 1);
+}
+
+TEST_F(SettingsReplaceTest, AFormerFileThatCannotBePutBackIsKeptAndNamed) {
+    Write(kOld);
+    replacer = {.error = ERROR_UNABLE_TO_MOVE_REPLACEMENT_2, .failures = 1, .renames = true, .holds = true};
+    EXPECT_NE(Write(kNew), S_OK);
+    EXPECT_EQ(replacer.calls, 1); // there was nothing to replace any more
+    EXPECT_TRUE(BeginsWith(reason, L"the former file is \"" + replacer.former + L"\" now; replacing"));
+    EXPECT_EQ(Read(replacer.former), kOld);
+    replacer = {};
 }
 
 TEST_F(SettingsFileTest, WritersAtTheSameTimeLeaveOneWholeFile) {
