@@ -4,8 +4,8 @@
 #include <oleauto.h>
 
 #include <cwchar>
-#include <exception>
 #include <new>
+#include <stdexcept>
 
 #include "automation/Owners.h"
 #include "substitute/base/Handles.h"
@@ -72,10 +72,9 @@ Failure CurrentFailure() noexcept {
             return failure;
         } catch (const std::bad_alloc&) {
             return {E_OUTOFMEMORY, L"out of memory"};
-        } catch (const std::exception& exception) {
-            const std::string what = exception.what();
-            return {E_FAIL, std::wstring(what.begin(), what.end())};
-        } catch (...) {
+        } catch (const std::length_error&) { // more than memory could ever hold
+            return {E_OUTOFMEMORY, L"out of memory"};
+        } catch (...) { // the runtime's own words say nothing to a client
             return {E_FAIL, L"unexpected failure"};
         }
     } catch (...) { // not even room for the words
@@ -91,7 +90,7 @@ HRESULT ReportCurrentException(REFIID iid, const wchar_t* operation, std::wstrin
             description.append(L" on printer \"").append(printer).append(L"\"");
         }
         SetDescription(iid, description + L": " + failure.reason);
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
         SetErrorInfo(0, nullptr); // the status has to do
     }
     return failure.status;

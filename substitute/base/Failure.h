@@ -25,7 +25,7 @@ Failure ComFailure(const std::wstring& what, HRESULT status);
 /// Throws the failure if the status is one.
 void ThrowIfFailed(HRESULT status, const wchar_t* what);
 
-/// Maps the exception being handled to a failure; for catch blocks only.
+/// Maps the exception being handled to a failure, in words of ours whatever it is; for catch blocks only.
 Failure CurrentFailure() noexcept;
 
 /// Maps the exception being handled to its status and leaves error information about the call with the

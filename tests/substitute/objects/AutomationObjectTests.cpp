@@ -170,8 +170,12 @@ TEST_F(AutomationObjectTest, ForeignExceptionsBecomeStatuses) {
     };
     EXPECT_EQ(report(std::bad_alloc()), E_OUTOFMEMORY);
     EXPECT_EQ(TakeErrorTexts().description, L"SendFile on printer \"Label A\": out of memory");
-    EXPECT_EQ(report(std::runtime_error("broken")), E_FAIL);
-    EXPECT_EQ(TakeErrorTexts().description, L"SendFile on printer \"Label A\": broken");
+    EXPECT_EQ(report(std::length_error("basic_string::_M_replace_aux")), E_OUTOFMEMORY);
+    EXPECT_EQ(TakeErrorTexts().description, L"SendFile on printer \"Label A\": out of memory");
+    EXPECT_EQ(report(std::runtime_error("broken")), E_FAIL); // the runtime's words are for nobody outside
+    EXPECT_EQ(TakeErrorTexts().description, L"SendFile on printer \"Label A\": unexpected failure");
+    EXPECT_EQ(report(std::out_of_range("vector::_M_range_check")), E_FAIL);
+    EXPECT_EQ(TakeErrorTexts().description, L"SendFile on printer \"Label A\": unexpected failure");
     EXPECT_EQ(report(42), E_FAIL);
     EXPECT_EQ(TakeErrorTexts().description, L"SendFile on printer \"Label A\": unexpected failure");
 }
