@@ -121,6 +121,15 @@ class OwnedVariant {
 
     const VARIANT& Get() const { return m_value; }
 
+    /// The place for an out parameter; what was held is cleared first.
+    VARIANT* Put() {
+        VariantClear(&m_value);
+        return &m_value;
+    }
+
+    /// Hands the value over to the caller.
+    [[nodiscard]] VARIANT Detach() { return std::exchange(m_value, VARIANT{}); }
+
   private:
     explicit OwnedVariant(SCODE error) : OwnedVariant() {
         m_value.vt = VT_ERROR;

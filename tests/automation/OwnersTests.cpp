@@ -138,6 +138,21 @@ TEST(OwnedVariant, AnObjectHasAReferenceOfItsOwn) {
     EXPECT_EQ(object.references, 1U);
 }
 
+TEST(OwnedVariant, GivesOutItsPlaceAndItsValue) {
+    Counted object;
+    OwnedVariant value(&object);
+    EXPECT_EQ(value.Put()->vt, VT_EMPTY);
+    EXPECT_EQ(object.references, 1U);
+    value.Put()->vt = VT_I4;
+    EXPECT_EQ(value.Get().vt, VT_I4);
+    OwnedVariant other(&object);
+    VARIANT detached = other.Detach();
+    EXPECT_EQ(other.Get().vt, VT_EMPTY);
+    EXPECT_EQ(detached.pdispVal, &object);
+    EXPECT_EQ(object.references, 2U);
+    VariantClear(&detached);
+}
+
 TEST(OwnedVariant, TheOmittedArgumentIsTheStandardError) {
     const OwnedVariant omitted = OwnedVariant::Omitted();
     EXPECT_EQ(omitted.Get().vt, VT_ERROR);

@@ -12,3 +12,13 @@ inline testing::AssertionResult BeginsWith(const std::wstring& text, const std::
     }
     return testing::AssertionFailure() << testing::PrintToString(text);
 }
+
+/// Succeeds when a failure's text has no words of the C++ runtime.
+inline testing::AssertionResult SpeaksForItself(const std::wstring& text) {
+    for (const wchar_t* const word : {L"basic_string", L"vector", L"_M_", L"std::", L"bad_alloc", L"::"}) {
+        if (text.find(word) != std::wstring::npos) {
+            return testing::AssertionFailure() << testing::PrintToString(text);
+        }
+    }
+    return testing::AssertionSuccess();
+}
