@@ -3,6 +3,7 @@
 
 #include "substitute/actions/ActionTable.h"
 #include "substitute/base/Failure.h"
+#include "substitute/base/VariantArgument.h"
 #include "substitute/spooler/PrintJob.h"
 
 namespace kemba::substitute {
@@ -21,6 +22,17 @@ ActionOutcome SendBytes(const ActionProfiles& profiles, const Printer& printer, 
         job.Finish();
     }
     return {.supported = true, .displays = false};
+}
+
+/// The object that the argument holds or refers to, still the caller's; null when there is none.
+IUnknown* ObjectIn(const VARIANT& argument) {
+    switch (argument.vt) {
+    case VT_DISPATCH:
+    case VT_UNKNOWN: return argument.punkVal;
+    case VT_BYREF | VT_DISPATCH:
+    case VT_BYREF | VT_UNKNOWN: return argument.ppunkVal ? *argument.ppunkVal : nullptr;
+    default: return nullptr;
+    }
 }
 
 ActionOutcome ShowDialog(const Printer& printer, const Action& action, bool execute) {
@@ -42,17 +54,9 @@ ActionOutcome ShowDialog(const Printer& printer, const Action& action, bool exec
 } // namespace
 
 ComPtr<IActionRequest> RequestFrom(const VARIANT& argument) {
-    VARIANT plain = {};
+    IUnknown* const object = ObjectIn(BehindReference(argument));
     void* request = nullptr;
-    if (SUCCEEDED(VariantCopyInd(
-            &plain, const_cast<VARIANT*>(&argument)))) { // scripts pass a reference to a variable
-        if ((plain.vt == VT_DISPATCH || plain.vt == VT_UNKNOWN) && plain.punkVal &&
-            FAILED(plain.punkVal->QueryInterface(kActionRequest, &request))) {
-            request = nullptr;
-        }
-        VariantClear(&plain);
-    }
-    if (!request) {
+    if (!object || FAILED(object->QueryInterface(kActionRequest, &request)) || !request) {
         throw Failure{E_INVALIDARG, L"the request is no DriverActions object of this server"};
     }
     return ComPtr<IActionRequest>(static_cast<IActionRequest*>(request));
@@ -61,13 +65,11 @@ ComPtr<IActionRequest> RequestFrom(const VARIANT& argument) {
 ActionOutcome PerformActionOn(const ActionProfiles& profiles, const Printer& printer, LONG code,
                               bool execute) {
     const Action* const action = FindAction(code);
-    switch (action ? action->kind : ActionKind::None) {
-    case ActionKind::FromProfile: return SendBytes(profiles, printer, *action, execute);
-    case ActionKind::Properties:
-    case ActionKind::Queue: return ShowDialog(printer, *action, execute);
-    case ActionKind::None: break;
+    if (!action) {
+        return {};
     }
-    return {};
+    return action->kind == ActionKind::FromProfile ? SendBytes(profiles, printer, *action, execute)
+                                                   : ShowDialog(printer, *action, execute);
 }
 
 } // namespace kemba::substitute

@@ -47,8 +47,9 @@ std::wstring ActionProfileFolder(HKEY root, const wchar_t* key) {
         throw WindowsFailure(L"reading the registry value \"ActionProfiles\" failed",
                              static_cast<DWORD>(error));
     }
-    text.resize(size / sizeof(wchar_t) - 1); // the size counts the zero
-    if (!IsAbsolutePath(text)) {
+    text.resize(size / sizeof(wchar_t));
+    text.erase(text.find_last_not_of(L'\0') + 1); // zeros at the end may be there or not
+    if (!IsAbsolutePath(text) || text.find(L'\0') != text.npos) {
         throw WindowsFailure(L"the registry value \"ActionProfiles\" is no absolute path",
                              ERROR_BAD_PATHNAME);
     }

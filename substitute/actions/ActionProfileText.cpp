@@ -104,6 +104,7 @@ class Parser {
             return;
         }
         const std::string_view word = TakeWord();
+        NeedItemEnd(word);
         if (word.size() == 4 && word.substr(0, 2) == "0x" && HexValue(word[2]) >= 0 &&
             HexValue(word[3]) >= 0) {
             m_bytes->push_back(static_cast<char>(HexValue(word[2]) * 16 + HexValue(word[3])));
@@ -120,21 +121,26 @@ class Parser {
     }
 
     void ParseQuoted() {
-        m_rest.remove_prefix(1);
-        const std::size_t length = m_rest.find('"');
-        if (length == m_rest.npos) {
+        const std::size_t end = m_rest.find('"', 1);
+        if (end == m_rest.npos) {
             Refuse(L"the closing quote is missing");
         }
-        const std::string_view quoted = m_rest.substr(0, length);
+        const std::string_view item = m_rest.substr(0, end + 1);
+        const std::string_view quoted = item.substr(1, item.size() - 2);
         for (const char character : quoted) {
             if (character < ' ' || character > '~') {
                 Refuse(L"a text in quotes holds printable ASCII characters only");
             }
         }
         m_bytes->append(quoted);
-        m_rest.remove_prefix(length + 1);
+        m_rest.remove_prefix(item.size());
+        NeedItemEnd(item);
+    }
+
+    /// Items are separated by blanks; a comment may follow at once.
+    void NeedItemEnd(std::string_view item) const {
         if (!m_rest.empty() && !IsBlank(m_rest.front()) && m_rest.front() != '#') {
-            Refuse(L"a blank is missing after the closing quote");
+            Refuse(L"a blank is missing after " + Readable(item));
         }
     }
 

@@ -1,5 +1,8 @@
-// The driver actions by their codes.
+// The driver actions that the print spooler can do something about, by their codes.
 #include "substitute/actions/ActionTable.h"
+
+#include <cwchar>
+#include <string>
 
 #include "core/OString.h"
 
@@ -7,23 +10,11 @@ namespace kemba::substitute {
 namespace {
 
 constexpr Action kActions[] = {
-    {1, L"Test", ActionKind::FromProfile},
-    {2, L"Blank", ActionKind::FromProfile},
-    {3, L"Cut", ActionKind::FromProfile},
-    {4, L"Feed", ActionKind::FromProfile},
-    {5, L"ManageCache", ActionKind::None},
-    {6, L"FlushCache", ActionKind::None},
-    {7, L"Reset", ActionKind::FromProfile},
-    {8, L"FactoryDefaults", ActionKind::FromProfile},
-    {9, L"Calibrate", ActionKind::FromProfile},
-    {10, L"PrintConfiguration", ActionKind::FromProfile},
-    {11, L"ConfigureMemory", ActionKind::None},
-    {30, L"FormatMemory", ActionKind::None}, // 12 is nobody's code
-    {13, L"RFIDOptions", ActionKind::None},
-    {14, L"StatusMonitoring", ActionKind::Queue},
-    {15, L"ReadInformation", ActionKind::None},
-    {16, L"SendPrinterCommand", ActionKind::None},
-    {17, L"ConfigurePrinter", ActionKind::Properties},
+    {1, L"Test", ActionKind::FromProfile},        {2, L"Blank", ActionKind::FromProfile},
+    {3, L"Cut", ActionKind::FromProfile},         {4, L"Feed", ActionKind::FromProfile},
+    {7, L"Reset", ActionKind::FromProfile},       {8, L"FactoryDefaults", ActionKind::FromProfile},
+    {9, L"Calibrate", ActionKind::FromProfile},   {10, L"PrintConfiguration", ActionKind::FromProfile},
+    {14, L"StatusMonitoring", ActionKind::Queue}, {17, L"ConfigurePrinter", ActionKind::Properties},
 };
 
 } // namespace
@@ -40,7 +31,8 @@ const Action* FindAction(LONG code) {
 const Action* FindProfileAction(std::string_view word) {
     const std::wstring wide(word.begin(), word.end());
     for (const Action& action : kActions) {
-        if (action.kind == ActionKind::FromProfile && OCore::EqualsIgnoreCase(wide.c_str(), action.word)) {
+        if (action.kind == ActionKind::FromProfile && wide.size() == std::wcslen(action.word) &&
+            OCore::EqualsIgnoreCase(wide.c_str(), action.word)) {
             return &action;
         }
     }

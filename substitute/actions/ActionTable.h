@@ -1,4 +1,4 @@
-// The driver actions by their codes, and how this server carries them out.
+// The driver actions that this server carries out, by their codes, and how.
 #pragma once
 
 #include <windows.h>
@@ -11,7 +11,6 @@ enum class ActionKind {
     FromProfile, ///< what the printer's action profile says
     Properties,  ///< the dialog of the printer's properties
     Queue,       ///< the window of the printer's queue
-    None,        ///< nothing on the print spooler does it
 };
 
 struct Action {
@@ -20,7 +19,8 @@ struct Action {
     ActionKind kind;
 };
 
-/// The row of a code of the contract; null for any other.
+/// The row of an action by its code; null for those that nothing on the print spooler does, and for a code
+/// that is nobody's.
 const Action* FindAction(LONG code);
 
 /// The row of an action that a profile may define, by its word, whatever its case; null for any other word.

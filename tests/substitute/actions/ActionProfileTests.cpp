@@ -90,13 +90,40 @@ TEST(ActionProfile, WhatItDoesNotUnderstandIsRefusedWithItsLine) {
         {"Feed = \"abc", L"1: the closing quote is missing"},
         {"Feed = \"a\tb\"", L"1: a text in quotes holds printable ASCII characters only"},
         {"Feed = \"\xC3\xA4\"", L"1: a text in quotes holds printable ASCII characters only"},
-        {"Feed = \"a\"FF", L"1: a blank is missing after the closing quote"},
+        {"Feed = \"a\"FF", L"1: a blank is missing after \"a\""},
+        {"Feed = \"a\"\"b\"", L"1: a blank is missing after \"a\""},
+        {"Feed = FF 0x1B\"a\"", L"1: a blank is missing after 0x1B"},
+        {"Feed = ESC\"a\"", L"1: a blank is missing after ESC"},
+        {"Feed = FF=", L"1: a blank is missing after FF"},
+        {"Feed = \"a\"=", L"1: a blank is missing after \"a\""},
+        {"Feed\0x = FF"s, L"1: no action of a profile is called \"Feed?x\""},
+        {"Feed\0 = FF"s, L"1: no action of a profile is called \"Feed?\""},
+        {"\0 = FF"s, L"1: no action of a profile is called \"?\""},
+        {"Feed = FF\0"s, L"1: \"FF?\" " + neither},
+        {"Feed = \"a\0b\""s, L"1: a text in quotes holds printable ASCII characters only"},
         {"F\0e\0"s, L"1: no action of a profile is called \"F?e?\""},
     };
     for (const auto& [text, refusal] : rows) {
         SCOPED_TRACE(text);
         EXPECT_EQ(RefusalOf(text), refusal);
     }
+}
+
+TEST(ActionProfile, WhateverTheBytesAreTheyAreTakenOrRefusedInOurWords) {
+    const std::string text = "\xEF\xBB\xBF# x\r\nFeed = ESC 0x1B \"a\" # y\n\t\"b\"\nCut=FF";
+    int refused = 0;
+    for (std::size_t place = 0; place < text.size(); ++place) {
+        for (int byte = 0; byte < 256; ++byte) {
+            SCOPED_TRACE(testing::Message() << "byte " << byte << " at " << place);
+            std::string damaged = text;
+            damaged[place] = static_cast<char>(byte);
+            const std::wstring refusal = RefusalOf(damaged); // any other exception ends the test
+            EXPECT_TRUE(SpeaksForItself(refusal));
+            refused += refusal != L"taken";
+        }
+        RefusalOf(text.substr(0, place));
+    }
+    EXPECT_GT(refused, 0);
 }
 
 class ActionProfilesTest : public testing::Test {
@@ -149,38 +176,96 @@ TEST_F(ActionProfilesTest, AProfileThatCannotBeReadIsNotTakenForNone) {
     EXPECT_THROW(profiles.Find(L"Dock", L""), Failure);
 }
 
-TEST(ActionProfileFolder, IsTheRegistrysOrElseBesideTheProgram) {
+/// A registry key of the test's own for the value that names the folder.
+class ActionProfileFolderTest : public testing::Test {
+  protected:
+    ~ActionProfileFolderTest() override { RegDeleteKeyW(HKEY_CURRENT_USER, key.c_str()); }
+
+    void Put(DWORD type, const void* data, std::size_t size) const {
+        ASSERT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"ActionProfiles", type, data,
+                                  static_cast<DWORD>(size)),
+                  ERROR_SUCCESS);
+    }
+    /// The text as it stands, with no zero behind it.
+    void Put(const std::wstring& text) const { Put(REG_SZ, text.data(), text.size() * sizeof(wchar_t)); }
+    std::wstring Folder() const { return ActionProfileFolder(HKEY_CURRENT_USER, key.c_str()); }
+    Failure Refusal() const {
+        return FailureOf([&] { Folder(); });
+    }
+
     const std::wstring key = L"Software\\kemba profile test " + std::to_wstring(GetCurrentProcessId());
-    const auto put = [&](const std::wstring& text) {
-        RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"ActionProfiles", REG_SZ, text.c_str(),
-                        static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
-    };
+};
+
+TEST_F(ActionProfileFolderTest, IsBesideTheProgramWithoutTheKeyOrTheValue) {
     const std::wstring program = ProgramPath();
     const std::wstring beside = program.substr(0, program.rfind(L'\\')) + L"\\profiles";
-    EXPECT_EQ(ActionProfileFolder(HKEY_CURRENT_USER, key.c_str()), beside);
-    put(L"C:\\some folder");
-    EXPECT_EQ(ActionProfileFolder(HKEY_CURRENT_USER, key.c_str()), L"C:\\some folder");
-    const std::pair<const wchar_t*, const wchar_t*> refusals[] = {
-        {L"", L"is no absolute path"},
-        {L"some folder", L"is no absolute path"},
-        {L"C:folder", L"is no absolute path"},
-        {L"\\\\.\\C:\\some folder", L"names a device"},
-        {L"//./C:/some folder", L"names a device"},
-        {L"C:\\NUL", L"names a device"},
-        {L"\\\\?\\GLOBALROOT\\Device\\HarddiskVolume1\\some folder", L"names a device"},
-    };
-    for (const auto& [folder, reason] : refusals) {
-        SCOPED_TRACE(folder);
-        put(folder);
-        const Failure failure = FailureOf([&] { ActionProfileFolder(HKEY_CURRENT_USER, key.c_str()); });
-        EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
-        EXPECT_TRUE(
-            BeginsWith(failure.reason, std::wstring(L"the registry value \"ActionProfiles\" ") + reason));
+    EXPECT_EQ(Folder(), beside);
+    RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"Other", REG_SZ, L"", 2);
+    EXPECT_EQ(Folder(), beside);
+}
+
+TEST_F(ActionProfileFolderTest, IsWhatTheRegistrySays) {
+    const std::wstring longest = L"C:\\" + std::wstring(32'000, L'x');
+    for (const std::wstring& folder : {L"C:\\some folder"s, L"\\\\server\\share"s, longest}) {
+        Put(folder + L"\0"s);
+        EXPECT_EQ(Folder(), folder);
+        Put(folder); // the zero at the end may be missing
+        EXPECT_EQ(Folder(), folder);
+        Put(folder + L"\0\0"s); // or be there twice
+        EXPECT_EQ(Folder(), folder);
     }
-    const DWORD number = 1;
-    RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"ActionProfiles", REG_DWORD, &number, sizeof(number));
-    EXPECT_THROW(ActionProfileFolder(HKEY_CURRENT_USER, key.c_str()), Failure);
-    RegDeleteKeyW(HKEY_CURRENT_USER, key.c_str());
+    const wchar_t variable[] = L"%SystemDrive%\\some folder";
+    Put(REG_EXPAND_SZ, variable, sizeof(variable));
+    EXPECT_EQ(Folder(), L"C:\\some folder");
+}
+
+TEST_F(ActionProfileFolderTest, IsRefusedInOurWordsWhenTheValueIsNoAbsolutePath) {
+    const std::wstring words = L"the registry value \"ActionProfiles\" is no absolute path: ";
+    for (const std::wstring& text :
+         {L""s, L"\0"s, L"\0\0"s, L"some folder\0"s, L"C:folder\0"s, L"C"s, L"C:\\some\0folder\0"s,
+          L"C:\\some\0"s + std::wstring(3, L'\0') + L"x", L"\0C:\\some\0"s}) {
+        SCOPED_TRACE(testing::PrintToString(text));
+        Put(text);
+        const Failure failure = Refusal();
+        EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
+        EXPECT_TRUE(BeginsWith(failure.reason, words));
+    }
+}
+
+TEST_F(ActionProfileFolderTest, IsRefusedWhenTheValueNamesADevice) {
+    for (const std::wstring& text : {L"\\\\.\\C:\\some folder"s, L"//./C:/some folder"s, L"C:\\NUL"s,
+                                     L"\\\\?\\GLOBALROOT\\Device\\HarddiskVolume1\\some folder"s}) {
+        SCOPED_TRACE(testing::PrintToString(text));
+        Put(text);
+        const Failure failure = Refusal();
+        EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
+        EXPECT_TRUE(BeginsWith(failure.reason, L"the registry value \"ActionProfiles\" names a device: "));
+    }
+}
+
+TEST_F(ActionProfileFolderTest, IsRefusedInOurWordsWhenTheValueIsNoText) {
+    const wchar_t text[] = L"C:\\some folder";
+    for (const DWORD type : {REG_NONE, REG_DWORD, REG_BINARY, REG_MULTI_SZ, REG_QWORD}) {
+        for (const std::size_t size : {std::size_t{0}, std::size_t{1}, std::size_t{4}, sizeof(text)}) {
+            SCOPED_TRACE(testing::Message() << "type " << type << ", size " << size);
+            Put(type, text, size);
+            const Failure failure = Refusal();
+            EXPECT_NE(failure.status, S_OK);
+            EXPECT_TRUE(
+                BeginsWith(failure.reason, L"reading the registry value \"ActionProfiles\" failed: "));
+        }
+    }
+    for (const DWORD type : {REG_SZ, REG_EXPAND_SZ}) {
+        for (std::size_t size = 0; size <= sizeof(text); ++size) { // half a character at the end, too
+            SCOPED_TRACE(testing::Message() << "type " << type << ", size " << size);
+            Put(type, text, size);
+            const Failure failure = Refusal(); // any other exception ends the test
+            EXPECT_TRUE(SpeaksForItself(failure.reason));
+            EXPECT_TRUE(size > 4 || failure.status != S_OK); // "C:" is no absolute path
+        }
+    }
+    Put(L"C:\\" + std::wstring(40'000, L'x')); // longer than any path
+    EXPECT_EQ(Refusal().status, HRESULT_FROM_WIN32(ERROR_MORE_DATA));
 }
 
 TEST(ActionProfile, TheSampleThatShipsIsUnderstood) {

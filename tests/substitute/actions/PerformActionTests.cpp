@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "substitute/objects/DriverActionsObject.h"
+#include "tests/substitute/LateCalls.h"
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/TemporaryFolder.h"
 #include "tests/substitute/Texts.h"
@@ -202,27 +203,78 @@ TEST_F(PerformActionTest, WhatIsNoRequestOfThisServerIsRefused) {
     VARIANT number = {};
     number.vt = VT_I4;
     number.lVal = 1;
-    const VARIANT rows[] = {{}, number, Argument(nullptr), Argument(automation.Get())};
+    VARIANT text = {};
+    text.vt = VT_BSTR;
+    const InText word(L"Feed");
+    text.bstrVal = word;
+    VARIANT unknown = Argument(automation.Get());
+    unknown.vt = VT_UNKNOWN;
+    VARIANT noUnknown = Argument(nullptr);
+    noUnknown.vt = VT_UNKNOWN;
+    VARIANT other = Argument(automation.Get());
+    VARIANT nested = Reference(other);
+    IDispatch* none = nullptr;
+    IDispatch* object = automation.Get();
+    VARIANT inner = Reference(VT_DISPATCH, &object);
+    VARIANT request2 = Argument(request.Get());
+    VARIANT twice = Reference(request2);
+    const VARIANT rows[] = {{},
+                            number,
+                            text,
+                            Argument(nullptr),
+                            noUnknown,
+                            Argument(automation.Get()),
+                            unknown,
+                            Reference(number),
+                            Reference(other),
+                            Reference(nested),
+                            Reference(twice), // a reference to a reference
+                            Reference(inner),
+                            Reference(VT_VARIANT, nullptr),
+                            Reference(VT_DISPATCH, nullptr),
+                            Reference(VT_DISPATCH, &none),
+                            Reference(VT_UNKNOWN, &none),
+                            Reference(VT_DISPATCH, &object),
+                            Reference(VT_I4, &number.lVal)};
     for (const VARIANT& row : rows) {
+        SCOPED_TRACE(&row - rows);
         EXPECT_EQ(automation->PerformAction(4, row), E_INVALIDARG);
         EXPECT_EQ(
             TakeErrorTexts().description,
             L"PerformAction on printer \"Label A\": the request is no DriverActions object of this server");
     }
     EXPECT_TRUE(Untouched());
+    EXPECT_EQ(automation->AddRef(), 2u); // no reference has been kept
+    automation->Release();
+    EXPECT_EQ(request->AddRef(), 2u);
+    request->Release();
 }
 
-TEST_F(PerformActionTest, ARequestMayComeByReference) {
+TEST_F(PerformActionTest, ARequestMayComeAsAnyKindOfObjectAndByReference) {
     Profile("Feed = FF");
     request->PutExecute(1);
     VARIANT plain = Argument(request.Get());
-    VARIANT reference = {};
-    reference.vt = VT_VARIANT | VT_BYREF;
-    reference.pvarVal = &plain;
-    EXPECT_EQ(automation->PerformAction(4, reference), S_OK);
-    EXPECT_EQ(spooler.printed, "\x0C");
-    EXPECT_EQ(request->AddRef(), 2u); // no reference has been kept
-    request->Release();
+    VARIANT unknown = plain;
+    unknown.vt = VT_UNKNOWN;
+    unknown.punkVal = static_cast<ISupportErrorInfo*>(request.Get()); // any interface of the object will do
+    IDispatch* dispatch = request.Get();
+    IUnknown* other = unknown.punkVal;
+    VARIANT inner = Reference(VT_DISPATCH, &dispatch);
+    const VARIANT rows[] = {plain,
+                            unknown,
+                            Reference(plain),
+                            Reference(unknown),
+                            Reference(VT_DISPATCH, &dispatch),
+                            Reference(VT_UNKNOWN, &other),
+                            Reference(inner)};
+    for (const VARIANT& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        spooler.printed.clear();
+        EXPECT_EQ(automation->PerformAction(4, row), S_OK);
+        EXPECT_EQ(spooler.printed, "\x0C");
+        EXPECT_EQ(request->AddRef(), 2u); // no reference has been kept
+        request->Release();
+    }
 }
 
 TEST_F(PerformActionTest, AFreshRequestKnowsNothingAndAsksOnly) {
