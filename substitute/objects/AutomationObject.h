@@ -29,9 +29,14 @@ inline void HandOut(const std::wstring& text, BSTR* out) {
     *out = copy.Detach();
 }
 
-/// A text argument; null counts as empty.
-inline std::wstring TextFrom(BSTR text) {
-    return text ? std::wstring(text, SysStringLen(text)) : std::wstring();
+/// A text argument, which a refusal calls by that name; null counts as empty. Throws Failure (E_INVALIDARG)
+/// for a text with a zero inside: up to there it would be taken for another one.
+inline std::wstring TextFrom(BSTR text, const wchar_t* name) {
+    std::wstring copy = text ? std::wstring(text, SysStringLen(text)) : std::wstring();
+    if (copy.find(L'\0') != copy.npos) {
+        throw Failure{E_INVALIDARG, std::wstring(name) + L" has a zero character in it"};
+    }
+    return copy;
 }
 
 /// Base of an object that serves one dual interface of the contract. Any thread of the multithreaded

@@ -25,7 +25,8 @@ HRESULT DriverAutomationObject::PutPrinterName(BSTR name) noexcept {
             refuseSecondName();
         }
         // Opening may block for long; another caller's binding may come first.
-        auto printer = std::make_shared<const Printer>(m_context.spooler, m_context.locks, TextFrom(name));
+        auto printer = std::make_shared<const Printer>(m_context.spooler, m_context.locks,
+                                                       TextFrom(name, L"the printer's name"));
         const OScopedLock hold(m_lock);
         refuseSecondName();
         m_printer = std::move(printer);
@@ -33,7 +34,10 @@ HRESULT DriverAutomationObject::PutPrinterName(BSTR name) noexcept {
 }
 
 HRESULT DriverAutomationObject::SendFile(BSTR path, BSTR documentName) noexcept {
-    return Answer(L"SendFile", [&] { SendFileTo(*NeedPrinter(), TextFrom(path), TextFrom(documentName)); });
+    return Answer(L"SendFile", [&] {
+        SendFileTo(*NeedPrinter(), TextFrom(path, L"the path"),
+                   TextFrom(documentName, L"the document's name"));
+    });
 }
 
 HRESULT DriverAutomationObject::PerformAction(LONG action, VARIANT request) noexcept {
@@ -58,7 +62,8 @@ HRESULT DriverAutomationObject::GetShareName(BSTR* name) noexcept {
 }
 
 HRESULT DriverAutomationObject::PutShareName(BSTR name) noexcept {
-    return Answer(L"PutShareName", [&] { NeedPrinter()->ChangeShareName(TextFrom(name)); });
+    return Answer(L"PutShareName",
+                  [&] { NeedPrinter()->ChangeShareName(TextFrom(name, L"the share name")); });
 }
 
 HRESULT DriverAutomationObject::GetPortName(BSTR* name) noexcept {
@@ -78,7 +83,7 @@ HRESULT DriverAutomationObject::GetComment(BSTR* comment) noexcept {
 }
 
 HRESULT DriverAutomationObject::PutComment(BSTR comment) noexcept {
-    return Answer(L"PutComment", [&] { NeedPrinter()->ChangeComment(TextFrom(comment)); });
+    return Answer(L"PutComment", [&] { NeedPrinter()->ChangeComment(TextFrom(comment, L"the comment")); });
 }
 
 HRESULT DriverAutomationObject::GetLocation(BSTR* location) noexcept {
@@ -86,7 +91,8 @@ HRESULT DriverAutomationObject::GetLocation(BSTR* location) noexcept {
 }
 
 HRESULT DriverAutomationObject::PutLocation(BSTR location) noexcept {
-    return Answer(L"PutLocation", [&] { NeedPrinter()->ChangeLocation(TextFrom(location)); });
+    return Answer(L"PutLocation",
+                  [&] { NeedPrinter()->ChangeLocation(TextFrom(location, L"the location")); });
 }
 
 HRESULT DriverAutomationObject::Reserved15() noexcept {

@@ -2,6 +2,7 @@
 #include "substitute/objects/DriverSettingsObject.h"
 
 #include "substitute/base/Paths.h"
+#include "substitute/base/VariantArgument.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/SettingsStore.h"
 #include "substitute/settings/VqsFormat.h"
@@ -9,8 +10,10 @@
 namespace kemba::substitute {
 namespace {
 
+/// Languages have several values that say "none".
 void NeedOmitted(const VARIANT& option) {
-    if (V_VT(&option) != VT_ERROR || V_ERROR(&option) != DISP_E_PARAMNOTFOUND) {
+    const VARIANT& value = BehindReference(option);
+    if (value.vt != VT_EMPTY && value.vt != VT_NULL && !IsLeftOut(value)) {
         throw Failure{E_INVALIDARG, L"the optional argument has to be omitted"};
     }
 }
@@ -35,7 +38,7 @@ void WithFile(const wchar_t* what, const std::wstring& path, Work&& work) {
 HRESULT DriverSettingsObject::ImportSettings(BSTR path, VARIANT option) noexcept {
     return Answer(L"ImportSettings", [&] {
         NeedOmitted(option);
-        const std::wstring file = TextFrom(path);
+        const std::wstring file = TextFrom(path, L"the path");
         WithFile(L"importing the settings of", file,
                  [&] { ApplySettings(*m_printer, DecodeVqs(ReadSettingsFile(file, kMaximumVqsSize))); });
     });
@@ -44,7 +47,7 @@ HRESULT DriverSettingsObject::ImportSettings(BSTR path, VARIANT option) noexcept
 HRESULT DriverSettingsObject::ExportSettings(BSTR path, VARIANT option) noexcept {
     return Answer(L"ExportSettings", [&] {
         NeedOmitted(option);
-        const std::wstring file = TextFrom(path);
+        const std::wstring file = TextFrom(path, L"the path");
         WithFile(L"exporting the settings to", file,
                  [&] { WriteSettingsFile(file, EncodeVqs(ReadSettings(*m_printer))); });
     });

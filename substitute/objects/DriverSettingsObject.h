@@ -10,8 +10,8 @@
 namespace kemba::substitute {
 
 /// Shares the printer with the object that made it, and outlives that one if need be. The optional argument
-/// of each operation has to be omitted (VT_ERROR, DISP_E_PARAMNOTFOUND), which means all settings; anything
-/// else is answered with E_INVALIDARG.
+/// of each operation has to be omitted (VT_ERROR with DISP_E_PARAMNOTFOUND, VT_EMPTY or VT_NULL, itself or by
+/// reference), which means all settings; anything else is answered with E_INVALIDARG.
 class DriverSettingsObject final : public AutomationObject<IDriverSettings> {
   public:
     /// Throws Failure.

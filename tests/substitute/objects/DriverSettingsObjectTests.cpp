@@ -11,6 +11,7 @@
 #include "substitute/base/Handles.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
+#include "tests/substitute/LateCalls.h"
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/SettingsSamples.h"
 #include "tests/substitute/TemporaryFolder.h"
@@ -19,13 +20,6 @@ namespace {
 
 using kemba::ComPtr;
 using namespace kemba::substitute;
-
-VARIANT Omitted() {
-    VARIANT option = {};
-    V_VT(&option) = VT_ERROR;
-    V_ERROR(&option) = DISP_E_PARAMNOTFOUND;
-    return option;
-}
 
 /// The file's bytes, or nothing if it cannot be opened; nobody is kept from anything meanwhile.
 std::optional<Bytes> ReadAsOthersDo(const std::wstring& path) {
@@ -51,8 +45,8 @@ class DriverSettingsObjectTest : public ObjectFixture {
         EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
         EXPECT_EQ(automation->GetSettings(settings.Put()), S_OK); // outlives its maker
     }
-    HRESULT Export() { return settings->ExportSettings(InText(path), Omitted()); }
-    HRESULT Import() { return settings->ImportSettings(InText(path), Omitted()); }
+    HRESULT Export() { return settings->ExportSettings(InText(path), LeftOut()); }
+    HRESULT Import() { return settings->ImportSettings(InText(path), LeftOut()); }
 
     TemporaryFolder folder;
     std::wstring path = folder.File(L"label.vqs");
@@ -64,7 +58,7 @@ TEST_F(DriverSettingsObjectTest, AnExportComesBackByAnImport) {
     spooler.printers[L"Label A"].settings = MakeOtherState();
     ASSERT_EQ(Import(), S_OK);
     const std::wstring again = folder.File(L"again.vqs");
-    ASSERT_EQ(settings->ExportSettings(InText(again), Omitted()), S_OK);
+    ASSERT_EQ(settings->ExportSettings(InText(again), LeftOut()), S_OK);
     const Settings now = DecodeVqs(ReadSettingsFile(again, kMaximumVqsSize));
     EXPECT_EQ(now.values, SettingsOf(MakeRichState()).values);
     EXPECT_EQ(CopiesOf(now.globalMode), 2);
@@ -74,7 +68,7 @@ TEST_F(DriverSettingsObjectTest, AnExportComesBackByAnImport) {
 }
 
 TEST_F(DriverSettingsObjectTest, ResetGivesTheDriversDefaults) {
-    ASSERT_EQ(settings->ResetSettings(Omitted()), S_OK);
+    ASSERT_EQ(settings->ResetSettings(LeftOut()), S_OK);
     EXPECT_EQ(CopiesOf(spooler.printers[L"Label A"].settings.globalMode), 1);
 }
 
@@ -82,13 +76,34 @@ TEST_F(DriverSettingsObjectTest, AnyOptionalArgumentIsRefused) {
     ASSERT_EQ(Export(), S_OK);
     spooler.printers[L"Label A"].settings = MakeOtherState();
     const Bytes file = ReadSettingsFile(path, kMaximumVqsSize);
-    VARIANT options[4] = {};
-    V_VT(&options[1]) = VT_I4;
-    V_VT(&options[2]) = VT_ERROR;
-    V_ERROR(&options[2]) = E_FAIL;
-    V_VT(&options[3]) = VT_NULL;
-    for (const VARIANT& option : options) {
-        SCOPED_TRACE(V_VT(&option));
+    Value number(0);
+    Value text(L"");
+    Value object(settings.Get());
+    Value omitted;
+    static_cast<VARIANT&>(omitted) = LeftOut();
+    Value reference;
+    static_cast<VARIANT&>(reference) = Reference(omitted);
+    SCODE code = E_FAIL;
+    VARIANT otherError = LeftOut();
+    otherError.scode = E_FAIL;
+    VARIANT no = {};
+    no.vt = VT_BOOL;
+    const VARIANT options[] = {number,
+                               text,
+                               object,
+                               no,
+                               otherError,
+                               Reference(number),
+                               Reference(text),
+                               Reference(otherError),
+                               Reference(reference), // one too many
+                               Reference(VT_ERROR, &code),
+                               Reference(VT_ERROR, nullptr),
+                               Reference(VT_VARIANT, nullptr),
+                               Reference(VT_EMPTY, &code)};
+    for (std::size_t index = 0; index < std::size(options); ++index) {
+        SCOPED_TRACE(index);
+        const VARIANT& option = options[index];
         EXPECT_EQ(settings->ImportSettings(InText(path), option), E_INVALIDARG);
         EXPECT_EQ(TakeErrorTexts().description,
                   L"ImportSettings on printer \"Label A\": the optional argument has to be omitted");
@@ -99,15 +114,69 @@ TEST_F(DriverSettingsObjectTest, AnyOptionalArgumentIsRefused) {
     }
     EXPECT_EQ(spooler.printers[L"Label A"].settings, MakeOtherState());
     EXPECT_EQ(ReadSettingsFile(path, kMaximumVqsSize), file);
+    EXPECT_EQ(settings->AddRef(), 3u); // ours, the value's and this one
+    settings->Release();
+}
+
+TEST_F(DriverSettingsObjectTest, NoValueCountsAsOmittedHoweverALanguageSaysIt) {
+    VARIANT empty = {};
+    VARIANT null = {};
+    null.vt = VT_NULL;
+    VARIANT omitted = LeftOut();
+    SCODE code = DISP_E_PARAMNOTFOUND;
+    VARIANT reference = Reference(VT_ERROR, &code);
+    const VARIANT options[] = {empty,
+                               null,
+                               omitted,
+                               Reference(empty),
+                               Reference(null),
+                               Reference(omitted),
+                               Reference(VT_ERROR, &code),
+                               Reference(reference)};
+    for (std::size_t index = 0; index < std::size(options); ++index) {
+        SCOPED_TRACE(index);
+        spooler.printers[L"Label A"].settings = MakeRichState();
+        EXPECT_EQ(settings->ExportSettings(InText(path), options[index]), S_OK);
+        EXPECT_EQ(settings->ResetSettings(options[index]), S_OK);
+        EXPECT_EQ(CopiesOf(spooler.printers[L"Label A"].settings.globalMode), 1);
+        EXPECT_EQ(settings->ImportSettings(InText(path), options[index]), S_OK);
+        EXPECT_EQ(CopiesOf(spooler.printers[L"Label A"].settings.globalMode), 2);
+        std::filesystem::remove(path);
+    }
+}
+
+TEST_F(DriverSettingsObjectTest, ScriptsMayLeaveTheOptionalArgumentOut) {
+    const Value file(path);
+    VARIANT empty = {};
+    for (const std::vector<VARIANT>& option :
+         {std::vector<VARIANT>{}, {LeftOut()}, {empty}, {Reference(empty)}}) {
+        SCOPED_TRACE(option.size());
+        std::vector<VARIANT> arguments = {file};
+        arguments.insert(arguments.end(), option.begin(), option.end());
+        spooler.printers[L"Label A"].settings = MakeRichState();
+        EXPECT_EQ(Call(*settings, L"ExportSettings", arguments), S_OK);
+        EXPECT_EQ(Call(*settings, L"ResetSettings", option), S_OK);
+        EXPECT_EQ(CopiesOf(spooler.printers[L"Label A"].settings.globalMode), 1);
+        EXPECT_EQ(Call(*settings, L"ImportSettings", arguments), S_OK);
+        EXPECT_EQ(CopiesOf(spooler.printers[L"Label A"].settings.globalMode), 2);
+    }
+    EXPECT_EQ(CallNamed(*settings, L"ExportSettings", {0}, {file}), S_OK);
+    EXPECT_EQ(Call(*settings, L"ExportSettings", {}), DISP_E_BADPARAMCOUNT);
+    EXPECT_EQ(Call(*settings, L"ExportSettings", {LeftOut(), LeftOut()}), DISP_E_PARAMNOTOPTIONAL);
+    Told told;
+    const Value number(1);
+    EXPECT_EQ(Call(*settings, L"ResetSettings", {number}, nullptr, &told), DISP_E_EXCEPTION);
+    EXPECT_EQ(told.exception.scode, E_INVALIDARG);
+    TakeErrorTexts();
 }
 
 TEST_F(DriverSettingsObjectTest, APathThatIsNotAbsoluteIsRefused) {
     for (const wchar_t* const relative :
          {L"", L"label.vqs", L"a\\label.vqs", L"C:label.vqs", L"\\label.vqs"}) {
-        EXPECT_EQ(settings->ExportSettings(InText(relative), Omitted()),
+        EXPECT_EQ(settings->ExportSettings(InText(relative), LeftOut()),
                   HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
         EXPECT_NE(TakeErrorTexts().description.find(L"the path is not absolute"), std::wstring::npos);
-        EXPECT_EQ(settings->ImportSettings(InText(relative), Omitted()),
+        EXPECT_EQ(settings->ImportSettings(InText(relative), LeftOut()),
                   HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
     }
 }
@@ -176,8 +245,8 @@ TEST_F(DriverSettingsObjectTest, BadFilesAreRefusedAndNothingIsAskedOfThePrinter
     WriteSettingsFile(path, Bytes(kMaximumVqsSize + 1));
     EXPECT_EQ(Import(), HRESULT_FROM_WIN32(ERROR_FILE_TOO_LARGE));
     EXPECT_TRUE(TakeErrorTexts().present);
-    EXPECT_EQ(settings->ImportSettings(nullptr, Omitted()), HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
-    EXPECT_EQ(settings->ExportSettings(nullptr, Omitted()), HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
+    EXPECT_EQ(settings->ImportSettings(nullptr, LeftOut()), HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
+    EXPECT_EQ(settings->ExportSettings(nullptr, LeftOut()), HRESULT_FROM_WIN32(ERROR_BAD_PATHNAME));
     EXPECT_EQ(spooler.printers[L"Label A"].settings, MakeRichState());
 }
 
@@ -185,9 +254,9 @@ TEST_F(DriverSettingsObjectTest, ADeviceIsNeitherWrittenNorRead) {
     for (const std::wstring& device : {std::wstring(L"\\\\.\\C:"), std::wstring(L"//./PhysicalDrive0"),
                                        L"\\\\.\\" + path, folder.File(L"NUL")}) {
         SCOPED_TRACE(device);
-        EXPECT_EQ(settings->ExportSettings(InText(device), Omitted()),
+        EXPECT_EQ(settings->ExportSettings(InText(device), LeftOut()),
                   HRESULT_FROM_WIN32(ERROR_BAD_FILE_TYPE));
-        EXPECT_EQ(settings->ImportSettings(InText(device), Omitted()),
+        EXPECT_EQ(settings->ImportSettings(InText(device), LeftOut()),
                   HRESULT_FROM_WIN32(ERROR_BAD_FILE_TYPE));
         EXPECT_NE(TakeErrorTexts().description.find(L"is no file"), std::wstring::npos);
     }
@@ -214,7 +283,7 @@ TEST_F(DriverSettingsObjectTest, TwoExportsAtOnceLeaveOneWholeFile) {
     std::atomic<int> exporting = 2;
     const auto exportOften = [&](IDriverSettings& exported) {
         for (int round = 0; round < 12; ++round) {
-            EXPECT_EQ(exported.ExportSettings(InText(path), Omitted()), S_OK);
+            EXPECT_EQ(exported.ExportSettings(InText(path), LeftOut()), S_OK);
         }
         --exporting;
     };
