@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <filesystem>
-#include <fstream>
 #include <thread>
 
 #include "demo/WinePrinters.h"
@@ -38,26 +36,6 @@ ComPtr<Interface> Activate(REFCLSID classId) {
     EXPECT_EQ(status, S_OK);
     return ComPtr<Interface>(static_cast<Interface*>(object));
 }
-
-/// A script of a test's own; deleted in the end.
-class ScriptFile {
-  public:
-    ScriptFile(const wchar_t* extension, const std::string& text)
-        : m_path(std::filesystem::temp_directory_path() /
-                 (L"kemba script " + std::to_wstring(GetCurrentProcessId()) + extension)) {
-        std::ofstream(m_path, std::ios::binary) << text;
-    }
-    ScriptFile(const ScriptFile&) = delete;
-    ScriptFile& operator=(const ScriptFile&) = delete;
-    ~ScriptFile() {
-        std::error_code ignored;
-        std::filesystem::remove(m_path, ignored);
-    }
-    std::wstring Path() const { return m_path.wstring(); }
-
-  private:
-    std::filesystem::path m_path;
-};
 
 void ExpectComment(const demo::Printer& printer, const std::wstring& comment) {
     const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
@@ -171,53 +149,6 @@ TEST_F(ServerProgramTest, AClientsRequestIsRecognisedInTheServer) {
     EXPECT_FALSE(supported());
     argument.pdispVal = automation.Get();
     EXPECT_EQ(automation->PerformAction(7, argument), E_INVALIDARG);
-}
-
-TEST_F(ServerProgramTest, ScriptsReadAPrinter) {
-    const demo::Printer printer({.comment = L"by the door", .location = L"", .shareName = L""});
-    const struct {
-        const wchar_t* extension;
-        const char* text;
-        const char* output;
-    } rows[] = {
-        {L".vbs",
-         "Set printer = CreateObject(\"Kemba.DriverAutomation\")\r\n"
-         "printer.PutPrinterName WScript.Arguments(0)\r\n"
-         "printer.GetComment comment\r\n"
-         "WScript.Echo comment & \"/\" & printer.GetComment() & \"/\" & "
-         "printer.GetPrinterInformation().GetStatus()\r\n"
-         "Set request = CreateObject(\"Kemba.DriverActions\")\r\n"
-         "request.PutExecute False\r\n"
-         "printer.PerformAction 9, request\r\n"
-         "WScript.Echo \"supported: \" & request.GetSupported()\r\n"
-         "On Error Resume Next\r\n"
-         "printer.Reserved4\r\n"
-         "WScript.Echo Hex(Err.Number) & \" \" & Err.Description\r\n",
-         "by the door/by the door/Ready\r\nsupported: False\r\n"
-         "80004001 Reserved4 on printer \"P\": this server does not offer the operation\r\n"},
-        {L".js",
-         "var printer = new ActiveXObject(\"Kemba.DriverAutomation\");\r\n"
-         "printer.PutPrinterName(WScript.Arguments(0));\r\n"
-         "WScript.Echo(printer.GetComment());\r\n",
-         "by the door\r\n"},
-    };
-    wchar_t system[MAX_PATH] = {};
-    GetSystemDirectoryW(system, MAX_PATH);
-    const std::wstring scriptHost = std::wstring(system) + L"\\cscript.exe";
-    const std::wstring wide = printer.Name();
-    const std::string name(wide.begin(), wide.end());
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.text);
-        const ScriptFile script(row.extension, row.text);
-        std::string expected = row.output;
-        if (const auto place = expected.find("\"P\""); place != expected.npos) {
-            expected.replace(place + 1, 1, name);
-        }
-        const kit::ProcessResult run =
-            kit::RunProgram(scriptHost, {L"//nologo", script.Path(), printer.Name()});
-        EXPECT_EQ(run.status, 0u);
-        EXPECT_EQ(run.output, expected);
-    }
 }
 
 /// Run while no other client is there.

@@ -1,0 +1,177 @@
+// Scripts on the built server, those of the page on the server among them.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "demo/WinePrinters.h"
+#include "tests/kit/PrinterPort.h"
+#include "tests/kit/ProcessRun.h"
+#include "tests/kit/TemporaryFile.h"
+
+namespace {
+
+enum class Language { VBScript, JScript };
+
+std::string NameOf(Language language) {
+    return language == Language::VBScript ? "VBScript" : "JScript";
+}
+
+/// Runs the script in a process of its own; the words are its arguments.
+kit::ProcessResult RunScript(Language language, const std::string& text,
+                             const std::vector<std::wstring>& words) {
+    const std::filesystem::path file =
+        std::filesystem::temp_directory_path() / (L"kemba script " + std::to_wstring(GetCurrentProcessId()) +
+                                                  (language == Language::VBScript ? L".vbs" : L".js"));
+    std::ofstream(file, std::ios::binary) << text;
+    wchar_t system[MAX_PATH] = {};
+    GetSystemDirectoryW(system, MAX_PATH);
+    std::vector<std::wstring> all = {L"//nologo", file.wstring()};
+    all.insert(all.end(), words.begin(), words.end());
+    const kit::ProcessResult run = kit::RunProgram(std::wstring(system) + L"\\cscript.exe", all);
+    std::filesystem::remove(file);
+    return run;
+}
+
+/// The script that the page shows below the paragraph that begins with the language's name.
+std::string ScriptOfThePage(Language language) {
+    const std::string indent = "    ";
+    std::ifstream page(AUTOMATION_PAGE);
+    EXPECT_TRUE(page) << AUTOMATION_PAGE;
+    std::string line;
+    while (std::getline(page, line) && line != "## From a script") {
+    }
+    while (std::getline(page, line) && line.compare(0, NameOf(language).size(), NameOf(language)) != 0) {
+    }
+    std::string script;
+    while (std::getline(page, line) && (line.empty() || line.compare(0, indent.size(), indent) == 0)) {
+        script += line.empty() ? "\r\n" : line.substr(indent.size()) + "\r\n";
+    }
+    return script;
+}
+
+/// Puts `by` in every place of `what`, of which there has to be one at least.
+void Replace(std::string& text, const std::string& what, const std::string& by) {
+    EXPECT_NE(text.find(what), std::string::npos) << what << " in " << text;
+    for (auto place = text.find(what); place != std::string::npos;
+         place = text.find(what, place + by.size())) {
+        text.replace(place, what.size(), by);
+    }
+}
+
+std::string Narrow(const std::wstring& text) {
+    std::string narrow;
+    for (const wchar_t character : text) {
+        EXPECT_LT(character, 0x80);
+        narrow += static_cast<char>(character);
+    }
+    return narrow;
+}
+
+TEST(ScriptTest, TheVBScriptOfThePageDoesWhatItSays) {
+    // The printer has the name of the sample's profile, which lies beside the server.
+    const kit::PrinterPort port;
+    const demo::Printer printer(L"escpos-receipt", {.port = port.Name(), .comment = L"by the door"});
+    const kit::TemporaryFile file;
+    std::string script = ScriptOfThePage(Language::VBScript);
+    Replace(script, "Dock 1", Narrow(printer.Name()));
+    Replace(script, "C:\\Labels\\dock.vqs", Narrow(file.Path()));
+    const kit::ProcessResult run = RunScript(Language::VBScript, script, {});
+    EXPECT_EQ(run.status, 0u);
+    EXPECT_EQ(run.output, "by the door Ready\r\nfed: True\r\n");
+    EXPECT_EQ(port.Received(3), "\x1B"
+                                "d\x04");
+    EXPECT_FALSE(file.Read().empty());
+}
+
+TEST(ScriptTest, TheJScriptOfThePageDoesWhatItSays) {
+    const demo::Printer printer({.comment = L"by the door"});
+    const kit::TemporaryFile file;
+    std::string path = Narrow(file.Path());
+    Replace(path, "\\", "\\\\");
+    std::string script = ScriptOfThePage(Language::JScript);
+    Replace(script, "Dock 1", Narrow(printer.Name()));
+    Replace(script, "C:\\\\Labels\\\\dock.vqs", path);
+    const kit::ProcessResult run = RunScript(Language::JScript, script, {});
+    EXPECT_EQ(run.status, 0u);
+    const std::string begin = "by the door\r\n800700a1 SendFile on printer \"" + Narrow(printer.Name()) +
+                              "\": the file's path \"label.prn\" is not absolute: ";
+    EXPECT_EQ(run.output.substr(0, begin.size()), begin);
+    EXPECT_NE(run.output.find("(error 161)"), std::string::npos);
+    EXPECT_FALSE(file.Read().empty());
+}
+
+TEST(ScriptTest, EveryValueThatSaysNoneLeavesTheOptionOut) {
+    const demo::Printer printer;
+    const kit::TemporaryFile file;
+    const std::pair<Language, std::string> rows[] = {
+        {Language::VBScript, "Set printer = CreateObject(\"Kemba.DriverAutomation\")\r\n"
+                             "printer.PutPrinterName WScript.Arguments(0)\r\n"
+                             "path = WScript.Arguments(1)\r\n"
+                             "Set settings = printer.GetSettings\r\n"
+                             "settings.ExportSettings path, Empty\r\n"
+                             "settings.ExportSettings path, Null\r\n"
+                             "settings.ExportSettings path, variable\r\n"
+                             "settings.ResetSettings variable\r\n"
+                             "WScript.Echo \"done\"\r\n"
+                             "On Error Resume Next\r\n"
+                             "settings.ResetSettings 1\r\n"
+                             "WScript.Echo Hex(Err.Number), Err.Description\r\n"},
+        {Language::JScript, "var printer = new ActiveXObject(\"Kemba.DriverAutomation\");\r\n"
+                            "printer.PutPrinterName(WScript.Arguments(0));\r\n"
+                            "var path = WScript.Arguments(1);\r\n"
+                            "var settings = printer.GetSettings();\r\n"
+                            "settings.ExportSettings(path, undefined);\r\n"
+                            "settings.ExportSettings(path, null);\r\n"
+                            "settings.ResetSettings(null);\r\n"
+                            "WScript.Echo(\"done\");\r\n"
+                            "try {\r\n"
+                            "    settings.ResetSettings(1);\r\n"
+                            "} catch (failure) {\r\n"
+                            "    WScript.Echo((failure.number >>> 0).toString(16).toUpperCase(), "
+                            "failure.description);\r\n"
+                            "}\r\n"},
+    };
+    for (const auto& [language, script] : rows) {
+        SCOPED_TRACE(NameOf(language));
+        const kit::ProcessResult run = RunScript(language, script, {printer.Name(), file.Path()});
+        EXPECT_EQ(run.status, 0u);
+        EXPECT_EQ(run.output, "done\r\n80070057 ResetSettings on printer \"" + Narrow(printer.Name()) +
+                                  "\": the optional argument has to be omitted\r\n");
+    }
+}
+
+TEST(ScriptTest, CallsThatDoNotFitAreRefusedAndChangeNothing) {
+    const demo::Printer printer({.comment = L"by the door"});
+    const std::string script = "Set printer = CreateObject(\"Kemba.DriverAutomation\")\r\n"
+                               "printer.PutPrinterName WScript.Arguments(0)\r\n"
+                               "On Error Resume Next\r\n"
+                               "printer.PutComment \"one\", \"too many\"\r\n"
+                               "WScript.Echo CStr(Err.Number <> 0)\r\n"
+                               "Err.Clear\r\n"
+                               "printer.PutComment\r\n"
+                               "WScript.Echo CStr(Err.Number <> 0)\r\n"
+                               "Err.Clear\r\n"
+                               "printer.GetComment \"a value\"\r\n"
+                               "WScript.Echo CStr(Err.Number <> 0)\r\n"
+                               "Err.Clear\r\n"
+                               "printer.PutComment \"cut\" & Chr(0) & \" off\"\r\n"
+                               "WScript.Echo Hex(Err.Number), Err.Description\r\n"
+                               "Err.Clear\r\n"
+                               "printer.Reserved4\r\n"
+                               "WScript.Echo Hex(Err.Number), Err.Description\r\n"
+                               "WScript.Echo printer.GetComment()\r\n";
+    const kit::ProcessResult run = RunScript(Language::VBScript, script, {printer.Name()});
+    const std::string on = " on printer \"" + Narrow(printer.Name()) + "\": ";
+    EXPECT_EQ(run.status, 0u);
+    EXPECT_EQ(run.output, "True\r\nTrue\r\nTrue\r\n80070057 PutComment" + on +
+                              "the comment has a zero character in it\r\n80004001 Reserved4" + on +
+                              "this server does not offer the operation\r\nby the door\r\n");
+}
+
+} // namespace
