@@ -189,7 +189,6 @@ TEST_F(SendFileTest, WhatIsNoFileWithBytesIsRefusedBeforeAnyJob) {
         EXPECT_TRUE(
             BeginsWith(RefusalOf(device, ERROR_BAD_FILE_TYPE), place + L"\"" + device + L"\" is no file: "));
     }
-    RefusalOf(file.Path() + std::wstring(L"\0x", 2), ERROR_INVALID_NAME); // not the file before the zero
 }
 
 TEST_F(SendFileTest, APathOfSomeFolderThatTheServerCannotKnowIsRefused) {
