@@ -16,6 +16,7 @@
 #include "substitute/base/Failure.h"
 #include "substitute/objects/LateBinding.h"
 #include "substitute/objects/ServerContext.h"
+#include "substitute/objects/UseCount.h"
 #include "substitute/spooler/Printer.h"
 
 namespace kemba::substitute {
@@ -112,7 +113,7 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
   protected:
     /// The object starts with one reference, its maker's. Throws Failure.
     explicit AutomationObject(const ServerContext& context)
-        : m_use(context.process), m_types(context.types.Find(__uuidof(Interface))) {}
+        : m_use(context.uses), m_types(context.types.Find(__uuidof(Interface))) {}
     virtual ~AutomationObject() = default;
 
     /// The printer that error information names; null as long as there is none.
@@ -158,7 +159,7 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
         throw Failure{E_NOTIMPL, L"this server does not offer the operation"};
     }
 
-    const ServerUse m_use;
+    const Use m_use;
     const ComPtr<ITypeInfo> m_types;
     std::atomic<ULONG> m_references{1};
 };

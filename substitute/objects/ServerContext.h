@@ -3,7 +3,7 @@
 
 #include "substitute/actions/ActionProfile.h"
 #include "substitute/objects/ContractTypes.h"
-#include "substitute/server/ServerProcess.h"
+#include "substitute/objects/UseCount.h"
 #include "substitute/spooler/PrinterLocks.h"
 #include "substitute/spooler/Spooler.h"
 
@@ -14,7 +14,7 @@ struct ServerContext {
     Spooler& spooler;
     PrinterLocks& locks;
     const ActionProfiles& profiles;
-    ServerProcess& process;
+    UseCount& uses;
     const ContractTypes& types;
 };
 

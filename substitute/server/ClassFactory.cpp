@@ -3,7 +3,6 @@
 
 #include <objbase.h>
 
-#include "automation/Owners.h"
 #include "substitute/base/Failure.h"
 
 namespace kemba::substitute {
@@ -38,43 +37,67 @@ HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** object)
         return E_POINTER;
     }
     *object = nullptr;
-    return outer ? CLASS_E_NOAGGREGATION : m_class.create(m_context, iid, object);
+    if (outer) {
+        return CLASS_E_NOAGGREGATION;
+    }
+    if (!m_context.uses.TryEnter()) {
+        return CO_E_SERVER_STOPPING;
+    }
+    const HRESULT status = m_class.create(m_context, iid, object);
+    m_context.uses.Leave();
+    return status;
 }
 
 HRESULT ClassFactory::LockServer(BOOL lock) noexcept {
     if (lock) {
-        m_context.process.Enter();
-    } else {
-        m_context.process.Leave();
+        if (!m_context.uses.TryEnter()) {
+            return CO_E_SERVER_STOPPING;
+        }
+        ++m_locks;
+        return S_OK;
     }
+    // A lock too many that one client takes off must not be that of another, or an object's use.
+    ULONG locks = m_locks;
+    do {
+        if (locks == 0) {
+            return E_UNEXPECTED;
+        }
+    } while (!m_locks.compare_exchange_weak(locks, locks - 1));
+    m_context.uses.Leave();
     return S_OK;
 }
 
 ClassObjects::ClassObjects(const ServerContext& context) {
-    m_cookies.reserve(ServerClasses().size());
-    try {
-        for (const ServerClass& served : ServerClasses()) {
-            const ComPtr<ClassFactory> factory = MakeObject<ClassFactory>(context, served);
-            DWORD cookie = 0;
-            ThrowIfFailed(CoRegisterClassObject(served.id, factory.Get(), CLSCTX_LOCAL_SERVER,
-                                                REGCLS_MULTIPLEUSE | REGCLS_SUSPENDED, &cookie),
-                          L"offering a class failed");
-            m_cookies.push_back(cookie);
-        }
-        ThrowIfFailed(CoResumeClassObjects(), L"offering the classes failed");
-    } catch (...) {
-        Revoke();
-        throw;
+    for (const ServerClass& served : ServerClasses()) {
+        m_classes.push_back({served.id, MakeObject<ClassFactory>(context, served)});
     }
 }
 
 ClassObjects::~ClassObjects() {
-    Revoke();
+    Hide();
 }
 
-void ClassObjects::Revoke() noexcept {
-    for (const DWORD cookie : m_cookies) {
-        CoRevokeClassObject(cookie);
+void ClassObjects::Show() {
+    try {
+        for (Offered& offered : m_classes) {
+            ThrowIfFailed(CoRegisterClassObject(offered.id, offered.factory.Get(), CLSCTX_LOCAL_SERVER,
+                                                REGCLS_MULTIPLEUSE | REGCLS_SUSPENDED, &offered.cookie),
+                          L"offering a class failed");
+        }
+        ThrowIfFailed(CoResumeClassObjects(), L"offering the classes failed");
+    } catch (...) {
+        Hide();
+        throw;
+    }
+}
+
+void ClassObjects::Hide() noexcept {
+    CoSuspendClassObjects(); // all at one moment
+    for (Offered& offered : m_classes) {
+        if (offered.cookie != 0) {
+            CoRevokeClassObject(offered.cookie);
+            offered.cookie = 0;
+        }
     }
 }
 

@@ -8,11 +8,14 @@
 #include <atomic>
 #include <vector>
 
+#include "automation/Owners.h"
 #include "substitute/server/ServerClasses.h"
+#include "substitute/server/ServerProcess.h"
 
 namespace kemba::substitute {
 
-/// Makes objects of one class. It does not itself keep the process alive; its locks do.
+/// Makes objects of one class. It does not itself keep the process alive; its locks and its calls do. Once
+/// the process's end is decided it answers CO_E_SERVER_STOPPING.
 class ClassFactory final : public IClassFactory {
   public:
     ClassFactory(const ServerContext& context, const ServerClass& served)
@@ -24,6 +27,7 @@ class ClassFactory final : public IClassFactory {
     ULONG STDMETHODCALLTYPE AddRef() noexcept override;
     ULONG STDMETHODCALLTYPE Release() noexcept override;
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept override;
+    /// To unlock what is not locked is refused with E_UNEXPECTED.
     HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) noexcept override;
 
   private:
@@ -32,21 +36,29 @@ class ClassFactory final : public IClassFactory {
     const ServerContext m_context;
     const ServerClass m_class;
     std::atomic<ULONG> m_references{1};
+    std::atomic<ULONG> m_locks{0};
 };
 
-/// All classes offered to other processes, as long as this lives.
-class ClassObjects {
+/// All classes, offered to other processes while they are shown; hidden at the end.
+class ClassObjects final : public ClassOffer {
   public:
-    /// Offers them all at one moment, so that no client finds some classes only. Throws Failure.
+    /// Throws Failure.
     explicit ClassObjects(const ServerContext& context);
     ClassObjects(const ClassObjects&) = delete;
     ClassObjects& operator=(const ClassObjects&) = delete;
-    ~ClassObjects();
+    ~ClassObjects() override;
+
+    /// Offers them all at one moment, so that no client finds some classes only.
+    void Show() override;
+    void Hide() noexcept override;
 
   private:
-    void Revoke() noexcept;
-
-    std::vector<DWORD> m_cookies;
+    struct Offered {
+        CLSID id;
+        ComPtr<ClassFactory> factory;
+        DWORD cookie = 0; // 0: not registered
+    };
+    std::vector<Offered> m_classes;
 };
 
 } // namespace kemba::substitute

@@ -1,54 +1,43 @@
-// The process's count of uses, and the wait for its end.
+// Deciding when the process ends.
 #include "substitute/server/ServerProcess.h"
-
-#include <objbase.h>
 
 #include "substitute/base/Failure.h"
 
 namespace kemba::substitute {
+namespace {
 
-ServerProcess::ServerProcess() : m_left(CreateEventW(nullptr, FALSE, FALSE, nullptr)) {
-    if (!m_left) {
-        throw WindowsFailure(L"making an event failed", GetLastError());
-    }
-    CoAddRefServerProcess();
-}
-
-ServerProcess::~ServerProcess() {
-    if (m_counted) {
-        CoReleaseServerProcess();
-    }
-}
-
-void ServerProcess::Enter() noexcept {
-    CoAddRefServerProcess();
-}
-
-void ServerProcess::Leave() noexcept {
-    if (CoReleaseServerProcess() <= 1) { // at most our own count is left
-        SetEvent(m_left.get());
-    }
-}
-
-void ServerProcess::WaitUntilUnused(DWORD start, DWORD grace) {
-    DWORD patience = start;
+/// Returns the state in which nothing has used the process for long enough.
+UseCount::State WaitUntilUnused(const UseCount& uses, const ServerTimes& times) {
+    UseCount::State state = uses.Get();
     for (;;) {
-        if (WaitForSingleObject(m_left.get(), patience) == WAIT_OBJECT_0) {
-            patience = grace; // anew after each last use
-            continue;
+        std::optional<std::chrono::milliseconds> patience;
+        if (state.present == 0) {
+            patience = state.begun == 0 ? times.start : times.grace;
         }
-        m_counted = false;
-        if (CoReleaseServerProcess() == 0) {
+        const UseCount::State next = uses.WaitForChange(state, patience);
+        if (next == state) {
+            return state;
+        }
+        state = next;
+    }
+}
+
+} // namespace
+
+void ServeUntilUnused(UseCount& uses, ClassOffer& classes, const ServerTimes& times) {
+    classes.Show();
+    for (;;) {
+        const UseCount::State unused = WaitUntilUnused(uses, times);
+        // First nobody finds the classes any more, then those are waited for who found them just before.
+        classes.Hide();
+        if (uses.WaitForChange(unused, times.settle) == unused && uses.TryEnd(unused)) {
             return;
         }
-        // Still in use. If the last use has ended between the two calls, COM has been told of the end
-        // already.
-        if (CoAddRefServerProcess() == 1) {
-            CoReleaseServerProcess();
-            return;
+        try {
+            classes.Show();
+        } catch (const Failure&) {
+            // Whoever is here is served to the end all the same; new clients start another process.
         }
-        m_counted = true;
-        patience = INFINITE;
     }
 }
 

@@ -10,17 +10,13 @@
 #include "core/SystemLibraries.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/Paths.h"
-#include "substitute/server/ClassFactory.h"
 #include "substitute/server/CommandLine.h"
 #include "substitute/server/Registration.h"
-#include "substitute/spooler/WindowsSpooler.h"
+#include "substitute/server/Serving.h"
 
 namespace {
 
 using namespace kemba::substitute;
-
-constexpr DWORD kStartMilliseconds = 30'000; // a start by hand, or a client that died before its first call
-constexpr DWORD kGraceMilliseconds = 5'000;  // one command after the other finds the server running
 
 constexpr int kFailed = 1;
 constexpr int kMisused = 2;
@@ -53,16 +49,6 @@ class Apartment {
     ~Apartment() { CoUninitialize(); }
 };
 
-void Serve(const ContractTypes& types) {
-    WindowsSpooler spooler;
-    PrinterLocks locks;
-    const ActionProfiles profiles(
-        [] { return ActionProfileFolder(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Brandle\\Drivers"); });
-    ServerProcess process;
-    const ClassObjects offered(ServerContext{spooler, locks, profiles, process, types});
-    process.WaitUntilUnused(kStartMilliseconds, kGraceMilliseconds);
-}
-
 int Run(const CommandLine& commandLine) {
     using Verb = CommandLine::Verb;
     if (commandLine.verb == Verb::Usage) {
@@ -74,7 +60,7 @@ int Run(const CommandLine& commandLine) {
     switch (commandLine.verb) {
     case Verb::Register: RegisterServer(commandLine.scope, types, ProgramPath()); break;
     case Verb::Unregister: UnregisterServer(commandLine.scope, types); break;
-    default: Serve(types); break;
+    default: Serve(); break;
     }
     return 0;
 }

@@ -65,7 +65,7 @@ class ObjectFixture : public testing::Test {
     kemba::substitute::PrinterLocks locks;
     std::wstring profileFolder = L"C:\\no such folder";
     kemba::substitute::ActionProfiles profiles{[this] { return profileFolder; }};
-    kemba::substitute::ServerProcess process;
+    kemba::substitute::UseCount uses;
     kemba::substitute::ContractTypes types;
-    kemba::substitute::ServerContext context{spooler, locks, profiles, process, types};
+    kemba::substitute::ServerContext context{spooler, locks, profiles, uses, types};
 };

@@ -28,9 +28,9 @@ TEST(ServerMemory, ThousandsOfVisitsToTheRealSpoolerLeaveNothing) {
         WindowsSpooler spooler;
         PrinterLocks locks;
         ActionProfiles profiles([] { return std::wstring(L"C:\\no such folder"); });
-        ServerProcess process;
+        UseCount uses;
         ContractTypes types;
-        const ServerContext context{spooler, locks, profiles, process, types};
+        const ServerContext context{spooler, locks, profiles, uses, types};
         const auto visit = [&] {
             const auto automation = MakeObject<DriverAutomationObject>(context);
             EXPECT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);

@@ -53,7 +53,7 @@ class SettingsSpoolerTest : public ObjectFixture {
 
     const demo::Printer printer;
     WindowsSpooler realSpooler;
-    ServerContext realContext{realSpooler, locks, profiles, process, types};
+    ServerContext realContext{realSpooler, locks, profiles, uses, types};
     const PrinterHandle handle{realSpooler, printer.Name(), PRINTER_ACCESS_ADMINISTER | PRINTER_ACCESS_USE};
     TemporaryFolder folder;
     std::wstring path = folder.File(L"label.vqs");

@@ -23,7 +23,7 @@ class SpoolerTest : public ObjectFixture {
     ComPtr<DriverAutomationObject> MakeReal() { return MakeObject<DriverAutomationObject>(realContext); }
 
     WindowsSpooler realSpooler;
-    ServerContext realContext{realSpooler, locks, profiles, process, types};
+    ServerContext realContext{realSpooler, locks, profiles, uses, types};
 };
 
 TEST_F(SpoolerTest, ReadsARealPrinter) {

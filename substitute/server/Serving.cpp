@@ -1,0 +1,39 @@
+// What is served, to whom, and for how long.
+#include "substitute/server/Serving.h"
+
+#include "substitute/server/ClassFactory.h"
+#include "substitute/server/ServerProcess.h"
+#include "substitute/spooler/WindowsSpooler.h"
+
+namespace kemba::substitute {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr ServerTimes kTimes = {
+    .start = 30s,    // a start by hand, or a client that died before its first call
+    .grace = 5s,     // one command after the other finds the server running
+    .settle = 500ms, // a client on a busy machine comes from the class to its first call
+};
+
+/// What the objects work with.
+struct Parts {
+    WindowsSpooler spooler;
+    PrinterLocks locks;
+    const ActionProfiles profiles{
+        [] { return ActionProfileFolder(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Brandle\\Drivers"); }};
+    const ContractTypes types;
+    UseCount uses;
+};
+
+} // namespace
+
+void Serve() {
+    // Never destroyed: a call that came at the last moment runs on a thread of COM's, which may go on until
+    // the process has ended, the component runtime or not.
+    Parts& parts = *new Parts;
+    ClassObjects classes({parts.spooler, parts.locks, parts.profiles, parts.uses, parts.types});
+    ServeUntilUnused(parts.uses, classes, kTimes);
+}
+
+} // namespace kemba::substitute
