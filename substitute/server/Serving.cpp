@@ -1,7 +1,11 @@
 // What is served, to whom, and for how long.
 #include "substitute/server/Serving.h"
 
+#include <memory>
+
+#include "substitute/base/Failure.h"
 #include "substitute/server/ClassFactory.h"
+#include "substitute/server/ProcessSecurity.h"
 #include "substitute/server/ServerProcess.h"
 #include "substitute/spooler/WindowsSpooler.h"
 
@@ -26,14 +30,39 @@ struct Parts {
     UseCount uses;
 };
 
-} // namespace
-
-void Serve() {
+void ServeClients() {
+    RefuseAccount(ReadApplicationIdentity(HKEY_LOCAL_MACHINE));
+    RefuseAccount(ReadApplicationIdentity(HKEY_CURRENT_USER));
+    SecureProcess();
     // Never destroyed: a call that came at the last moment runs on a thread of COM's, which may go on until
     // the process has ended, the component runtime or not.
     Parts& parts = *new Parts;
     ClassObjects classes({parts.spooler, parts.locks, parts.profiles, parts.uses, parts.types});
     ServeUntilUnused(parts.uses, classes, kTimes);
+}
+
+struct EventSourceCloser {
+    void operator()(void* source) const noexcept { DeregisterEventSource(source); }
+};
+
+/// Nobody sees the standard error of a program that COM has started.
+void TellEventLog(const Failure& failure) noexcept {
+    const std::unique_ptr<void, EventSourceCloser> source(RegisterEventSourceW(nullptr, kServerName));
+    if (source) {
+        const wchar_t* texts[] = {failure.reason.c_str()};
+        ReportEventW(source.get(), EVENTLOG_ERROR_TYPE, 0, 1, nullptr, 1, 0, texts, nullptr);
+    }
+}
+
+} // namespace
+
+void Serve() {
+    try {
+        ServeClients();
+    } catch (...) {
+        TellEventLog(CurrentFailure());
+        throw;
+    }
 }
 
 } // namespace kemba::substitute

@@ -4,7 +4,7 @@
 namespace kemba::substitute {
 
 /// Serves clients until none has been there for some seconds. To be called once, in the multithreaded
-/// apartment. Throws Failure when the server cannot start.
+/// apartment. Throws Failure when the server cannot start, after telling the event log why.
 void Serve();
 
 } // namespace kemba::substitute

@@ -10,6 +10,7 @@
 
 #include "demo/WinePrinters.h"
 #include "substitute/base/Handles.h"
+#include "substitute/server/ServerIdentity.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/TemporaryFile.h"
@@ -202,6 +203,32 @@ TEST_F(ServerLifetimeTest, TheProcessStartsForTheFirstClientAndGoesSomeSecondsAf
     EXPECT_TRUE(Activate<IVersionInformation>(__uuidof(VersionInformation))); // of a server of its own
     void* made = nullptr;
     EXPECT_TRUE(FAILED(factory->CreateInstance(nullptr, __uuidof(IUnknown), &made)));
+}
+
+/// Sets the application's account for as long as it lives.
+class SetAccount {
+  public:
+    explicit SetAccount(const std::wstring& account) {
+        wchar_t id[40] = {};
+        StringFromGUID2(kApplication, id, static_cast<int>(std::size(id)));
+        m_key += id;
+        EXPECT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, m_key.c_str(), L"RunAs", REG_SZ, account.c_str(),
+                                  static_cast<DWORD>((account.size() + 1) * sizeof(wchar_t))),
+                  ERROR_SUCCESS);
+    }
+    SetAccount(const SetAccount&) = delete;
+    SetAccount& operator=(const SetAccount&) = delete;
+    ~SetAccount() { RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, m_key.c_str(), L"RunAs"); }
+
+  private:
+    std::wstring m_key = L"Software\\Classes\\AppID\\";
+};
+
+TEST_F(ServerLifetimeTest, RefusesToServeWhenTheApplicationIsToRunAsAnAccount) {
+    const SetAccount account(L"Interactive User");
+    const kit::ProcessResult run = kit::RunProgram(L"kemba-dal.exe", {L"/automation"});
+    EXPECT_EQ(run.status, 1u);
+    EXPECT_NE(run.errors.find("the application is set to run as \"Interactive User\""), std::string::npos);
 }
 
 } // namespace

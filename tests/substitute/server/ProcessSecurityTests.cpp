@@ -1,0 +1,194 @@
+// On whose behalf the server works, and who may call it.
+#include "substitute/server/ProcessSecurity.h"
+
+#include <gtest/gtest.h>
+#include <objbase.h>
+
+#include <array>
+#include <string>
+
+#include "substitute/base/Failure.h"
+#include "substitute/base/Handles.h"
+#include "substitute/server/ServerIdentity.h"
+
+namespace {
+
+using namespace kemba::substitute;
+
+HRESULT StatusOfRefusal(const ApplicationIdentity& identity) {
+    try {
+        RefuseAccount(identity);
+        return S_OK;
+    } catch (const Failure& failure) {
+        const std::wstring& account = identity.localService.empty() ? identity.runAs : identity.localService;
+        EXPECT_NE(failure.reason.find(L'"' + account + L'"'), std::wstring::npos);
+        return failure.status;
+    }
+}
+
+TEST(ApplicationIdentity, AnyAccountIsRefusedAndNoneIsNot) {
+    EXPECT_EQ(StatusOfRefusal({}), S_OK);
+    for (const wchar_t* const account : {L"Interactive User", L"interactive user", L"DOMAIN\\operator",
+                                         L"nt authority\\localservice", L" "}) {
+        EXPECT_EQ(StatusOfRefusal({.runAs = account, .localService = L""}), CO_E_WRONG_SERVER_IDENTITY);
+    }
+    EXPECT_EQ(StatusOfRefusal({.runAs = L"", .localService = L"SomeService"}), CO_E_WRONG_SERVER_IDENTITY);
+}
+
+/// A root of the test's own, in which the application's key may be written.
+class IdentityKeyTest : public testing::Test {
+  protected:
+    IdentityKeyTest() {
+        HKEY opened = nullptr;
+        RegCreateKeyExW(HKEY_CURRENT_USER, m_rootName.c_str(), 0, nullptr, REG_OPTION_VOLATILE,
+                        KEY_ALL_ACCESS, nullptr, &opened, nullptr);
+        m_root.reset(opened);
+        wchar_t id[40] = {};
+        StringFromGUID2(kApplication, id, 40);
+        m_key = std::wstring(L"Software\\Classes\\AppID\\") + id;
+    }
+    ~IdentityKeyTest() override {
+        m_root.reset();
+        RegDeleteTreeW(HKEY_CURRENT_USER, m_rootName.c_str());
+    }
+    void Set(const wchar_t* name, DWORD type, const std::wstring& text) {
+        HKEY opened = nullptr;
+        ASSERT_EQ(RegCreateKeyExW(m_root.get(), m_key.c_str(), 0, nullptr, REG_OPTION_VOLATILE,
+                                  KEY_ALL_ACCESS, nullptr, &opened, nullptr),
+                  ERROR_SUCCESS);
+        const UniqueKey key(opened);
+        ASSERT_EQ(RegSetValueExW(opened, name, 0, type, reinterpret_cast<const BYTE*>(text.c_str()),
+                                 static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
+                  ERROR_SUCCESS);
+    }
+
+    const std::wstring m_rootName =
+        L"Software\\kemba identity test " + std::to_wstring(GetCurrentProcessId());
+    UniqueKey m_root;
+    std::wstring m_key;
+};
+
+TEST_F(IdentityKeyTest, WithoutTheKeyOrItsValuesNoAccountIsSet) {
+    EXPECT_EQ(ReadApplicationIdentity(m_root.get()).runAs, L"");
+    Set(L"", REG_SZ, L"a name");
+    EXPECT_EQ(ReadApplicationIdentity(m_root.get()).runAs, L"");
+    EXPECT_EQ(ReadApplicationIdentity(m_root.get()).localService, L"");
+}
+
+TEST_F(IdentityKeyTest, ReadsTheAccountAndTheService) {
+    Set(L"RunAs", REG_SZ, L"Interactive User");
+    Set(L"LocalService", REG_SZ, L"SomeService");
+    EXPECT_EQ(ReadApplicationIdentity(m_root.get()).runAs, L"Interactive User");
+    EXPECT_EQ(ReadApplicationIdentity(m_root.get()).localService, L"SomeService");
+}
+
+TEST_F(IdentityKeyTest, WhatCannotBeReadAsATextIsAFailure) {
+    Set(L"RunAs", REG_BINARY, L"x");
+    EXPECT_THROW(ReadApplicationIdentity(m_root.get()), Failure);
+}
+
+using Sid = std::array<BYTE, SECURITY_MAX_SID_SIZE>;
+
+Sid MakeSid(WELL_KNOWN_SID_TYPE which) {
+    Sid sid = {};
+    auto size = static_cast<DWORD>(sid.size());
+    EXPECT_TRUE(CreateWellKnownSid(which, nullptr, sid.data(), &size));
+    return sid;
+}
+
+/// Rights that the descriptor gives to the test's own process for a call.
+DWORD OwnRights(PSECURITY_DESCRIPTOR descriptor) {
+    HANDLE opened = nullptr;
+    EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY | TOKEN_DUPLICATE, &opened));
+    const UniqueHandle primary(opened);
+    HANDLE copied = nullptr;
+    EXPECT_TRUE(DuplicateToken(primary.get(), SecurityIdentification, &copied));
+    const UniqueHandle token(copied);
+    GENERIC_MAPPING mapping = {};
+    PRIVILEGE_SET privileges = {};
+    DWORD size = sizeof(privileges);
+    DWORD granted = 0;
+    BOOL allowed = FALSE;
+    EXPECT_TRUE(AccessCheck(descriptor, token.get(), COM_RIGHTS_EXECUTE | COM_RIGHTS_EXECUTE_LOCAL, &mapping,
+                            &privileges, &size, &granted, &allowed))
+        << GetLastError();
+    return allowed ? granted : 0;
+}
+
+TEST(AccessRights, TheServersUserMayCallFromThisMachine) {
+    const auto user = ReadOwnToken(TokenUser);
+    const auto integrity = ReadOwnToken(TokenIntegrityLevel);
+    AccessRights rights(reinterpret_cast<const TOKEN_USER*>(user.data())->User.Sid,
+                        reinterpret_cast<const TOKEN_MANDATORY_LABEL*>(integrity.data())->Label.Sid);
+    EXPECT_EQ(OwnRights(rights.Get()), DWORD{COM_RIGHTS_EXECUTE | COM_RIGHTS_EXECUTE_LOCAL});
+}
+
+TEST(AccessRights, NameTheUserTheSystemAndAdministratorsAndNobodyElse) {
+    Sid user = MakeSid(WinLocalServiceSid); // in place of any user
+    Sid integrity = MakeSid(WinMediumLabelSid);
+    AccessRights rights(user.data(), integrity.data());
+    ASSERT_TRUE(IsValidSecurityDescriptor(rights.Get()));
+    BOOL present = FALSE;
+    BOOL defaulted = FALSE;
+    ACL* allowed = nullptr;
+    ASSERT_TRUE(GetSecurityDescriptorDacl(rights.Get(), &present, &allowed, &defaulted));
+    ASSERT_TRUE(present);
+    ASSERT_TRUE(allowed);
+    Sid expected[] = {user, MakeSid(WinLocalSystemSid), MakeSid(WinBuiltinAdministratorsSid)};
+    ASSERT_EQ(allowed->AceCount, std::size(expected));
+    for (DWORD index = 0; index < allowed->AceCount; ++index) {
+        void* entry = nullptr;
+        ASSERT_TRUE(GetAce(allowed, index, &entry));
+        auto* const ace = static_cast<ACCESS_ALLOWED_ACE*>(entry);
+        EXPECT_EQ(ace->Header.AceType, ACCESS_ALLOWED_ACE_TYPE);
+        EXPECT_EQ(ace->Mask, DWORD{COM_RIGHTS_EXECUTE | COM_RIGHTS_EXECUTE_LOCAL});
+        EXPECT_TRUE(EqualSid(&ace->SidStart, expected[index].data()));
+    }
+}
+
+TEST(AccessRights, HaveAnOwnerAGroupAndTheIntegrityLevelThatCallersNeed) {
+    Sid user = MakeSid(WinLocalServiceSid);
+    Sid integrity = MakeSid(WinHighLabelSid);
+    AccessRights rights(user.data(), integrity.data());
+    SECURITY_DESCRIPTOR_CONTROL control = 0;
+    DWORD revision = 0;
+    ASSERT_TRUE(GetSecurityDescriptorControl(rights.Get(), &control, &revision));
+    EXPECT_EQ(control & SE_SELF_RELATIVE, 0); // COM takes the absolute form only
+    PSID owner = nullptr;
+    PSID group = nullptr;
+    BOOL defaulted = FALSE;
+    ASSERT_TRUE(GetSecurityDescriptorOwner(rights.Get(), &owner, &defaulted));
+    ASSERT_TRUE(GetSecurityDescriptorGroup(rights.Get(), &group, &defaulted));
+    EXPECT_TRUE(EqualSid(owner, user.data()));
+    EXPECT_TRUE(EqualSid(group, user.data()));
+    BOOL present = FALSE;
+    ACL* labels = nullptr;
+    ASSERT_TRUE(GetSecurityDescriptorSacl(rights.Get(), &present, &labels, &defaulted));
+    ASSERT_TRUE(present);
+    ASSERT_EQ(labels->AceCount, 1);
+    void* entry = nullptr;
+    ASSERT_TRUE(GetAce(labels, 0, &entry));
+    auto* const ace = static_cast<SYSTEM_MANDATORY_LABEL_ACE*>(entry);
+    EXPECT_EQ(ace->Header.AceType, SYSTEM_MANDATORY_LABEL_ACE_TYPE);
+    EXPECT_EQ(ace->Mask, DWORD{SYSTEM_MANDATORY_LABEL_NO_EXECUTE_UP});
+    EXPECT_TRUE(EqualSid(&ace->SidStart, integrity.data()));
+}
+
+TEST(AccessRights, AStrangerMayNotCall) {
+    // The test's process runs as an administrator under some systems; then nobody here is a stranger.
+    Sid administrators = MakeSid(WinBuiltinAdministratorsSid);
+    BOOL member = FALSE;
+    ASSERT_TRUE(CheckTokenMembership(nullptr, administrators.data(), &member));
+    Sid user = MakeSid(WinLocalServiceSid);
+    Sid integrity = MakeSid(WinMediumLabelSid);
+    AccessRights rights(user.data(), integrity.data());
+    EXPECT_EQ(OwnRights(rights.Get()) != 0, member != FALSE);
+}
+
+TEST(ProcessSecurity, IsAcceptedByTheComponentRuntime) {
+    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+    EXPECT_NO_THROW(SecureProcess());
+    CoUninitialize();
+}
+
+} // namespace
