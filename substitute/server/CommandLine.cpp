@@ -17,20 +17,27 @@ bool IsSwitch(std::wstring_view word, const wchar_t* name) {
 
 CommandLine ParseCommandLine(const std::vector<std::wstring_view>& words) {
     using Verb = CommandLine::Verb;
+    if (words.empty()) {
+        return {};
+    }
     if (words.size() == 1 && (IsSwitch(words[0], L"Embedding") || IsSwitch(words[0], L"automation"))) {
-        return {Verb::Serve, Scope::Machine};
+        return {.verb = Verb::Serve};
     }
-    const bool forUser = words.size() == 2 && IsSwitch(words[1], L"user");
-    if (words.size() == 1 || forUser) {
-        const Scope scope = forUser ? Scope::CurrentUser : Scope::Machine;
-        if (IsSwitch(words[0], L"regserver")) {
-            return {Verb::Register, scope};
-        }
-        if (IsSwitch(words[0], L"unregserver")) {
-            return {Verb::Unregister, scope};
+    const bool registers = IsSwitch(words[0], L"regserver");
+    if (!registers && !IsSwitch(words[0], L"unregserver")) {
+        return {};
+    }
+    CommandLine read{.verb = registers ? Verb::Register : Verb::Unregister};
+    for (std::size_t index = 1; index < words.size(); ++index) {
+        if (IsSwitch(words[index], L"user") && read.scope == Scope::Machine) {
+            read.scope = Scope::CurrentUser;
+        } else if (registers && IsSwitch(words[index], L"replace") && !read.replace) {
+            read.replace = true;
+        } else {
+            return {}; // unknown, or there twice
         }
     }
-    return {};
+    return read;
 }
 
 } // namespace kemba::substitute

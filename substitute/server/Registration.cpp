@@ -1,136 +1,181 @@
 // Writing and removing the registry entries.
 #include "substitute/server/Registration.h"
 
-#include <DriverAutomation.h>
-
-#include <array>
+#include <algorithm>
 #include <vector>
 
 #include "substitute/base/Failure.h"
+#include "substitute/server/ClassHolders.h"
+#include "substitute/server/RegistrationEntries.h"
+#include "substitute/server/RegistrationRecord.h"
 #include "substitute/server/ServerClasses.h"
-#include "substitute/server/TypeLibraryRegistration.h"
+#include "substitute/server/WriteAccess.h"
 
 namespace kemba::substitute {
 namespace {
-
-constexpr GUID kApplication = {0x2A67A06D, 0xD94F, 0x42C1, {0x90, 0x74, 0x33, 0xF0, 0x56, 0x30, 0xEF, 0x24}};
-constexpr wchar_t kApplicationName[] = L"KEMBA substitute driver automation";
-constexpr wchar_t kClasses[] = L"Software\\Classes\\";
 
 HKEY RootOf(Scope scope) {
     return scope == Scope::Machine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
 }
 
-std::wstring Braced(REFGUID id) {
-    wchar_t text[40] = {};
-    StringFromGUID2(id, text, static_cast<int>(std::size(text)));
-    return text;
+Scope OtherThan(Scope scope) {
+    return scope == Scope::Machine ? Scope::CurrentUser : Scope::Machine;
 }
 
-std::wstring LibraryId(const ContractTypes& types) {
-    TLIBATTR* attributes = nullptr;
-    ThrowIfFailed(types.GetLibrary().GetLibAttr(&attributes), L"reading the type library failed");
-    const GUID id = attributes->guid;
-    types.GetLibrary().ReleaseTLibAttr(attributes);
-    return Braced(id);
+const wchar_t* Audience(Scope scope) {
+    return scope == Scope::Machine ? L"for all users" : L"for this user";
 }
 
-std::wstring ClassKey(const ServerClass& served) {
-    return L"CLSID\\" + Braced(served.id);
+std::wstring Quoted(const std::wstring& text) {
+    return L"\"" + text + L"\"";
 }
 
-/// The name by which scripts make an object of the class.
-std::wstring ProgramId(const ServerClass& served) {
-    return std::wstring(L"Kemba.") + served.name;
-}
-
-/// Keys that are the server's alone, each with all that lies below it.
-std::vector<std::wstring> OwnKeys(const ContractTypes& types) {
-    std::vector<std::wstring> keys;
-    for (const ServerClass& served : ServerClasses()) {
-        keys.push_back(ClassKey(served));
-        keys.push_back(ProgramId(served));
-    }
-    keys.push_back(L"AppID\\" + Braced(kApplication));
-    keys.push_back(L"AppID\\kemba-dal.exe");
-    keys.push_back(L"TypeLib\\" + LibraryId(types));
-    for (const IID& iid :
-         {__uuidof(IDriverAutomation), __uuidof(IDriverSettings), __uuidof(IDriverActions),
-          __uuidof(IPrinterQueue), __uuidof(IPrinterInformation), __uuidof(IVersionInformation)}) {
-        keys.push_back(L"Interface\\" + Braced(iid));
-        // The type library's registration also serves 32-bit programs.
-        keys.push_back(L"Wow6432Node\\Interface\\" + Braced(iid));
-    }
-    return keys;
-}
-
-/// Writes one text, making the keys on the way; an empty value name is the key's own value.
-void Write(Scope scope, const std::wstring& key, const wchar_t* value, const std::wstring& text) {
-    const auto bytes = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
-    const LSTATUS error =
-        RegSetKeyValueW(RootOf(scope), (kClasses + key).c_str(), value, REG_SZ, text.c_str(), bytes);
-    if (error != ERROR_SUCCESS) {
-        throw WindowsFailure(L"writing the registry key \"" + key + L"\" failed", static_cast<DWORD>(error));
+/// Removes from both views of the hive what other programs say of our classes; the record keeps it.
+void SetOthersAside(HKEY root, RegistrationRecord& record) {
+    for (const View view : kViews) {
+        for (const ServerClass& served : ServerClasses()) {
+            if (!OtherPrograms(HoldersOfClass(root, view, served)).empty()) {
+                record.SetAside({root, view, kClassesKey + ClassKey(served)});
+            }
+        }
     }
 }
 
-void RemoveTree(Scope scope, const std::wstring& key) {
-    const LSTATUS error = RegDeleteTreeW(RootOf(scope), (kClasses + key).c_str());
-    if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND) {
-        throw WindowsFailure(L"removing the registry key \"" + key + L"\" failed", static_cast<DWORD>(error));
+/// Writes all entries, or nothing. To adopt is to count entries that are there already as ours.
+void WriteEntries(HKEY root, const LibraryDescription& library, const std::wstring& path, bool adopt) {
+    RegistrationRecord record(root);
+    const std::wstring formerProgram = record.Program();
+    const DWORD formerSize = record.Size();
+    try {
+        record.SetProgram(path);
+        SetOthersAside(root, record);
+        for (const View view : kViews) {
+            for (const RegistrationEntry& entry : RegistrationEntries(library, path)) {
+                record.Write({{root, view, kClassesKey + entry.key}, entry.name, entry.text, entry.shared},
+                             adopt);
+            }
+        }
+    } catch (...) {
+        const Failure failure = CurrentFailure();
+        try {
+            record.TakeBack(formerSize, false);
+            if (formerSize > 0) {
+                record.SetProgram(formerProgram);
+            }
+        } catch (const Failure& second) {
+            throw Failure{failure.status, failure.reason +
+                                              L"; taking the registration back failed as well: " +
+                                              second.reason + L"; /unregserver tries again"};
+        }
+        throw failure;
     }
 }
 
-/// A user's classes may have been the first of their kind; the machine's folders belong to the system.
-void RemoveUserFolderIfEmpty(const std::wstring& key) {
-    const std::wstring path = kClasses + key;
-    HKEY opened = nullptr;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS) {
-        return;
+/// Whether entries of a copy of this server are there that no record tells of.
+bool IsUnrecorded(HKEY root, const std::vector<Holder>& holders) {
+    return !RegistrationRecord(root).Exists() && !holders.empty() && OtherPrograms(holders).empty();
+}
+
+/// The holders whose place is taken: all but the program itself.
+std::vector<Holder> Displaced(const std::vector<Holder>& holders, const std::wstring& path) {
+    std::vector<Holder> displaced = holders;
+    std::erase_if(displaced, [&](const Holder& holder) { return IsSameFile(holder.program, path); });
+    return displaced;
+}
+
+std::wstring DescribeRegistration(Scope scope, const std::vector<Holder>& holders, const std::wstring& path) {
+    std::wstring line = L"registered " + Quoted(path) + L" " + Audience(scope);
+    if (const std::vector<Holder> displaced = Displaced(holders, path); !displaced.empty()) {
+        line += L" in place of " + Listed(displaced);
     }
-    DWORD keys = 1;
-    DWORD values = 1;
-    RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr, nullptr,
-                     nullptr, nullptr);
-    RegCloseKey(opened);
-    if (keys == 0 && values == 0) {
-        RegDeleteKeyW(HKEY_CURRENT_USER, path.c_str());
+    if (!OtherPrograms(holders).empty()) {
+        line += L"; /unregserver puts back what was there";
     }
+    return line;
+}
+
+std::wstring DescribeAbsence(Scope scope) {
+    const Scope other = OtherThan(scope);
+    std::wstring line = std::wstring(L"nothing is registered ") + Audience(scope) + L" that could be removed";
+    if (RegistrationRecord(RootOf(other)).Exists()) {
+        line += std::wstring(L"; the registration ") + Audience(other) + L" is removed by /unregserver" +
+                (other == Scope::CurrentUser ? L" /user" : L"");
+    }
+    return line;
 }
 
 } // namespace
 
-void RegisterServer(Scope scope, const ContractTypes& types, const std::wstring& path) {
-    const std::wstring application = Braced(kApplication);
-    Write(scope, L"AppID\\" + application, L"", kApplicationName);
-    Write(scope, L"AppID\\kemba-dal.exe", L"AppID", application);
-    for (const ServerClass& served : ServerClasses()) {
-        const std::wstring key = ClassKey(served);
-        Write(scope, key, L"", std::wstring(kApplicationName) + L": " + served.name);
-        Write(scope, key, L"AppID", application);
-        // Quoted, so that no blank in the path is taken for its end.
-        Write(scope, key + L"\\LocalServer32", L"", L"\"" + path + L"\"");
-        Write(scope, key + L"\\LocalServer32", L"ServerExecutable", path);
-        Write(scope, key + L"\\TypeLib", L"", LibraryId(types));
-        Write(scope, key + L"\\Version", L"", L"1.0");
-        Write(scope, key + L"\\ProgID", L"", ProgramId(served));
-        Write(scope, ProgramId(served), L"", std::wstring(kApplicationName) + L": " + served.name);
-        Write(scope, ProgramId(served) + L"\\CLSID", L"", Braced(served.id));
+RegistrationReport RegisterServer(Scope scope, const ContractTypes& types, const std::wstring& path,
+                                  bool replace) {
+    const HKEY root = RootOf(scope);
+    const LibraryDescription library = DescribeLibrary(types.GetLibrary());
+    const std::vector<Holder> holders = Holders(root, library);
+    std::vector<Holder> others = OtherPrograms(holders);
+    const std::vector<Holder> elsewhere = Displaced(Holders(RootOf(OtherThan(scope)), library), path);
+    const std::vector<Holder> hidden =
+        scope == Scope::CurrentUser ? OtherPrograms(elsewhere) : std::vector<Holder>();
+    others.insert(others.end(), hidden.begin(), hidden.end());
+    if (!others.empty() && !replace) {
+        throw Failure{HRESULT_FROM_WIN32(ERROR_ALREADY_EXISTS),
+                      L"another program is registered: " + Listed(others) +
+                          L"; nothing was changed (/regserver /replace takes its place, "
+                          L"and /unregserver puts it back)"};
     }
-    RegisterTypeLibrary(scope, types.GetLibrary(), path);
-}
+    WriteEntries(root, library, path, IsUnrecorded(root, holders));
 
-void UnregisterServer(Scope scope, const ContractTypes& types) {
-    UnregisterTypeLibrary(scope, types.GetLibrary());
-    for (const std::wstring& key : OwnKeys(types)) {
-        RemoveTree(scope, key);
-    }
+    RegistrationReport report;
+    report.done.push_back(DescribeRegistration(scope, holders, path));
     if (scope == Scope::CurrentUser) {
-        for (const wchar_t* const folder :
-             {L"CLSID", L"AppID", L"TypeLib", L"Interface", L"Wow6432Node\\Interface", L"Wow6432Node"}) {
-            RemoveUserFolderIfEmpty(folder);
+        report.done.emplace_back(L"programs that run as administrator, and services, do not see it");
+        if (!hidden.empty()) {
+            report.warnings.push_back(L"for this user it goes before the machine's registration: " +
+                                      Listed(hidden));
+        }
+    } else {
+        if (!elsewhere.empty()) {
+            report.warnings.push_back(L"for this user, a registration of the user's own goes before it: " +
+                                      Listed(elsewhere));
+        }
+        if (UsersMayReplace(path)) {
+            report.warnings.push_back(L"any user of this computer may change " + Quoted(path) +
+                                      L" or its folder, and so what others run; move it to where only "
+                                      L"administrators may write");
         }
     }
+    return report;
+}
+
+RegistrationReport UnregisterServer(Scope scope, const ContractTypes& types, const std::wstring& path) {
+    const HKEY root = RootOf(scope);
+    const LibraryDescription library = DescribeLibrary(types.GetLibrary());
+    const std::vector<Holder> holders = Holders(root, library);
+    RegistrationRecord record(root);
+    std::wstring registered = record.Program();
+    const bool unrecorded = IsUnrecorded(root, holders);
+    if (unrecorded) {
+        registered = holders.front().program;
+    }
+    if (!unrecorded && !record.Exists()) {
+        return {{DescribeAbsence(scope)}, {}};
+    }
+    const bool isThere = GetFileAttributesW(registered.c_str()) != INVALID_FILE_ATTRIBUTES;
+    if (isThere && !IsSameFile(registered, path)) { // a copy that is gone cannot remove anything itself
+        throw Failure{HRESULT_FROM_WIN32(ERROR_ALREADY_EXISTS),
+                      Quoted(registered) + L" is registered " + Audience(scope) +
+                          L", not this program; nothing was changed (its own /unregserver removes it)"};
+    }
+    if (unrecorded) {
+        WriteEntries(root, library, registered, true);
+    }
+    record.TakeBack(0, !OtherPrograms(holders).empty());
+
+    RegistrationReport report;
+    report.done.push_back(L"removed the registration of " + Quoted(registered) + L" " + Audience(scope));
+    if (const std::vector<Holder> left = Holders(root, library); !left.empty()) {
+        report.done.push_back(L"registered is now " + Listed(left));
+    }
+    return report;
 }
 
 } // namespace kemba::substitute

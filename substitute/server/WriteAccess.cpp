@@ -7,6 +7,7 @@
 #include <iterator>
 
 #include "substitute/base/Handles.h"
+#include "substitute/base/Paths.h"
 
 namespace kemba::substitute {
 namespace {
@@ -69,8 +70,7 @@ bool GivesUsersAnyOf(const ACL* list, DWORD rights) noexcept {
 }
 
 bool UsersMayReplace(const std::wstring& program) {
-    return GivesUsers(program, kChangeFile) ||
-           GivesUsers(program.substr(0, program.find_last_of(L"\\/") + 1), kChangeFolder);
+    return GivesUsers(program, kChangeFile) || GivesUsers(std::wstring(FolderOf(program)), kChangeFolder);
 }
 
 } // namespace kemba::substitute

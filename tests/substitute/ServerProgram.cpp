@@ -4,27 +4,21 @@
 #include <tlhelp32.h>
 
 #include <array>
-#include <memory>
+
+#include "substitute/base/Handles.h"
 
 namespace {
 
-struct HandleCloser {
-    void operator()(void* handle) const { CloseHandle(handle); }
-};
-using HeldHandle = std::unique_ptr<void, HandleCloser>;
+using kemba::substitute::UniqueHandle;
+using kemba::substitute::UniqueKey;
 
-struct KeyCloser {
-    void operator()(HKEY key) const { RegCloseKey(key); }
-};
-using HeldKey = std::unique_ptr<std::remove_pointer_t<HKEY>, KeyCloser>;
-
-HeldKey OpenKey(HKEY parent, const std::wstring& name) {
+UniqueKey OpenKey(HKEY parent, const std::wstring& name, REGSAM view) {
     HKEY opened = nullptr;
-    RegOpenKeyExW(parent, name.c_str(), 0, KEY_READ, &opened);
-    return HeldKey(opened);
+    RegOpenKeyExW(parent, name.c_str(), 0, KEY_READ | view, &opened);
+    return UniqueKey(opened);
 }
 
-void AppendSnapshot(HKEY key, const std::wstring& path, std::vector<std::wstring>& lines) {
+void AppendSnapshot(HKEY key, const std::wstring& path, REGSAM view, std::vector<std::wstring>& lines) {
     lines.push_back(path);
     std::array<wchar_t, 16'384> name;
     std::array<BYTE, 65'536> data;
@@ -36,7 +30,7 @@ void AppendSnapshot(HKEY key, const std::wstring& path, std::vector<std::wstring
             ERROR_SUCCESS) {
             break;
         }
-        lines.push_back(path + L" : " + name.data() + L" = " +
+        lines.push_back(path + L" : " + name.data() + L" = " + std::to_wstring(type) + L" " +
                         std::wstring(data.begin(), data.begin() + dataSize));
     }
     for (DWORD index = 0;; ++index) {
@@ -45,8 +39,8 @@ void AppendSnapshot(HKEY key, const std::wstring& path, std::vector<std::wstring
             ERROR_SUCCESS) {
             break;
         }
-        if (const HeldKey child = OpenKey(key, name.data())) {
-            AppendSnapshot(child.get(), path + L"\\" + name.data(), lines);
+        if (const UniqueKey child = OpenKey(key, name.data(), view)) {
+            AppendSnapshot(child.get(), path + L"\\" + name.data(), view, lines);
         }
     }
 }
@@ -55,7 +49,7 @@ void AppendSnapshot(HKEY key, const std::wstring& path, std::vector<std::wstring
 
 std::vector<DWORD> RunningServers() {
     std::vector<DWORD> found;
-    const HeldHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    const UniqueHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
     PROCESSENTRY32W entry = {};
     entry.dwSize = sizeof(entry);
     for (BOOL more = Process32FirstW(snapshot.get(), &entry); more;
@@ -67,20 +61,22 @@ std::vector<DWORD> RunningServers() {
     return found;
 }
 
-std::optional<std::wstring> ReadRegistryText(HKEY root, const std::wstring& key, const std::wstring& value) {
+std::optional<std::wstring> ReadRegistryText(HKEY root, const std::wstring& key, const std::wstring& value,
+                                             REGSAM view) {
+    const UniqueKey opened = OpenKey(root, key, view);
     wchar_t text[1'024] = {};
     DWORD size = sizeof(text);
-    if (RegGetValueW(root, key.c_str(), value.c_str(), RRF_RT_REG_SZ, nullptr, text, &size) !=
-        ERROR_SUCCESS) {
+    if (!opened || RegGetValueW(opened.get(), nullptr, value.c_str(), RRF_RT_REG_SZ, nullptr, text, &size) !=
+                       ERROR_SUCCESS) {
         return std::nullopt;
     }
     return text;
 }
 
-std::vector<std::wstring> SnapshotRegistry(HKEY root, const std::wstring& key) {
+std::vector<std::wstring> SnapshotRegistry(HKEY root, const std::wstring& key, REGSAM view) {
     std::vector<std::wstring> lines;
-    if (const HeldKey opened = OpenKey(root, key)) {
-        AppendSnapshot(opened.get(), key, lines);
+    if (const UniqueKey opened = OpenKey(root, key, view)) {
+        AppendSnapshot(opened.get(), key, view, lines);
     }
     return lines;
 }

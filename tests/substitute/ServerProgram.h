@@ -10,9 +10,10 @@
 /// Process identifiers of all running server programs.
 std::vector<DWORD> RunningServers();
 
-/// The text of a registry value, or nothing when there is none; an empty `value` is the key's own.
+/// The text of a registry value, or nothing when there is none; an empty `value` is the key's own. `view` is
+/// KEY_WOW64_64KEY or KEY_WOW64_32KEY.
 std::optional<std::wstring> ReadRegistryText(HKEY root, const std::wstring& key,
-                                             const std::wstring& value = {});
+                                             const std::wstring& value = {}, REGSAM view = KEY_WOW64_64KEY);
 
-/// Every key and value below a key, one line each, in the registry's order.
-std::vector<std::wstring> SnapshotRegistry(HKEY root, const std::wstring& key);
+/// Every key and value below a key, types included, one line each, in the registry's order.
+std::vector<std::wstring> SnapshotRegistry(HKEY root, const std::wstring& key, REGSAM view = KEY_WOW64_64KEY);

@@ -13,10 +13,14 @@ TEST(CommandLine, WordsAreUnderstoodAsAWholeOrNotAtAll) {
         std::vector<std::wstring_view> words;
         Verb verb;
         Scope scope = Scope::Machine;
+        bool replace = false;
     } rows[] = {
         {{L"/regserver"}, Verb::Register},
         {{L"-RegServer"}, Verb::Register},
         {{L"/regserver", L"/user"}, Verb::Register, Scope::CurrentUser},
+        {{L"/regserver", L"-Replace"}, Verb::Register, Scope::Machine, true},
+        {{L"/regserver", L"/user", L"/replace"}, Verb::Register, Scope::CurrentUser, true},
+        {{L"/regserver", L"/replace", L"/user"}, Verb::Register, Scope::CurrentUser, true},
         {{L"/unregserver"}, Verb::Unregister},
         {{L"-UNREGSERVER", L"-User"}, Verb::Unregister, Scope::CurrentUser},
         {{L"-Embedding"}, Verb::Serve},
@@ -31,6 +35,9 @@ TEST(CommandLine, WordsAreUnderstoodAsAWholeOrNotAtAll) {
         {{L"/user", L"/regserver"}, Verb::Usage},
         {{L"/regserver", L"/all"}, Verb::Usage},
         {{L"/regserver", L"/user", L"/user"}, Verb::Usage},
+        {{L"/regserver", L"/replace", L"/replace"}, Verb::Usage},
+        {{L"/unregserver", L"/replace"}, Verb::Usage},
+        {{L"/unregserver", L"/user", L"/replace"}, Verb::Usage},
         {{L"-Embedding", L"/user"}, Verb::Usage},
     };
     for (const auto& row : rows) {
@@ -38,6 +45,7 @@ TEST(CommandLine, WordsAreUnderstoodAsAWholeOrNotAtAll) {
         const CommandLine read = ParseCommandLine(row.words);
         EXPECT_EQ(read.verb, row.verb);
         EXPECT_EQ(read.scope, row.scope);
+        EXPECT_EQ(read.replace, row.replace);
     }
 }
 

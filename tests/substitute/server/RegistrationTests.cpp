@@ -1,20 +1,32 @@
 // The server's registry entries, made and removed by the built program.
-#include "substitute/server/Registration.h"
-
 #include <gtest/gtest.h>
+
+#include <aclapi.h>
 
 #include <algorithm>
 #include <iterator>
 
+#include "substitute/base/Handles.h"
+#include "substitute/server/RegistryKeys.h"
 #include "tests/kit/ProcessRun.h"
+#include "tests/kit/RegistryPreset.h"
 #include "tests/substitute/ServerProgram.h"
+#include "tests/substitute/TemporaryFolder.h"
 
 namespace {
 
-constexpr wchar_t kClasses[] = L"Software\\Classes";
+using kemba::substitute::RemoveKeyIfEmpty;
+using kemba::substitute::UniqueHandle;
+using kemba::substitute::UniqueKey;
+using kemba::substitute::UniqueLocal;
+using kemba::substitute::View;
+
+const std::wstring kClasses = L"Software\\Classes\\";
 constexpr wchar_t kApplication[] = L"{2A67A06D-D94F-42C1-9074-33F05630EF24}";
 constexpr wchar_t kLibrary[] = L"{92F852BA-8681-4312-8DBC-427E0BA3E3CE}";
 constexpr wchar_t kAutomationMarshaller[] = L"{00020424-0000-0000-C000-000000000046}";
+constexpr wchar_t kForeignProxy[] = L"{6F1D0A4B-52C3-4E7B-9E0B-2F1B7A9C3D10}";
+constexpr wchar_t kForeignProgram[] = L"C:\\Drivers\\automation.dll";
 
 const std::wstring kClassIds[] = {
     L"{F56F2E65-2620-41A2-84B8-5CE2F149E1D0}",
@@ -31,118 +43,538 @@ const std::wstring kInterfaceIds[] = {
     L"{8DF5480A-139A-4610-9D3F-CD84F0A1AFC5}", L"{5BFC3DC7-8F55-4F43-BFD1-361C1335AD9B}",
 };
 
-std::wstring Lowered(std::wstring text) {
-    CharLowerW(text.data());
-    return text;
-}
+const HKEY kRoots[] = {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER};
+const REGSAM kViews[] = {KEY_WOW64_64KEY, KEY_WOW64_32KEY};
 
-void ExpectClassEntries(HKEY root) {
-    const std::wstring classes = std::wstring(kClasses) + L"\\";
+/// Keys that no program but a server of the contract has, below the classes.
+std::vector<std::wstring> OwnKeys() {
+    std::vector<std::wstring> keys = {std::wstring(L"AppID\\") + kApplication, L"AppID\\kemba-dal.exe",
+                                      std::wstring(L"TypeLib\\") + kLibrary,
+                                      std::wstring(L"CLSID\\") + kForeignProxy};
     for (const std::wstring& id : kClassIds) {
-        SCOPED_TRACE(id);
-        const std::wstring key = classes + L"CLSID\\" + id;
-        EXPECT_EQ(ReadRegistryText(root, key, L"AppID"), kApplication);
-        EXPECT_EQ(ReadRegistryText(root, key + L"\\TypeLib"), kLibrary);
-        EXPECT_EQ(ReadRegistryText(root, key + L"\\Version"), L"1.0");
-        EXPECT_EQ(ReadRegistryText(root, key + L"\\LocalServer32"),
-                  L"\"" + kit::ProgramPath(L"kemba-dal.exe") + L"\"");
-        EXPECT_EQ(ReadRegistryText(root, key + L"\\LocalServer32", L"ServerExecutable"),
-                  kit::ProgramPath(L"kemba-dal.exe"));
+        keys.push_back(L"CLSID\\" + id);
     }
-    for (std::size_t index = 0; index < std::size(kClassIds); ++index) {
-        const std::wstring name = kProgramIds[index];
-        EXPECT_EQ(ReadRegistryText(root, classes + L"CLSID\\" + kClassIds[index] + L"\\ProgID"), name);
-        EXPECT_EQ(ReadRegistryText(root, classes + name + L"\\CLSID"), kClassIds[index]);
+    for (const wchar_t* const name : kProgramIds) {
+        keys.emplace_back(name);
     }
-    EXPECT_TRUE(ReadRegistryText(root, classes + L"AppID\\" + kApplication));
-    EXPECT_EQ(ReadRegistryText(root, classes + L"AppID\\kemba-dal.exe", L"AppID"), kApplication);
+    for (const std::wstring& id : kInterfaceIds) {
+        keys.push_back(L"Interface\\" + id);
+    }
+    return keys;
 }
 
-void ExpectLibraryEntries(HKEY root) {
-    const std::wstring classes = std::wstring(kClasses) + L"\\";
-    const auto library = ReadRegistryText(root, classes + L"TypeLib\\" + kLibrary + L"\\1.0\\0\\win64");
-    ASSERT_TRUE(library);
-    EXPECT_EQ(Lowered(*library), Lowered(kit::ProgramPath(L"kemba-dal.exe")));
+/// What a registration may touch, keys and values one line each; of the folders of classes how much is in
+/// them.
+std::vector<std::wstring> Snapshot(HKEY root) {
+    std::vector<std::wstring> lines;
+    for (const REGSAM view : kViews) {
+        for (const std::wstring& key : OwnKeys()) {
+            const auto below = SnapshotRegistry(root, kClasses + key, view);
+            lines.insert(lines.end(), below.begin(), below.end());
+        }
+        for (const wchar_t* const folder : {L"", L"CLSID", L"AppID", L"TypeLib", L"Interface"}) {
+            HKEY opened = nullptr;
+            DWORD keys = 0;
+            DWORD values = 0;
+            if (RegOpenKeyExW(root, (kClasses + folder).c_str(), 0, KEY_READ | view, &opened) ==
+                ERROR_SUCCESS) {
+                const UniqueKey key(opened);
+                RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr,
+                                 nullptr, nullptr, nullptr);
+                lines.push_back(folder + std::wstring(L": ") + std::to_wstring(keys) + L"/" +
+                                std::to_wstring(values));
+            }
+        }
+    }
+    HKEY opened = nullptr;
+    if (RegOpenKeyExW(root, L"Software\\Brandle", 0, KEY_READ, &opened) == ERROR_SUCCESS) {
+        RegCloseKey(opened);
+        lines.emplace_back(L"Brandle");
+    }
+    const auto record = SnapshotRegistry(root, L"Software\\Brandle\\kemba-dal");
+    lines.insert(lines.end(), record.begin(), record.end());
+    return lines;
+}
+
+/// Of the machine and of the user.
+std::vector<std::wstring> Snapshot() {
+    std::vector<std::wstring> lines = Snapshot(HKEY_LOCAL_MACHINE);
+    const std::vector<std::wstring> user = Snapshot(HKEY_CURRENT_USER);
+    lines.insert(lines.end(), user.begin(), user.end());
+    return lines;
+}
+
+/// Sets a value below the classes, making its key.
+void Put(HKEY root, REGSAM view, const std::wstring& key, const std::wstring& name,
+         const RegistryData& data) {
+    HKEY opened = nullptr;
+    ASSERT_EQ(RegCreateKeyExW(root, (kClasses + key).c_str(), 0, nullptr, 0, KEY_WRITE | view, nullptr,
+                              &opened, nullptr),
+              ERROR_SUCCESS);
+    const UniqueKey held(opened);
+    ASSERT_EQ(RegSetValueExW(opened, name.c_str(), 0, data.type, data.bytes.data(),
+                             static_cast<DWORD>(data.bytes.size())),
+              ERROR_SUCCESS);
+}
+
+void PutText(HKEY root, REGSAM view, const std::wstring& key, const std::wstring& text,
+             const std::wstring& name = {}) {
+    Put(root, view, key, name, RegistryData::OfText(text));
+}
+
+/// What a driver package's own server in process has in the registry.
+void PutDriverPackage(REGSAM view) {
+    const HKEY root = HKEY_LOCAL_MACHINE;
+    for (const std::wstring& id : kClassIds) {
+        const std::wstring key = L"CLSID\\" + id;
+        PutText(root, view, key, L"Driver automation");
+        RegistryData expanded = RegistryData::OfText(L"%SystemRoot%\\automation.dll");
+        expanded.type = REG_EXPAND_SZ;
+        Put(root, view, key + L"\\InprocServer32", L"", expanded);
+        PutText(root, view, key + L"\\InprocServer32", L"Both", L"ThreadingModel");
+        PutText(root, view, key + L"\\Version", L"1.0");
+        Put(root, view, key + L"\\Settings\\Deep", L"Bits", RegistryData::OfBytes(REG_BINARY, {1, 0, 2}));
+        Put(root, view, key + L"\\Settings", L"Nothing", RegistryData::OfBytes(REG_NONE, {}));
+    }
+    const std::wstring library = std::wstring(L"TypeLib\\") + kLibrary;
+    PutText(root, view, library + L"\\1.0\\0\\win64", kForeignProgram);
+    PutText(root, view, library + L"\\2.0\\0\\win64", kForeignProgram);
+    PutText(root, view, std::wstring(L"CLSID\\") + kForeignProxy + L"\\InprocServer32",
+            L"C:\\Drivers\\proxy.dll");
+    for (const std::wstring& id : kInterfaceIds) {
+        PutText(root, view, L"Interface\\" + id + L"\\ProxyStubClsid32", kForeignProxy);
+        PutText(root, view, L"Interface\\" + id + L"\\NumMethods", L"16");
+    }
+}
+
+void ExpectClassEntries(HKEY root, REGSAM view, const std::wstring& program) {
+    const auto read = [&](const std::wstring& key, const std::wstring& value = {}) {
+        return ReadRegistryText(root, kClasses + key, value, view);
+    };
+    for (std::size_t index = 0; index < std::size(kClassIds); ++index) {
+        const std::wstring key = L"CLSID\\" + kClassIds[index];
+        SCOPED_TRACE(key);
+        EXPECT_EQ(read(key, L"AppID"), kApplication);
+        EXPECT_EQ(read(key + L"\\TypeLib"), kLibrary);
+        EXPECT_EQ(read(key + L"\\Version"), L"1.0");
+        EXPECT_EQ(read(key + L"\\LocalServer32"), L"\"" + program + L"\"");
+        EXPECT_EQ(read(key + L"\\LocalServer32", L"ServerExecutable"), program);
+        EXPECT_EQ(read(key + L"\\InprocServer32"), std::nullopt);
+        EXPECT_EQ(read(key + L"\\ProgID"), kProgramIds[index]);
+        EXPECT_EQ(read(kProgramIds[index] + std::wstring(L"\\CLSID")), kClassIds[index]);
+    }
+    EXPECT_TRUE(read(std::wstring(L"AppID\\") + kApplication));
+    EXPECT_EQ(read(L"AppID\\kemba-dal.exe", L"AppID"), kApplication);
+}
+
+void ExpectLibraryEntries(HKEY root, REGSAM view, const std::wstring& program) {
+    const auto read = [&](const std::wstring& key, const std::wstring& value = {}) {
+        return ReadRegistryText(root, kClasses + key, value, view);
+    };
+    const std::wstring library = std::wstring(L"TypeLib\\") + kLibrary + L"\\1.0";
+    EXPECT_EQ(read(library), L"Driver automation");
+    EXPECT_EQ(read(library + L"\\0\\win64"), program);
+    EXPECT_EQ(read(library + L"\\0\\win32"), program);
     for (const std::wstring& id : kInterfaceIds) {
         SCOPED_TRACE(id);
-        const std::wstring key = classes + L"Interface\\" + id;
-        EXPECT_EQ(ReadRegistryText(root, key + L"\\ProxyStubClsid32"), kAutomationMarshaller);
-        EXPECT_EQ(ReadRegistryText(root, key + L"\\TypeLib"), kLibrary);
+        EXPECT_EQ(read(L"Interface\\" + id + L"\\ProxyStubClsid32"), kAutomationMarshaller);
+        EXPECT_EQ(read(L"Interface\\" + id + L"\\TypeLib"), kLibrary);
+        EXPECT_EQ(read(L"Interface\\" + id + L"\\TypeLib", L"Version"), L"1.0");
     }
 }
 
-/// The lines of one snapshot that the other lacks.
-std::vector<std::wstring> Added(std::vector<std::wstring> before, std::vector<std::wstring> after) {
-    std::sort(before.begin(), before.end());
-    std::sort(after.begin(), after.end());
-    std::vector<std::wstring> added;
-    std::set_difference(after.begin(), after.end(), before.begin(), before.end(), std::back_inserter(added));
-    return added;
+/// All entries, as programs of either word size see them.
+void ExpectRegistered(HKEY root, const std::wstring& program = kit::ProgramPath(L"kemba-dal.exe")) {
+    for (const REGSAM view : kViews) {
+        SCOPED_TRACE(view == KEY_WOW64_32KEY ? "32 bits" : "64 bits");
+        ExpectClassEntries(root, view, program);
+        ExpectLibraryEntries(root, view, program);
+    }
 }
 
-/// All class entries of the machine and of the user.
-struct Snapshot {
-    std::vector<std::wstring> machine = SnapshotRegistry(HKEY_LOCAL_MACHINE, kClasses);
-    std::vector<std::wstring> user = SnapshotRegistry(HKEY_CURRENT_USER, kClasses);
+kit::ProcessResult RunServer(const std::vector<std::wstring>& words,
+                             const std::wstring& program = L"kemba-dal.exe") {
+    return kit::RunProgram(program, words);
+}
+
+bool Contains(const std::string& text, std::string_view part) {
+    return text.find(part) != text.npos;
+}
+
+/// A copy of the program in a folder of its own.
+class ServerCopy {
+  public:
+    ServerCopy() { std::filesystem::copy_file(kit::ProgramPath(L"kemba-dal.exe"), Path()); }
+    std::wstring Path() const { return m_folder.File(L"kemba-dal.exe"); }
+    std::wstring Folder() const { return m_folder.File(L""); }
+    void Delete() const { std::filesystem::remove(Path()); }
+
+  private:
+    TemporaryFolder m_folder;
 };
 
-void ExpectSame(const Snapshot& before, const Snapshot& after) {
-    const std::vector<std::wstring> nothing;
-    EXPECT_EQ(Added(before.machine, after.machine), nothing);
-    EXPECT_EQ(Added(after.machine, before.machine), nothing);
-    EXPECT_EQ(Added(before.user, after.user), nothing);
-    EXPECT_EQ(Added(after.user, before.user), nothing);
+std::string Narrow(const std::wstring& ascii) {
+    return std::string(ascii.begin(), ascii.end());
 }
 
-/// The server program's exit status.
-DWORD RunServer(const std::vector<std::wstring>& words) {
-    return kit::RunProgram(L"kemba-dal.exe", words).status;
-}
-
+/// Nothing of any server of the contract is registered, before and after.
 class RegistrationTest : public testing::Test {
   protected:
-    RegistrationTest() {
-        // Windows always has a key for the user's classes, a new Wine prefix has none.
-        HKEY classes = nullptr;
-        RegCreateKeyW(HKEY_CURRENT_USER, kClasses, &classes);
-        RegCloseKey(classes);
-        RemoveAll();
-    }
+    RegistrationTest() { RemoveAll(); }
     ~RegistrationTest() override { RemoveAll(); }
 
   private:
     static void RemoveAll() {
-        RunServer({L"/unregserver"});
-        RunServer({L"/unregserver", L"/user"});
+        for (const HKEY root : kRoots) {
+            for (const REGSAM view : kViews) {
+                for (const std::wstring& key : OwnKeys()) {
+                    Remove(root, view, kClasses + key);
+                }
+            }
+            Remove(root, KEY_WOW64_64KEY, L"Software\\Brandle\\kemba-dal");
+            RemoveKeyIfEmpty({root, View::Bits64, L"Software\\Brandle"});
+            for (const wchar_t* const folder : {L"CLSID", L"AppID", L"TypeLib", L"Interface"}) {
+                RemoveKeyIfEmpty({root, View::Bits64, kClasses + folder});
+                RemoveKeyIfEmpty({root, View::Bits32, kClasses + folder});
+            }
+        }
+        // Windows always has a key for the user's classes, a new Wine prefix has none.
+        HKEY classes = nullptr;
+        RegCreateKeyW(HKEY_CURRENT_USER, L"Software\\Classes", &classes);
+        RegCloseKey(classes);
+    }
+
+    static void Remove(HKEY root, REGSAM view, const std::wstring& key) {
+        HKEY opened = nullptr;
+        if (RegOpenKeyExW(root, key.c_str(), 0, KEY_ALL_ACCESS | view, &opened) == ERROR_SUCCESS) {
+            RegDeleteTreeW(opened, nullptr);
+            RegCloseKey(opened);
+            RegDeleteKeyExW(root, key.c_str(), view, 0);
+        }
     }
 };
 
 TEST_F(RegistrationTest, ForTheMachineWritesAllEntriesAndLeavesNothingBehind) {
-    const Snapshot before;
-    ASSERT_EQ(RunServer({L"/regserver"}), 0U);
-    ExpectClassEntries(HKEY_LOCAL_MACHINE);
-    ExpectLibraryEntries(HKEY_LOCAL_MACHINE);
-    EXPECT_EQ(Added(before.user, Snapshot().user), std::vector<std::wstring>());
-    ASSERT_EQ(RunServer({L"/unregserver"}), 0U);
-    ExpectSame(before, Snapshot());
+    const auto before = SnapshotRegistry(HKEY_LOCAL_MACHINE, L"Software\\Classes");
+    const auto own = Snapshot();
+    const auto user = Snapshot(HKEY_CURRENT_USER);
+    ASSERT_EQ(RunServer({L"/regserver"}).status, 0U);
+    ExpectRegistered(HKEY_LOCAL_MACHINE);
+    EXPECT_EQ(Snapshot(HKEY_CURRENT_USER), user);
+    ASSERT_EQ(RunServer({L"/unregserver"}).status, 0U);
+    EXPECT_EQ(Snapshot(), own);
+    EXPECT_EQ(SnapshotRegistry(HKEY_LOCAL_MACHINE, L"Software\\Classes"), before);
 }
 
-// Where the library's entries go is not looked at: Wine writes those of a user for the machine.
-TEST_F(RegistrationTest, ForTheUserWritesTheClassesAndLeavesNothingBehind) {
-    const Snapshot before;
-    ASSERT_EQ(RunServer({L"/regserver", L"/user"}), 0U);
-    ExpectClassEntries(HKEY_CURRENT_USER);
-    EXPECT_FALSE(ReadRegistryText(HKEY_LOCAL_MACHINE, std::wstring(kClasses) + L"\\CLSID\\" + kClassIds[0]));
-    ASSERT_EQ(RunServer({L"/unregserver", L"/user"}), 0U);
-    ExpectSame(before, Snapshot());
+TEST_F(RegistrationTest, ForTheUserWritesAllEntriesAndLeavesNothingBehind) {
+    const auto before = SnapshotRegistry(HKEY_CURRENT_USER, L"Software\\Classes");
+    const auto own = Snapshot();
+    const auto machine = Snapshot(HKEY_LOCAL_MACHINE);
+    ASSERT_EQ(RunServer({L"/regserver", L"/user"}).status, 0U);
+    ExpectRegistered(HKEY_CURRENT_USER);
+    EXPECT_EQ(Snapshot(HKEY_LOCAL_MACHINE), machine);
+    ASSERT_EQ(RunServer({L"/unregserver", L"/user"}).status, 0U);
+    EXPECT_EQ(Snapshot(), own);
+    EXPECT_EQ(SnapshotRegistry(HKEY_CURRENT_USER, L"Software\\Classes"), before);
 }
 
 TEST_F(RegistrationTest, MayBeRepeated) {
-    EXPECT_EQ(RunServer({L"/regserver"}), 0U);
-    EXPECT_EQ(RunServer({L"-RegServer"}), 0U);
-    ExpectClassEntries(HKEY_LOCAL_MACHINE);
-    EXPECT_EQ(RunServer({L"/unregserver"}), 0U);
-    EXPECT_EQ(RunServer({L"-UnregServer"}), 0U);
+    const auto before = Snapshot();
+    EXPECT_EQ(RunServer({L"/regserver"}).status, 0U);
+    const auto registered = Snapshot();
+    EXPECT_EQ(RunServer({L"-RegServer", L"-Replace"}).status, 0U);
+    EXPECT_EQ(Snapshot(), registered);
+    EXPECT_EQ(RunServer({L"/unregserver"}).status, 0U);
+    EXPECT_EQ(RunServer({L"-UnregServer"}).status, 0U);
+    EXPECT_EQ(Snapshot(), before);
+}
+
+TEST_F(RegistrationTest, SaysWhatItDid) {
+    const std::string program = "\"" + Narrow(kit::ProgramPath(L"kemba-dal.exe")) + "\"";
+    const struct {
+        std::vector<std::wstring> words;
+        std::string output;
+    } rows[] = {
+        {{L"/regserver"}, "kemba-dal: registered " + program + " for all users\r\n"},
+        {{L"/unregserver"}, "kemba-dal: removed the registration of " + program + " for all users\r\n"},
+        {{L"/unregserver"}, "kemba-dal: nothing is registered for all users that could be removed\r\n"},
+        {{L"/regserver", L"/user"},
+         "kemba-dal: registered " + program +
+             " for this user\r\n"
+             "kemba-dal: programs that run as administrator, and services, do not see it\r\n"},
+        {{L"/unregserver"},
+         "kemba-dal: nothing is registered for all users that could be removed; the registration for this "
+         "user is "
+         "removed by /unregserver /user\r\n"},
+        {{L"/unregserver", L"/user"},
+         "kemba-dal: removed the registration of " + program + " for this user\r\n"},
+    };
+    for (const auto& row : rows) {
+        kit::ProcessOptions options;
+        options.outputToFile = &row == rows; // once to a file, then to a pipe
+        const kit::ProcessResult run = kit::RunProgram(L"kemba-dal.exe", row.words, options);
+        EXPECT_EQ(run.status, 0u);
+        EXPECT_EQ(run.output, row.output);
+        EXPECT_EQ(run.errors, "");
+    }
+}
+
+TEST_F(RegistrationTest, RefusesToTakeAnotherProgramsPlaceAndLeavesItAlone) {
+    const std::wstring classKey = L"CLSID\\" + kClassIds[1];
+    const std::wstring library = std::wstring(L"TypeLib\\") + kLibrary;
+    const struct {
+        REGSAM view;
+        std::wstring key;
+        std::wstring text;
+        std::string named;
+    } rows[] = {
+        {KEY_WOW64_64KEY, classKey + L"\\InprocServer32", kForeignProgram,
+         "\"C:\\Drivers\\automation.dll\" (DriverActions)"},
+        {KEY_WOW64_32KEY, classKey + L"\\InprocServer32", kForeignProgram,
+         "\"C:\\Drivers\\automation.dll\" (DriverActions)"},
+        {KEY_WOW64_64KEY, classKey + L"\\LocalServer32", L"\"C:\\Drivers\\a b.exe\" /x",
+         "\"C:\\Drivers\\a b.exe\" (DriverActions)"},
+        {KEY_WOW64_64KEY, classKey + L"\\TreatAs", kForeignProxy,
+         "\"class {6F1D0A4B-52C3-4E7B-9E0B-2F1B7A9C3D10}\" (DriverActions)"},
+        {KEY_WOW64_64KEY, library + L"\\1.0\\0\\win32", kForeignProgram,
+         "\"C:\\Drivers\\automation.dll\" (the type library)"},
+        {KEY_WOW64_64KEY, L"Interface\\" + kInterfaceIds[2] + L"\\ProxyStubClsid32", kForeignProxy,
+         "\"class {6F1D0A4B-52C3-4E7B-9E0B-2F1B7A9C3D10}\" (IDriverActions)"},
+        {KEY_WOW64_64KEY, L"Interface\\" + kInterfaceIds[2] + L"\\TypeLib", kForeignProxy,
+         "\"type library {6F1D0A4B-52C3-4E7B-9E0B-2F1B7A9C3D10}\" (IDriverActions)"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.key);
+        PutText(HKEY_LOCAL_MACHINE, row.view, row.key, row.text);
+        const auto before = Snapshot();
+        const kit::ProcessResult refused = RunServer({L"/regserver"});
+        EXPECT_EQ(refused.status, 1u);
+        EXPECT_TRUE(Contains(refused.errors, row.named)) << refused.errors;
+        EXPECT_EQ(refused.output, "");
+        EXPECT_EQ(Snapshot(), before);
+        HKEY opened = nullptr;
+        RegOpenKeyExW(HKEY_LOCAL_MACHINE, (kClasses + row.key).c_str(), 0, KEY_WRITE | row.view, &opened);
+        RegDeleteValueW(opened, L"");
+        RegCloseKey(opened);
+    }
+}
+
+TEST_F(RegistrationTest, RemovesNothingThatItDidNotWrite) {
+    PutDriverPackage(KEY_WOW64_64KEY);
+    PutDriverPackage(KEY_WOW64_32KEY);
+    const auto before = Snapshot();
+    const kit::ProcessResult run = RunServer({L"/unregserver"});
+    EXPECT_EQ(run.status, 0u);
+    EXPECT_EQ(run.output, "kemba-dal: nothing is registered for all users that could be removed\r\n");
+    EXPECT_EQ(Snapshot(), before);
+}
+
+TEST_F(RegistrationTest, PutsBackWhatItReplacedOnRequest) {
+    PutDriverPackage(KEY_WOW64_64KEY);
+    PutDriverPackage(KEY_WOW64_32KEY);
+    const auto before = Snapshot();
+    const kit::ProcessResult replaced = RunServer({L"/regserver", L"/replace"});
+    EXPECT_EQ(replaced.status, 0u);
+    EXPECT_TRUE(Contains(replaced.output, "\\automation.dll\" (DriverAutomation)")) << replaced.output;
+    ExpectRegistered(HKEY_LOCAL_MACHINE);
+    EXPECT_EQ(ReadRegistryText(HKEY_LOCAL_MACHINE, kClasses + L"TypeLib\\" + kLibrary + L"\\2.0\\0\\win64"),
+              kForeignProgram);
+    EXPECT_EQ(RunServer({L"/regserver", L"/replace"}).status, 0u);
+    EXPECT_EQ(RunServer({L"/regserver"}).status, 0u);
+    ExpectRegistered(HKEY_LOCAL_MACHINE);
+    EXPECT_EQ(RunServer({L"/unregserver"}).status, 0u);
+    EXPECT_EQ(Snapshot(), before);
+}
+
+TEST_F(RegistrationTest, KeepsWhatWasInItsKeysBefore) {
+    for (const HKEY root : kRoots) {
+        Put(root, KEY_WOW64_64KEY, std::wstring(L"AppID\\") + kApplication, L"LaunchPermission",
+            RegistryData::OfBytes(REG_BINARY, {1, 2, 3}));
+        RegistryData name = RegistryData::OfText(L"%OS%");
+        name.type = REG_EXPAND_SZ;
+        Put(root, KEY_WOW64_64KEY, kProgramIds[0], L"", name);
+        for (const std::wstring& key : {L"Interface\\" + kInterfaceIds[0], L"CLSID\\" + kClassIds[0]}) {
+            HKEY opened = nullptr;
+            RegCreateKeyW(root, (kClasses + key).c_str(), &opened);
+            RegCloseKey(opened);
+        }
+    }
+    const auto before = Snapshot();
+    for (const std::vector<std::wstring>& scope : {std::vector<std::wstring>(), {L"/user"}}) {
+        std::vector<std::wstring> words = {L"/regserver"};
+        words.insert(words.end(), scope.begin(), scope.end());
+        EXPECT_EQ(RunServer(words).status, 0u);
+        words[0] = L"/unregserver";
+        EXPECT_EQ(RunServer(words).status, 0u);
+        EXPECT_EQ(Snapshot(), before);
+    }
+}
+
+TEST_F(RegistrationTest, KeepsWhatAnotherProgramHasWrittenSince) {
+    ASSERT_EQ(RunServer({L"/regserver"}).status, 0u);
+    const std::wstring server = L"CLSID\\" + kClassIds[0] + L"\\InprocServer32";
+    const std::wstring library = std::wstring(L"TypeLib\\") + kLibrary + L"\\1.0\\0\\win64";
+    const std::wstring proxy = L"Interface\\" + kInterfaceIds[0] + L"\\ProxyStubClsid32";
+    PutText(HKEY_LOCAL_MACHINE, KEY_WOW64_64KEY, server, kForeignProgram);
+    PutText(HKEY_LOCAL_MACHINE, KEY_WOW64_64KEY, library, kForeignProgram);
+    // The entries that it has in common with this server are its own now.
+    const kit::ProcessResult run = RunServer({L"/unregserver"});
+    EXPECT_EQ(run.status, 0u);
+    EXPECT_TRUE(Contains(run.output, "registered is now \"C:\\Drivers\\automation.dll\"")) << run.output;
+    const auto read = [](const std::wstring& key) {
+        return ReadRegistryText(HKEY_LOCAL_MACHINE, kClasses + key);
+    };
+    EXPECT_EQ(read(server), kForeignProgram);
+    EXPECT_EQ(read(library), kForeignProgram);
+    EXPECT_EQ(read(proxy), kAutomationMarshaller);
+    EXPECT_EQ(read(L"CLSID\\" + kClassIds[0] + L"\\LocalServer32"), std::nullopt);
+    EXPECT_EQ(read(std::wstring(kProgramIds[0]) + L"\\CLSID"), std::nullopt);
+    for (const std::wstring& line : Snapshot()) {
+        EXPECT_EQ(line.find(L"kemba-dal"), line.npos) << line;
+    }
+}
+
+TEST_F(RegistrationTest, AnotherCopyIsTakenOverButNotUnregistered) {
+    const auto before = Snapshot();
+    const ServerCopy copy;
+    ASSERT_EQ(RunServer({L"/regserver"}, copy.Path()).status, 0u);
+    const auto copyRegistered = Snapshot();
+    const kit::ProcessResult refused = RunServer({L"/unregserver"});
+    EXPECT_EQ(refused.status, 1u);
+    EXPECT_TRUE(Contains(refused.errors, Narrow(copy.Path()))) << refused.errors;
+    EXPECT_EQ(Snapshot(), copyRegistered);
+
+    const kit::ProcessResult taken = RunServer({L"/regserver"});
+    EXPECT_EQ(taken.status, 0u);
+    EXPECT_TRUE(Contains(taken.output, " in place of \"" + Narrow(copy.Path()) + "\"")) << taken.output;
+    ExpectRegistered(HKEY_LOCAL_MACHINE);
+    EXPECT_EQ(RunServer({L"/unregserver"}, copy.Path()).status, 1u);
+    EXPECT_EQ(RunServer({L"/unregserver"}).status, 0u);
+    EXPECT_EQ(Snapshot(), before);
+}
+
+TEST_F(RegistrationTest, ACopyThatIsGoneIsUnregisteredByAnyOther) {
+    const auto before = Snapshot();
+    const ServerCopy copy;
+    ASSERT_EQ(RunServer({L"/regserver"}, copy.Path()).status, 0u);
+    copy.Delete();
+    EXPECT_EQ(RunServer({L"/unregserver"}).status, 0u);
+    EXPECT_EQ(Snapshot(), before);
+}
+
+TEST_F(RegistrationTest, EntriesWithoutARecordAreRemovedByTheProgramThatTheyName) {
+    ASSERT_EQ(RunServer({L"/regserver"}).status, 0u);
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Brandle\\kemba-dal");
+    const ServerCopy copy;
+    EXPECT_EQ(RunServer({L"/unregserver"}, copy.Path()).status, 1u);
+    EXPECT_EQ(RunServer({L"/unregserver"}).status, 0u);
+    for (const std::wstring& line : Snapshot()) { // but for folders of classes
+        EXPECT_EQ(line.find(L"Software\\"), line.npos) << line;
+    }
+}
+
+TEST_F(RegistrationTest, AFailureHalfWayLeavesWhatWasThere) {
+    PutDriverPackage(KEY_WOW64_64KEY);
+    // No lasting key can be made below one that goes with the session: the interfaces cannot be registered.
+    HKEY opened = nullptr;
+    for (const std::wstring& id : kInterfaceIds) {
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, (kClasses + L"Interface\\" + id).c_str());
+        ASSERT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, (kClasses + L"Interface\\" + id).c_str(), 0, nullptr,
+                                  REG_OPTION_VOLATILE, KEY_WRITE, nullptr, &opened, nullptr),
+                  ERROR_SUCCESS);
+        RegCloseKey(opened);
+    }
+    const auto before = Snapshot();
+    const kit::ProcessResult failed = RunServer({L"/regserver", L"/replace"});
+    EXPECT_EQ(failed.status, 1u);
+    EXPECT_TRUE(Contains(failed.errors, "Software\\Classes\\Interface\\{")) << failed.errors;
+    EXPECT_EQ(Snapshot(), before);
+}
+
+TEST_F(RegistrationTest, AUsersOwnRegistrationIsWeighedAgainstTheMachines) {
+    PutDriverPackage(KEY_WOW64_64KEY);
+    const auto before = Snapshot();
+    EXPECT_EQ(RunServer({L"/regserver", L"/user"}).status, 1u);
+    EXPECT_EQ(Snapshot(), before);
+    const auto machine = Snapshot(HKEY_LOCAL_MACHINE);
+    const kit::ProcessResult replaced = RunServer({L"/regserver", L"/user", L"/replace"});
+    EXPECT_EQ(replaced.status, 0u);
+    EXPECT_TRUE(Contains(replaced.errors, "kemba-dal: warning: for this user it goes before the machine's "))
+        << replaced.errors;
+    EXPECT_EQ(Snapshot(HKEY_LOCAL_MACHINE), machine);
+    ExpectRegistered(HKEY_CURRENT_USER);
+    EXPECT_EQ(RunServer({L"/unregserver", L"/user"}).status, 0u);
+    EXPECT_EQ(Snapshot(), before);
+}
+
+TEST_F(RegistrationTest, WarnsThatAUsersOwnRegistrationGoesBeforeTheMachines) {
+    const ServerCopy copy;
+    ASSERT_EQ(RunServer({L"/regserver", L"/user"}, copy.Path()).status, 0u);
+    const kit::ProcessResult run = RunServer({L"/regserver"});
+    EXPECT_EQ(run.status, 0u);
+    EXPECT_TRUE(Contains(run.errors, "kemba-dal: warning: for this user")) << run.errors;
+    EXPECT_TRUE(Contains(run.errors, Narrow(copy.Path()))) << run.errors;
+}
+
+TEST_F(RegistrationTest, WarnsOfAProgramThatUsersMayChange) {
+    const ServerCopy copy;
+    BYTE world[SECURITY_MAX_SID_SIZE] = {};
+    DWORD size = sizeof(world);
+    ASSERT_TRUE(CreateWellKnownSid(WinWorldSid, nullptr, world, &size));
+    const struct {
+        std::wstring path;
+        DWORD rights;
+        bool warns;
+    } rows[] = {
+        {copy.Path(), FILE_GENERIC_READ | FILE_GENERIC_EXECUTE, false},
+        {copy.Path(), FILE_ALL_ACCESS, true},
+        {copy.Path(), FILE_GENERIC_READ | FILE_GENERIC_EXECUTE, false},
+        {copy.Folder(), FILE_ALL_ACCESS, true},
+    };
+    for (const auto& row : rows) {
+        EXPLICIT_ACCESS_W access = {};
+        access.grfAccessPermissions = row.rights;
+        access.grfAccessMode = SET_ACCESS;
+        access.Trustee.TrusteeForm = TRUSTEE_IS_SID;
+        access.Trustee.ptstrName = reinterpret_cast<wchar_t*>(world);
+        ACL* made = nullptr;
+        ASSERT_EQ(SetEntriesInAclW(1, &access, nullptr, &made), ERROR_SUCCESS + 0u);
+        const UniqueLocal<ACL> list(made);
+        std::wstring path = row.path;
+        ASSERT_EQ(SetNamedSecurityInfoW(path.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr,
+                                        nullptr, made, nullptr),
+                  ERROR_SUCCESS + 0u);
+        const kit::ProcessResult run = RunServer({L"/regserver"}, copy.Path());
+        EXPECT_EQ(run.status, 0u);
+        EXPECT_EQ(Contains(run.errors, "kemba-dal: warning: any user of this computer may change"), row.warns)
+            << run.errors;
+    }
+}
+
+TEST_F(RegistrationTest, FailuresReachAConsoleInAllLetters) {
+    PutText(HKEY_LOCAL_MACHINE, KEY_WOW64_64KEY, L"CLSID\\" + kClassIds[0] + L"\\InprocServer32",
+            L"C:\\\x0416\x03A9.dll");
+    FreeConsole();
+    ASSERT_TRUE(AllocConsole());
+    const std::wstring path = kit::ProgramPath(L"kemba-dal.exe");
+    std::wstring line = L"\"" + path + L"\" /regserver";
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof(startup);
+    startup.dwFlags = STARTF_USESTDHANDLES; // and there are none, as for a program of the windows subsystem
+    PROCESS_INFORMATION started = {};
+    ASSERT_TRUE(CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                               &startup, &started));
+    const UniqueHandle process(started.hProcess);
+    const UniqueHandle thread(started.hThread);
+    ASSERT_EQ(WaitForSingleObject(process.get(), 30'000), WAIT_OBJECT_0);
+    const UniqueHandle screen(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
+                                          FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
+                                          nullptr));
+    std::wstring cells(1'000, L'\0');
+    DWORD read = 0;
+    ASSERT_TRUE(
+        ReadConsoleOutputCharacterW(screen.get(), cells.data(), static_cast<DWORD>(cells.size()), {}, &read));
+    EXPECT_NE(cells.find(L"C:\\\x0416\x03A9.dll"), cells.npos) << cells;
 }
 
 } // namespace

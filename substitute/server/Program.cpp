@@ -1,0 +1,71 @@
+// Running a verb and saying what it did.
+#include "substitute/server/Program.h"
+
+#include <windows.h>
+
+#include <objbase.h>
+
+#include <string>
+
+#include "substitute/base/Paths.h"
+#include "substitute/server/Console.h"
+#include "substitute/server/Registration.h"
+#include "substitute/server/Serving.h"
+
+namespace kemba::substitute {
+namespace {
+
+constexpr int kFailed = 1;
+constexpr int kMisused = 2;
+
+/// The component runtime of this thread. Multithreaded, so that many clients are served at once and a printer
+/// that keeps one of them waiting holds up nobody else; the objects guard what they share.
+class Apartment {
+  public:
+    Apartment() {
+        ThrowIfFailed(CoInitializeEx(nullptr, COINIT_MULTITHREADED),
+                      L"starting the component runtime failed");
+    }
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+    ~Apartment() { CoUninitialize(); }
+};
+
+std::wstring Line(const std::wstring& text) {
+    return std::wstring(kServerName) + L": " + text + L"\r\n";
+}
+
+void Tell(const RegistrationReport& report) {
+    for (const std::wstring& line : report.done) {
+        Say(Line(line));
+    }
+    for (const std::wstring& warning : report.warnings) {
+        Complain(Line(L"warning: " + warning));
+    }
+}
+
+} // namespace
+
+int RunProgram(const CommandLine& commandLine) {
+    using Verb = CommandLine::Verb;
+    if (commandLine.verb == Verb::Usage) {
+        Complain(kUsage);
+        return kMisused;
+    }
+    const Apartment apartment;
+    switch (commandLine.verb) {
+    case Verb::Register:
+        Tell(RegisterServer(commandLine.scope, ContractTypes(), ProgramPath(), commandLine.replace));
+        break;
+    case Verb::Unregister: Tell(UnregisterServer(commandLine.scope, ContractTypes(), ProgramPath())); break;
+    default: Serve(); break;
+    }
+    return 0;
+}
+
+int ReportFailure(const Failure& failure) {
+    Complain(Line(failure.reason));
+    return kFailed;
+}
+
+} // namespace kemba::substitute

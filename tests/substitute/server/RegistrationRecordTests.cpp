@@ -1,0 +1,138 @@
+// Steps of a registration and their way back, in a key of the test's own in place of a hive.
+#include "substitute/server/RegistrationRecord.h"
+
+#include <gtest/gtest.h>
+
+#include "substitute/server/RegistryKeys.h"
+
+namespace {
+
+using namespace kemba::substitute;
+
+class RegistrationRecordTest : public testing::Test {
+  protected:
+    RegistrationRecordTest() : m_hive(L"Software\\kemba-record-" + std::to_wstring(GetCurrentProcessId())) {
+        HKEY made = nullptr;
+        RegCreateKeyW(HKEY_CURRENT_USER, m_hive.c_str(), &made);
+        m_root.reset(made);
+    }
+    ~RegistrationRecordTest() override { RegDeleteTreeW(HKEY_CURRENT_USER, m_hive.c_str()); }
+
+    KeyPlace At(const std::wstring& path) const { return {m_root.get(), View::Bits64, path}; }
+    void Put(const std::wstring& path, const std::wstring& text) const {
+        RegistryKey::Make(At(path)).Write(L"", TextValue(text));
+    }
+    std::wstring Get(const std::wstring& path) const { return RegistryKey::Open(At(path)).ReadText(L""); }
+    bool IsThere(const std::wstring& path) const { return static_cast<bool>(RegistryKey::Open(At(path))); }
+    RegistrationRecord::Text Text(const std::wstring& path, const std::wstring& text,
+                                  bool shared = false) const {
+        return {At(path), L"", text, shared};
+    }
+
+    std::wstring m_hive;
+    UniqueKey m_root;
+};
+
+TEST_F(RegistrationRecordTest, TakesBackValuesAndTheKeysThatItMade) {
+    Put(L"Folder\\Full", L"before");
+    RegistryKey::Make(At(L"Folder\\Empty"));
+    RegistrationRecord record(m_root.get());
+    EXPECT_FALSE(record.Exists());
+    record.SetProgram(L"C:\\a.exe");
+    for (const wchar_t* const path : {L"Folder\\Full", L"Folder\\Empty\\New", L"Other\\New"}) {
+        record.Write(Text(path, L"ours"), false);
+        EXPECT_EQ(Get(path), L"ours");
+    }
+    EXPECT_EQ(record.Program(), L"C:\\a.exe");
+    record.TakeBack(0, false);
+    EXPECT_FALSE(record.Exists());
+    EXPECT_EQ(Get(L"Folder\\Full"), L"before");
+    EXPECT_TRUE(IsThere(L"Folder\\Empty"));
+    EXPECT_FALSE(IsThere(L"Folder\\Empty\\New"));
+    EXPECT_FALSE(IsThere(L"Other"));
+    EXPECT_EQ(RegistryKey::Open(At(L"")).CountSubkeys(), 1u);
+}
+
+TEST_F(RegistrationRecordTest, KeepsTheKeysAboveItselfThatWereThere) {
+    RegistryKey::Make(At(L"Software\\Brandle"));
+    RegistrationRecord record(m_root.get());
+    record.SetProgram(L"C:\\a.exe");
+    record.TakeBack(0, false);
+    EXPECT_TRUE(IsThere(L"Software\\Brandle"));
+    EXPECT_FALSE(IsThere(L"Software\\Brandle\\kemba-dal"));
+}
+
+TEST_F(RegistrationRecordTest, LeavesWhatSomebodyElseHasWrittenSince) {
+    RegistrationRecord record(m_root.get());
+    record.SetProgram(L"C:\\a.exe");
+    record.Write(Text(L"Changed", L"ours"), false);
+    record.Write(Text(L"Grown", L"ours"), false);
+    record.Write(Text(L"Shared", L"common", true), false);
+    Put(L"Changed", L"theirs");
+    Put(L"Grown\\Below", L"theirs");
+    record.TakeBack(0, true);
+    EXPECT_EQ(Get(L"Changed"), L"theirs");
+    EXPECT_EQ(Get(L"Grown"), L"");
+    EXPECT_EQ(Get(L"Grown\\Below"), L"theirs");
+    EXPECT_EQ(Get(L"Shared"), L"common");
+}
+
+TEST_F(RegistrationRecordTest, TakesBackToAnEarlierState) {
+    RegistrationRecord record(m_root.get());
+    record.SetProgram(L"C:\\a.exe");
+    record.Write(Text(L"Key", L"first"), false);
+    const DWORD size = record.Size();
+    record.Write(Text(L"Key", L"first"), false); // as wanted already
+    EXPECT_EQ(record.Size(), size);
+    record.Write(Text(L"Key", L"second"), false);
+    record.Write(Text(L"Key\\Below", L"second"), false);
+    record.TakeBack(size, false);
+    EXPECT_EQ(record.Size(), size);
+    EXPECT_EQ(Get(L"Key"), L"first");
+    EXPECT_FALSE(IsThere(L"Key\\Below"));
+    record.TakeBack(0, false);
+    EXPECT_FALSE(IsThere(L"Key"));
+}
+
+TEST_F(RegistrationRecordTest, WhatWasSetAsideComesBackWhole) {
+    for (const bool partly : {false, true}) {
+        Put(L"Class", L"theirs");
+        Put(L"Class\\Server\\Deep", L"theirs");
+        RegistrationRecord record(m_root.get());
+        record.SetProgram(L"C:\\a.exe");
+        record.SetAside(At(L"Class"));
+        EXPECT_FALSE(IsThere(L"Class"));
+        if (partly) { // as if its removal had failed half way
+            Put(L"Class\\Server", L"");
+        }
+        record.TakeBack(0, false);
+        EXPECT_EQ(Get(L"Class"), L"theirs");
+        EXPECT_EQ(Get(L"Class\\Server\\Deep"), L"theirs");
+    }
+}
+
+TEST_F(RegistrationRecordTest, WhatWasSetAsideDoesNotComeBackOverAnother) {
+    Put(L"Class\\InprocServer32", L"first");
+    Put(L"Free\\InprocServer32", L"first");
+    RegistrationRecord record(m_root.get());
+    record.SetProgram(L"C:\\a.exe");
+    record.SetAside(At(L"Class"));
+    record.SetAside(At(L"Free"));
+    Put(L"Class\\LocalServer32", L"second");
+    record.TakeBack(0, true);
+    EXPECT_FALSE(IsThere(L"Class\\InprocServer32"));
+    EXPECT_EQ(Get(L"Class\\LocalServer32"), L"second");
+    EXPECT_EQ(Get(L"Free\\InprocServer32"), L"first");
+}
+
+TEST_F(RegistrationRecordTest, WhatItAdoptsGoesAsIfItHadWrittenIt) {
+    Put(L"Software\\Classes\\CLSID\\{x}\\LocalServer32", L"ours");
+    RegistrationRecord record(m_root.get());
+    record.SetProgram(L"C:\\a.exe");
+    record.Write(Text(L"Software\\Classes\\CLSID\\{x}\\LocalServer32", L"ours"), true);
+    record.TakeBack(0, false);
+    EXPECT_TRUE(IsThere(L"Software\\Classes\\CLSID"));
+    EXPECT_FALSE(IsThere(L"Software\\Classes\\CLSID\\{x}"));
+}
+
+} // namespace
