@@ -13,8 +13,8 @@
 namespace kemba::substitute {
 namespace {
 
-/// Without the bits for remote calls; COM takes EXECUTE alone for any kind of call.
-constexpr DWORD kCallFromThisMachine = COM_RIGHTS_EXECUTE | COM_RIGHTS_EXECUTE_LOCAL;
+/// Whether calls may come from other machines at all is for the machine's own limits to say.
+constexpr DWORD kCall = COM_RIGHTS_EXECUTE | COM_RIGHTS_EXECUTE_LOCAL | COM_RIGHTS_EXECUTE_REMOTE;
 
 void ThrowUnless(BOOL succeeded, const wchar_t* what) {
     if (!succeeded) {
@@ -83,7 +83,7 @@ AccessRights::AccessRights(PSID user, PSID integrity)
     m_allowed = NewList({user, system.data(), administrators.data()});
     auto* const allowed = reinterpret_cast<ACL*>(m_allowed.data());
     for (const PSID caller : {user, PSID(system.data()), PSID(administrators.data())}) {
-        ThrowUnless(AddAccessAllowedAce(allowed, ACL_REVISION, kCallFromThisMachine, caller),
+        ThrowUnless(AddAccessAllowedAce(allowed, ACL_REVISION, kCall, caller),
                     L"filling an access control list failed");
     }
     m_label = NewList({integrity});

@@ -22,8 +22,8 @@ ApplicationIdentity ReadApplicationIdentity(HKEY root);
 /// That holds for "Interactive User" too, who need not be the caller.
 void RefuseAccount(const ApplicationIdentity& identity);
 
-/// Access rights to the server's process: calls from this machine only, by one user, by the system and by
-/// administrators, none of them from a process of lower integrity than the server's own.
+/// Access rights to the server's process: calls by one user, by the system and by administrators, none of
+/// them from a process of lower integrity than the server's own.
 class AccessRights {
   public:
     /// The user and the integrity level, such as a process's token has them. Throws Failure.

@@ -96,6 +96,8 @@ Sid MakeSid(WELL_KNOWN_SID_TYPE which) {
     return sid;
 }
 
+constexpr DWORD kCall = COM_RIGHTS_EXECUTE | COM_RIGHTS_EXECUTE_LOCAL | COM_RIGHTS_EXECUTE_REMOTE;
+
 /// Rights that the descriptor gives to the test's own process for a call.
 DWORD OwnRights(PSECURITY_DESCRIPTOR descriptor) {
     HANDLE opened = nullptr;
@@ -109,18 +111,17 @@ DWORD OwnRights(PSECURITY_DESCRIPTOR descriptor) {
     DWORD size = sizeof(privileges);
     DWORD granted = 0;
     BOOL allowed = FALSE;
-    EXPECT_TRUE(AccessCheck(descriptor, token.get(), COM_RIGHTS_EXECUTE | COM_RIGHTS_EXECUTE_LOCAL, &mapping,
-                            &privileges, &size, &granted, &allowed))
+    EXPECT_TRUE(AccessCheck(descriptor, token.get(), kCall, &mapping, &privileges, &size, &granted, &allowed))
         << GetLastError();
     return allowed ? granted : 0;
 }
 
-TEST(AccessRights, TheServersUserMayCallFromThisMachine) {
+TEST(AccessRights, TheServersUserMayCall) {
     const auto user = ReadOwnToken(TokenUser);
     const auto integrity = ReadOwnToken(TokenIntegrityLevel);
     AccessRights rights(reinterpret_cast<const TOKEN_USER*>(user.data())->User.Sid,
                         reinterpret_cast<const TOKEN_MANDATORY_LABEL*>(integrity.data())->Label.Sid);
-    EXPECT_EQ(OwnRights(rights.Get()), DWORD{COM_RIGHTS_EXECUTE | COM_RIGHTS_EXECUTE_LOCAL});
+    EXPECT_EQ(OwnRights(rights.Get()), kCall);
 }
 
 TEST(AccessRights, NameTheUserTheSystemAndAdministratorsAndNobodyElse) {
@@ -141,7 +142,7 @@ TEST(AccessRights, NameTheUserTheSystemAndAdministratorsAndNobodyElse) {
         ASSERT_TRUE(GetAce(allowed, index, &entry));
         auto* const ace = static_cast<ACCESS_ALLOWED_ACE*>(entry);
         EXPECT_EQ(ace->Header.AceType, ACCESS_ALLOWED_ACE_TYPE);
-        EXPECT_EQ(ace->Mask, DWORD{COM_RIGHTS_EXECUTE | COM_RIGHTS_EXECUTE_LOCAL});
+        EXPECT_EQ(ace->Mask, kCall);
         EXPECT_TRUE(EqualSid(&ace->SidStart, expected[index].data()));
     }
 }
