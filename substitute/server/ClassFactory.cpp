@@ -70,6 +70,10 @@ HRESULT ClassFactory::LockServer(BOOL lock) noexcept {
 ClassObjects::ClassObjects(const ServerContext& context) {
     for (const ServerClass& served : ServerClasses()) {
         m_classes.push_back({served.id, MakeObject<ClassFactory>(context, served)});
+        // Whoever found a class just before it was hidden still reaches it: without this the system would cut
+        // it off at once.
+        ThrowIfFailed(CoLockObjectExternal(m_classes.back().factory.Get(), TRUE, FALSE),
+                      L"keeping a class within reach failed");
     }
 }
 
