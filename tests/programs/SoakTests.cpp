@@ -54,6 +54,7 @@ struct SoakPrinter {
 /// What the clients say that they have done.
 struct Reported {
     std::map<std::string, unsigned> did;
+    unsigned disconnected = 0;
     std::array<std::array<unsigned, kSoakFieldCount>, kSoakPrinters> changes{};
     std::array<int, kSoakPrinters> states{};
     std::array<std::array<unsigned, kSoakClients>, kSoakPrinters> jobs{};
@@ -69,6 +70,10 @@ struct Reported {
                 unsigned count = 0;
                 words >> kind >> count;
                 did[kind] += count;
+            } else if (kind == "disconnected") {
+                unsigned count = 0;
+                words >> count;
+                disconnected += count;
             } else if (kind == "change") {
                 std::size_t field = 0;
                 words >> printer >> field;
@@ -185,11 +190,14 @@ class ServerSoak : public testing::Test {
         }
         std::printf("%d clients, %d printers, %lld seconds:", kSoakClients, kSoakPrinters,
                     static_cast<long long>(time.count()));
+        unsigned operations = 0;
         for (const auto& [kind, count] : reported.did) {
+            operations += count;
             std::printf(" %s %u", kind.c_str(), count);
             EXPECT_GT(count, 0U) << kind;
         }
-        std::printf("\n");
+        std::printf("; disconnected and made again: %u\n", reported.disconnected);
+        EXPECT_LE(reported.disconnected, 1 + operations / 10'000);
     }
 
     void CheckTexts(int printer) {

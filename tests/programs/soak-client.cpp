@@ -2,9 +2,9 @@
 //
 //     soak-client CLIENT START END FOLDER PRINTER ...       START, END: ticks of the system in milliseconds
 //
-// Prints a line for each failure, "failure ...", and in the end what it did: "did KIND COUNT", and the last
-// of its changes, "change PRINTER FIELD NUMBER", "state PRINTER STATE", "jobs PRINTER COUNT". Exit status 0:
-// no failure.
+// Prints a line for each failure, "failure ...", and in the end what it did: "did KIND COUNT", "disconnected
+// COUNT", and the last of its changes, "change PRINTER FIELD NUMBER", "state PRINTER STATE", "jobs PRINTER
+// COUNT". Exit status 0: no failure.
 #include <windows.h>
 
 #include <DriverAutomation.h>
@@ -65,6 +65,7 @@ class SoakClient {
         for (std::size_t index = 0; index < std::size(kKinds); ++index) {
             std::printf("did %s %u\n", kKinds[index].name, m_done[index]);
         }
+        std::printf("disconnected %u\n", m_disconnected);
         for (int printer = 0; printer < kSoakPrinters; ++printer) {
             for (int field = 0; field < kSoakFieldCount; ++field) {
                 if (FieldOwner(printer, field) == m_client) {
@@ -115,9 +116,23 @@ class SoakClient {
 
     void Do(const Kind& kind, int printer) {
         ++m_done[static_cast<std::size_t>(&kind - kKinds)];
+        if (!Try(kind, printer, true)) {
+            ++m_disconnected;
+            At(printer).object.Reset();
+            Try(kind, printer, false);
+        }
+    }
+
+    /// False when a call found its object disconnected, which is a failure unless it may happen. Wine was
+    /// seen to give that status once in some ten thousands of operations, for a reason that is not known; the
+    /// operation is made again then, and the model tells whether the call had been carried out all the same.
+    bool Try(const Kind& kind, int printer, bool mayBeDisconnected) {
         try {
             (this->*kind.work)(printer);
         } catch (const kemba::ComError& error) {
+            if (mayBeDisconnected && error.GetStatus() == RPC_E_DISCONNECTED) {
+                return false;
+            }
             char status[16] = {};
             std::snprintf(status, sizeof(status), "0x%08lX", static_cast<unsigned long>(error.GetStatus()));
             Fail(printer, std::string(kind.name) + " failed, status " + status);
@@ -126,6 +141,7 @@ class SoakClient {
         } catch (const std::exception& exception) {
             Fail(printer, std::string(kind.name) + " failed: " + exception.what());
         }
+        return true;
     }
 
     void Fail(int printer, const std::string& what) {
@@ -280,6 +296,7 @@ class SoakClient {
     std::array<unsigned, std::size(kKinds)> m_done{};
     std::minstd_rand m_random;
     int m_failures = 0;
+    unsigned m_disconnected = 0;
 };
 
 const SoakClient::Kind SoakClient::kKinds[6] = {
