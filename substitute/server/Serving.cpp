@@ -5,6 +5,7 @@
 
 #include "substitute/base/Failure.h"
 #include "substitute/server/ClassFactory.h"
+#include "substitute/server/InterfaceHold.h"
 #include "substitute/server/ProcessSecurity.h"
 #include "substitute/server/ServerProcess.h"
 #include "substitute/spooler/WindowsSpooler.h"
@@ -37,6 +38,7 @@ void ServeClients() {
     // Never destroyed: a call that came at the last moment runs on a thread of COM's, which may go on until
     // the process has ended, the component runtime or not.
     Parts& parts = *new Parts;
+    HoldInterfaces();
     ClassObjects classes({parts.spooler, parts.locks, parts.profiles, parts.uses, parts.types});
     ServeUntilUnused(parts.uses, classes, kTimes);
 }

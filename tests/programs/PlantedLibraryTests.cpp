@@ -80,12 +80,17 @@ class PlantedLibrary : public testing::Test {
     std::vector<std::wstring> m_keys;
 };
 
-/// A copy of the server under a class of its own, so that it has no other clients and may simply be ended.
+/// A copy of the server under classes of its own, so that it has no other clients and may simply be ended:
+/// Wine never forgets the classes of a server that was.
 class OwnServer {
   public:
     explicit OwnServer(const std::wstring& program) {
-        CoCreateGuid(&m_class);
-        GiveClass(program);
+        const CLSID served[] = {__uuidof(DriverActions), __uuidof(VersionInformation),
+                                __uuidof(DriverAutomation)};
+        for (const CLSID& each : served) {
+            CoCreateGuid(&m_class);
+            Replace(program, each, m_class);
+        }
         std::wstring line = L"\"" + program + L"\" -Embedding";
         STARTUPINFOW startup{};
         startup.cb = sizeof(startup);
@@ -116,15 +121,14 @@ class OwnServer {
     }
 
   private:
-    /// Puts the class in the place of the server's, wherever that stands in the program.
-    void GiveClass(const std::wstring& program) const {
+    /// Puts a class in the place of the server's, wherever that stands in the program.
+    static void Replace(const std::wstring& program, const CLSID& served, const CLSID& own) {
         const std::filesystem::path path(program);
         std::ifstream input(path, std::ios::binary);
         std::string bytes{std::istreambuf_iterator<char>(input), {}};
         input.close();
-        const GUID served = __uuidof(DriverAutomation);
         const std::string_view before(reinterpret_cast<const char*>(&served), sizeof(GUID));
-        const std::string_view after(reinterpret_cast<const char*>(&m_class), sizeof(GUID));
+        const std::string_view after(reinterpret_cast<const char*>(&own), sizeof(GUID));
         std::size_t found = bytes.find(before);
         EXPECT_NE(found, std::string::npos);
         for (; found != std::string::npos; found = bytes.find(before, found)) {
@@ -133,7 +137,7 @@ class OwnServer {
         std::ofstream(path, std::ios::binary) << bytes;
     }
 
-    CLSID m_class{};
+    CLSID m_class{}; // of the main object
     HANDLE m_process = nullptr;
 };
 
