@@ -31,7 +31,7 @@ struct DriverDescription {
     std::wstring provider{};
     std::wstring path{};          ///< of the driver's program file
     std::wstring configuration{}; ///< path of its configuration library
-    DWORD attributes = 0;       ///< PRINTER_DRIVER bits
+    DWORD attributes = 0;         ///< PRINTER_DRIVER bits
 };
 
 /// The driver of an opened printer. Throws Failure.

@@ -80,8 +80,7 @@ std::optional<Bytes> PrinterHandle::ReadMode(ModeLevel level) const {
 DWORD PrinterHandle::SetMode(ModeLevel level, const std::optional<Bytes>& mode) const {
     Bytes copy = mode.value_or(Bytes());
     PRINTER_INFO_8W information = {mode ? reinterpret_cast<DEVMODEW*>(copy.data()) : nullptr};
-    return m_spooler.SetRecord(m_handle, static_cast<DWORD>(level), reinterpret_cast<BYTE*>(&information),
-                                0);
+    return m_spooler.SetRecord(m_handle, static_cast<DWORD>(level), reinterpret_cast<BYTE*>(&information), 0);
 }
 
 } // namespace kemba::substitute
