@@ -89,8 +89,11 @@ std::vector<std::wstring> PrinterNames() {
 }
 
 std::wstring UniquePrinterName() {
+    // Process identifiers come again, and a process that was killed left its printers.
+    static const std::wstring begin = L"Label " + std::to_wstring(GetCurrentProcessId()) + L"-" +
+                                      std::to_wstring(GetTickCount64() % 10'000'000) + L"-";
     static std::atomic<int> made{0};
-    return L"Label " + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++made);
+    return begin + std::to_wstring(++made);
 }
 
 Printer::Printer(std::wstring name, const PrinterSettings& settings) : m_name(std::move(name)) {
