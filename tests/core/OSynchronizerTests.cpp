@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <latch>
 #include <thread>
 #include <vector>
 
@@ -67,11 +66,10 @@ TEST(OCriticalSection, GuardsACounterAgainstManyThreads) {
     constexpr int kRounds = 200;
     OCriticalSection lock;
     int counter = 0;
-    std::latch start(kThreads);
     std::vector<std::thread> threads;
+    OScopedLock gate(lock); // they all meet here
     for (int i = 0; i < kThreads; ++i) {
         threads.emplace_back([&] {
-            start.arrive_and_wait();
             for (int round = 0; round < kRounds; ++round) {
                 const OScopedLock hold(lock);
                 const int before = counter;
@@ -80,6 +78,7 @@ TEST(OCriticalSection, GuardsACounterAgainstManyThreads) {
             }
         });
     }
+    gate.Release();
     for (std::thread& thread : threads) {
         thread.join();
     }
