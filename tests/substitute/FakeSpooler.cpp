@@ -84,12 +84,18 @@ DWORD FakeSpooler::Answer(Call call, HANDLE handle, Work&& work) {
         const std::lock_guard hold(m_mutex);
         number = ++calls;
         pause = std::chrono::milliseconds(number == slowAt ? 20 : 0);
+        if (handle) {
+            overlaps += static_cast<Opened*>(handle)->inUse++ > 0 ? 1 : 0;
+        }
     }
     if (before) {
         before(call);
     }
     std::this_thread::sleep_for(pause);
     const std::lock_guard hold(m_mutex);
+    if (handle) {
+        --static_cast<Opened*>(handle)->inUse;
+    }
     if (number == failAt || (number > failAt && number <= failTo)) {
         latest = call;
         return failureAt;

@@ -116,6 +116,7 @@ class FakeSpooler : public kemba::substitute::Spooler {
     Call latest = Call::None; ///< the call that failed by its number, if any
     int open = 0;             ///< handles opened and not yet closed
     int opened = 0;
+    int overlaps = 0;                  ///< calls for a handle that another one was still using
     int asked = 0;                     ///< questions for a printer's record
     std::vector<DWORD> accesses;       ///< with which the handles were opened
     std::vector<DWORD> commands;       ///< given at level 0
@@ -162,6 +163,7 @@ class FakeSpooler : public kemba::substitute::Spooler {
         Record* record; // null: what has none
         DWORD access;
         DWORD job = 0; // of the document that has been started
+        int inUse = 0; // by how many calls
     };
 
     /// Waits, fails or does the work, as the test wants it; the work is done by one thread at a time. No

@@ -188,18 +188,24 @@ TEST_F(DriverAutomationObjectTest, GivesUpItsPrinterAndItsUseOfTheProcess) {
     EXPECT_EQ(uses.Get().begun, 1u);
 }
 
-TEST_F(DriverAutomationObjectTest, ManyThreadsMayBindAndReadOneObject) {
+TEST_F(DriverAutomationObjectTest, ManyThreadsMayBindReadAndChangeOneObject) {
     const auto automation = MakeAutomation();
+    spooler.before = [](FakeSpooler::Call) {
+        std::this_thread::yield();
+    }; // a handle serves one thread at a time
     std::atomic<int> bound{0};
     std::vector<std::thread> threads;
     for (int index = 0; index < 8; ++index) {
         threads.emplace_back([&] {
             CoInitializeEx(nullptr, COINIT_MULTITHREADED);
             bound += automation->PutPrinterName(InText(L"Label A")) == S_OK ? 1 : 0;
-            std::wstring comment;
-            EXPECT_EQ(ReadText<IDriverAutomation>(*automation, &IDriverAutomation::GetComment, comment),
-                      S_OK);
-            EXPECT_EQ(comment, L"by the door");
+            for (int round = 0; round < 20; ++round) {
+                EXPECT_EQ(automation->PutLocation(InText(L"Hall")), S_OK);
+                std::wstring comment;
+                EXPECT_EQ(ReadText<IDriverAutomation>(*automation, &IDriverAutomation::GetComment, comment),
+                          S_OK);
+                EXPECT_EQ(comment, L"by the door");
+            }
             CoUninitialize();
         });
     }
@@ -208,6 +214,7 @@ TEST_F(DriverAutomationObjectTest, ManyThreadsMayBindAndReadOneObject) {
     }
     EXPECT_EQ(bound, 1);
     EXPECT_EQ(spooler.open, 1);
+    EXPECT_EQ(spooler.overlaps, 0);
 }
 
 } // namespace

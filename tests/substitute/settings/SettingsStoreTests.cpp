@@ -170,19 +170,18 @@ TEST_F(SettingsStoreTest, WhatCannotBeUndoneIsSaid) {
 
 TEST_F(SettingsStoreTest, NewValuesComeAfterAllOthersWhereTheyCouldNotBeTakenBack) {
     spooler.deletes = false;
+    auto other = MakeOtherState();
+    other.keys[L"PrinterDriverData"][L"Zoom"] = {REG_DWORD, {2, 0, 0, 0}}; // changed, and its name comes last
+    state.keys[L"PrinterDriverData"][L"Zoom"] = {REG_DWORD, {1, 0, 0, 0}};
     const auto before = state;
     int values = 0;
-    spooler.before = [&](FakeSpooler::Call call) { values += call == FakeSpooler::Call::SetValue ? 1 : 0; };
-    ApplySettings(*printer, SettingsOf(MakeOtherState()));
-    spooler.before = nullptr;
-    ASSERT_EQ(values, 4); // one is changed, three are new
-    state = before;
-    int left = 2;
     spooler.before = [&](FakeSpooler::Call call) {
-        spooler.failing = call == FakeSpooler::Call::SetValue && --left == 0 ? call : FakeSpooler::Call::None;
+        values += call == FakeSpooler::Call::SetValue ? 1 : 0;
+        spooler.failing = values == 3 ? FakeSpooler::Call::SetValue : FakeSpooler::Call::None;
     };
-    EXPECT_NE(StatusOf([&] { ApplySettings(*printer, SettingsOf(MakeOtherState())); }), S_OK);
-    EXPECT_NE(reason.find(L"adding the value"), std::wstring::npos);
+    EXPECT_EQ(StatusOf([&] { ApplySettings(*printer, SettingsOf(other)); }),
+              HRESULT_FROM_WIN32(ERROR_PRINT_CANCELLED));
+    EXPECT_NE(reason.find(L"adding the value"), std::wstring::npos); // after the two that are changed
     EXPECT_EQ(state, before);
 }
 
@@ -226,6 +225,24 @@ TEST_F(SettingsStoreTest, AReaderWaitsForAHalfAppliedChange) {
     ASSERT_TRUE(reader.joinable());
     reader.join();
     EXPECT_EQ(read, SettingsOf(MakeOtherState()).values);
+}
+
+TEST_F(SettingsStoreTest, AReaderWaitsForAHalfDoneReset) {
+    std::thread reader;
+    std::optional<Settings> read;
+    int changes = 0;
+    spooler.before = [&](FakeSpooler::Call call) {
+        changes += call == FakeSpooler::Call::SetRecord ? 1 : 0;
+        if (changes == 2 && !reader.joinable()) { // the printer's mode is set, the user's is not
+            reader = std::thread([&] { read = ReadSettings(*printer); });
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        }
+    };
+    ResetSettings(*printer);
+    ASSERT_TRUE(reader.joinable());
+    reader.join();
+    EXPECT_EQ(CopiesOf(read->globalMode), 1);
+    EXPECT_EQ(CopiesOf(read->userMode), 1);
 }
 
 TEST_F(SettingsStoreTest, APrinterThatKeepsItsCallerWaitingHoldsUpNoOther) {
