@@ -76,7 +76,9 @@ class NewFile {
     NewFile& operator=(const NewFile&) = delete;
     ~NewFile() {
         m_file.reset();
-        Delete(m_path);
+        if (!m_taken) { // its former name may be another export's by now
+            Delete(m_path);
+        }
     }
 
     void Write(const Bytes& bytes) {
@@ -95,7 +97,7 @@ class NewFile {
         for (int left = kTries;; --left) {
             const DWORD error = TryToTakeTargetsName();
             if (error == ERROR_SUCCESS) {
-                Delete(m_former);
+                m_taken = true;
                 return;
             }
             PutFormerBack();
@@ -112,6 +114,7 @@ class NewFile {
             return Move(m_path, m_target, 0);
         }
         if (m_replace(m_target.c_str(), m_path.c_str(), m_former.c_str(), 0, nullptr, nullptr)) {
+            Delete(m_former);
             return ERROR_SUCCESS;
         }
         const DWORD error = GetLastError();
@@ -138,6 +141,7 @@ class NewFile {
     std::wstring m_path;
     std::wstring m_former; ///< the target's other name until it is deleted
     UniqueHandle m_file;
+    bool m_taken = false; ///< the file has the target's name
 };
 
 } // namespace

@@ -135,19 +135,8 @@ bool Printer::CanShowDialogs() const {
 }
 
 void Printer::ShowProperties(const std::wstring& what) const {
-    const auto show = [&](DWORD access) {
-        const PrinterHandle handle = Open(access);
-        Check(handle.GetSpooler().ShowProperties(handle.Get()), what);
-    };
-    // With the right to use the printer alone the pages can be looked at, and not be changed.
-    try {
-        show(PRINTER_ACCESS_ADMINISTER | PRINTER_ACCESS_USE);
-    } catch (const Failure& failure) {
-        if (failure.status != E_ACCESSDENIED) {
-            throw;
-        }
-        show(PRINTER_ACCESS_USE);
-    }
+    const PrinterHandle handle = OpenAsFarAsAllowed();
+    Check(handle.GetSpooler().ShowProperties(handle.Get()), what);
 }
 
 void Printer::ShowQueue(const std::wstring& what) const {
@@ -163,6 +152,18 @@ PrinterHandle Printer::Open(DWORD access) const {
         throw WindowsFailure(L"the printer is being renamed", ERROR_INVALID_PRINTER_NAME);
     }
     return handle;
+}
+
+/// With the right to administer the printer, or else with the one to use it.
+PrinterHandle Printer::OpenAsFarAsAllowed() const {
+    try {
+        return Open(PRINTER_ACCESS_ADMINISTER | PRINTER_ACCESS_USE);
+    } catch (const Failure& failure) {
+        if (failure.status != E_ACCESSDENIED) {
+            throw;
+        }
+        return Open(PRINTER_ACCESS_USE);
+    }
 }
 
 PrinterHold Printer::Hold() const {

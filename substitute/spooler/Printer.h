@@ -66,8 +66,8 @@ class Printer {
 
     /// Whether somebody could see a dialog of this process.
     bool CanShowDialogs() const;
-    /// Show the printer's properties until the user closes them, and the window of its queue. Throw Failure;
-    /// `what` names the dialog for its reason.
+    /// Show the printer's properties, which only its administrators can change there, until the user closes
+    /// them, and the window of its queue. Throw Failure; `what` names the dialog for its reason.
     void ShowProperties(const std::wstring& what) const;
     void ShowQueue(const std::wstring& what) const;
 
@@ -79,6 +79,7 @@ class Printer {
   private:
     template<class Change>
     void ChangeRecord(const std::wstring& what, Change&& change) const;
+    PrinterHandle OpenAsFarAsAllowed() const;
     std::wstring PresentName() const;
 
     const std::wstring m_name;

@@ -149,6 +149,13 @@ TEST_F(PerformActionTest, PropertiesMayBeChangedByAdministratorsAndLookedAtByOth
     spooler.rights = PRINTER_ACCESS_USE;
     EXPECT_EQ(Perform(17, 1), S_OK);
     EXPECT_EQ(spooler.journal, std::vector<std::wstring>{L"properties to look at of Label A"});
+    // A dialog that is refused is not shown a second time.
+    spooler.rights |= PRINTER_ACCESS_ADMINISTER;
+    spooler.failing = FakeSpooler::Call::ShowProperties;
+    spooler.failure = ERROR_ACCESS_DENIED;
+    spooler.accesses.clear();
+    EXPECT_EQ(Perform(17, 1), E_ACCESSDENIED);
+    EXPECT_EQ(spooler.accesses.size(), 1u);
 }
 
 TEST_F(PerformActionTest, NoDialogIsShownWhereNobodyWouldSeeIt) {

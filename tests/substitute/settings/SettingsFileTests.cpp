@@ -22,6 +22,7 @@ using namespace kemba::substitute;
 
 const Bytes kOld = {1, 2, 3};
 const Bytes kNew = {4, 5, 6, 7, 8};
+const Bytes kOther{5, 6};
 
 class SettingsFileTest : public testing::Test {
   protected:
@@ -43,6 +44,7 @@ struct Replacer {
     int failures = 0;
     bool renames = false; ///< whether a failing call has changed the former file's name already
     bool holds = false;   ///< whether it then lets nobody change either file's name
+    bool reuses = false;  ///< whether somebody else takes the new file's former name at once
     int calls = 0;
     DWORD flags = 0;      ///< of the last call
     std::wstring added{}; ///< the new file of the last call
@@ -60,7 +62,11 @@ BOOL WINAPI ReplaceOrFail(const wchar_t* path, const wchar_t* added, const wchar
     replacer.added = added;
     replacer.former = former;
     if (++replacer.calls > replacer.failures) {
-        return ReplaceFileW(path, added, former, flags, exclude, reserved);
+        const BOOL replaced = ReplaceFileW(path, added, former, flags, exclude, reserved);
+        if (replacer.reuses) {
+            WriteSettingsFile(added, kOther);
+        }
+        return replaced;
     }
     if (replacer.renames) {
         EXPECT_TRUE(MoveFileW(path, former));
@@ -206,6 +212,14 @@ TEST_F(SettingsReplaceTest, WhatKilledServersLeftBehindIsLeftAlone) {
     EXPECT_EQ(Read(path), kOld);
     EXPECT_EQ(Read(TemporaryNameBeside(path, number, L"old")), (Bytes{'l', 'e', 'f', 't'}));
     EXPECT_EQ(folder.Count(), 22);
+}
+
+TEST_F(SettingsReplaceTest, ANameThatIsGivenUpIsAnothersAtOnce) {
+    Write(kOld);
+    replacer.reuses = true;
+    EXPECT_EQ(Write(kNew), S_OK);
+    EXPECT_EQ(Read(path), kNew);
+    EXPECT_EQ(Read(replacer.added), kOther);
 }
 
 TEST_F(SettingsReplaceTest, APassingHindranceIsWaitedFor) {
