@@ -67,7 +67,7 @@ HRESULT ClassFactory::LockServer(BOOL lock) noexcept {
     return S_OK;
 }
 
-ClassObjects::ClassObjects(const ServerContext& context) {
+ClassObjects::ClassObjects(const ServerContext& context, ServingTurn& turn) : m_turn(turn) {
     for (const ServerClass& served : ServerClasses()) {
         m_classes.push_back({served.id, MakeObject<ClassFactory>(context, served)});
         // Whoever found a class just before it was hidden still reaches it: without this the system would cut
@@ -82,6 +82,9 @@ ClassObjects::~ClassObjects() {
 }
 
 void ClassObjects::Show() {
+    if (!m_turn.Take(std::chrono::milliseconds(0))) {
+        throw Failure{CO_E_SERVER_STOPPING, L"another process offers the classes"};
+    }
     try {
         for (Offered& offered : m_classes) {
             ThrowIfFailed(CoRegisterClassObject(offered.id, offered.factory.Get(), CLSCTX_LOCAL_SERVER,
@@ -91,6 +94,7 @@ void ClassObjects::Show() {
         ThrowIfFailed(CoResumeClassObjects(), L"offering the classes failed");
     } catch (...) {
         Hide();
+        m_turn.GiveUp();
         throw;
     }
 }

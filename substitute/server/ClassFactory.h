@@ -11,6 +11,7 @@
 #include "automation/Owners.h"
 #include "substitute/server/ServerClasses.h"
 #include "substitute/server/ServerProcess.h"
+#include "substitute/server/ServingTurn.h"
 
 namespace kemba::substitute {
 
@@ -42,13 +43,14 @@ class ClassFactory final : public IClassFactory {
 /// All classes, offered to other processes while they are shown; hidden at the end.
 class ClassObjects final : public ClassOffer {
   public:
-    /// Throws Failure.
-    explicit ClassObjects(const ServerContext& context);
+    /// The turn outlives this. Throws Failure.
+    ClassObjects(const ServerContext& context, ServingTurn& turn);
     ClassObjects(const ClassObjects&) = delete;
     ClassObjects& operator=(const ClassObjects&) = delete;
     ~ClassObjects() override;
 
-    /// Offers them all at one moment, so that no client finds some classes only.
+    /// Offers them all at one moment, so that no client finds some classes only. Refused while another
+    /// process has the turn; one that fails gives the turn up, so that another process may offer them.
     void Show() override;
     void Hide() noexcept override;
 
@@ -58,6 +60,7 @@ class ClassObjects final : public ClassOffer {
         ComPtr<ClassFactory> factory;
         DWORD cookie = 0; // 0: not registered
     };
+    ServingTurn& m_turn;
     std::vector<Offered> m_classes;
 };
 

@@ -8,6 +8,7 @@
 #include "substitute/server/InterfaceHold.h"
 #include "substitute/server/ProcessSecurity.h"
 #include "substitute/server/ServerProcess.h"
+#include "substitute/server/ServingTurn.h"
 #include "substitute/spooler/WindowsSpooler.h"
 
 namespace kemba::substitute {
@@ -16,7 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr ServerTimes kTimes = {
-    .start = 30s,    // a start by hand, or a client that died before its first call
+    .start = 30s,    // a start by hand, a client that died before its first call, or another server
     .grace = 5s,     // one command after the other finds the server running
     .settle = 500ms, // a client on a busy machine comes from the class to its first call
 };
@@ -34,12 +35,16 @@ struct Parts {
 void ServeClients() {
     RefuseAccount(ReadApplicationIdentity(HKEY_LOCAL_MACHINE));
     RefuseAccount(ReadApplicationIdentity(HKEY_CURRENT_USER));
+    ServingTurn turn(ServingTurnName());
+    if (!turn.Take(kTimes.start)) {
+        return; // the process that has it serves whoever this one was started for
+    }
     SecureProcess();
     // Never destroyed: a call that came at the last moment runs on a thread of COM's, which may go on until
     // the process has ended, the component runtime or not.
     Parts& parts = *new Parts;
     HoldInterfaces();
-    ClassObjects classes({parts.spooler, parts.locks, parts.profiles, parts.uses, parts.types});
+    ClassObjects classes({parts.spooler, parts.locks, parts.profiles, parts.uses, parts.types}, turn);
     ServeUntilUnused(parts.uses, classes, kTimes);
 }
 

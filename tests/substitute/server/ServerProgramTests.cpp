@@ -4,6 +4,7 @@
 #include <DriverAutomation.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <thread>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "demo/WinePrinters.h"
 #include "substitute/base/Handles.h"
 #include "substitute/server/ServerIdentity.h"
+#include "substitute/server/ServingTurn.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/TemporaryFile.h"
@@ -203,6 +205,28 @@ TEST_F(ServerLifetimeTest, TheProcessStartsForTheFirstClientAndGoesSomeSecondsAf
     EXPECT_TRUE(Activate<IVersionInformation>(__uuidof(VersionInformation))); // of a server of its own
     void* made = nullptr;
     EXPECT_TRUE(FAILED(factory->CreateInstance(nullptr, __uuidof(IUnknown), &made)));
+}
+
+TEST_F(ServerLifetimeTest, AProgramThatFindsAnotherServingWaitsForItsTurn) {
+    ASSERT_TRUE(WaitForNoServer());
+    ServingTurn turn(ServingTurnName());
+    ASSERT_TRUE(turn.Take(10s));
+    std::atomic<bool> served = false;
+    std::thread client([&] {
+        CoInitialize(nullptr);
+        EXPECT_TRUE(Activate<IVersionInformation>(__uuidof(VersionInformation)));
+        served = true;
+        CoUninitialize();
+    });
+    for (int tenths = 0; IsGone() && tenths < 200; ++tenths) {
+        std::this_thread::sleep_for(100ms);
+    }
+    EXPECT_FALSE(IsGone());
+    std::this_thread::sleep_for(3s); // a client looks for the class once a second
+    EXPECT_FALSE(served);
+    turn.GiveUp();
+    client.join();
+    EXPECT_TRUE(served);
 }
 
 /// Sets the application's account for as long as it lives.

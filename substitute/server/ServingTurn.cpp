@@ -1,0 +1,43 @@
+// A mutex of the session, which the system takes back when its owner dies.
+#include "substitute/server/ServingTurn.h"
+
+#include "substitute/base/Failure.h"
+#include "substitute/server/ProcessSecurity.h"
+
+namespace kemba::substitute {
+
+std::wstring ServingTurnName() {
+    const std::vector<BYTE> token = ReadOwnToken(TokenStatistics);
+    const LUID logon = reinterpret_cast<const TOKEN_STATISTICS*>(token.data())->AuthenticationId;
+    return L"Local\\" + std::wstring(kServerName) + L" serving " + std::to_wstring(logon.HighPart) + L" " +
+           std::to_wstring(logon.LowPart);
+}
+
+ServingTurn::ServingTurn(const std::wstring& name) : m_mutex(CreateMutexW(nullptr, FALSE, name.c_str())) {
+    if (!m_mutex) {
+        throw WindowsFailure(L"making the servers' mutex \"" + name + L"\" failed", GetLastError());
+    }
+}
+
+bool ServingTurn::Take(std::chrono::milliseconds patience) {
+    if (m_taken) {
+        return true;
+    }
+    switch (WaitForSingleObject(m_mutex.get(), static_cast<DWORD>(patience.count()))) {
+    case WAIT_OBJECT_0:
+    case WAIT_ABANDONED: // its owner was killed
+        m_taken = true;
+        return true;
+    case WAIT_TIMEOUT: return false;
+    default: throw WindowsFailure(L"waiting for another server failed", GetLastError());
+    }
+}
+
+void ServingTurn::GiveUp() noexcept {
+    if (m_taken) {
+        ReleaseMutex(m_mutex.get());
+        m_taken = false;
+    }
+}
+
+} // namespace kemba::substitute

@@ -1,0 +1,36 @@
+// One server at a time.
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "substitute/base/Handles.h"
+
+namespace kemba::substitute {
+
+/// The name of the turn of all servers that clients of this logon session may find: one for a user, another
+/// for the same user elevated. Throws Failure.
+std::wstring ServingTurnName();
+
+/// The right to offer the classes, which one process has at a time. Two clients that come at once may make
+/// COM start two programs; served by both, the objects of one client would not know each other. Taken and
+/// given up on one thread.
+class ServingTurn {
+  public:
+    /// Throws Failure.
+    explicit ServingTurn(const std::wstring& name);
+    ServingTurn(const ServingTurn&) = delete;
+    ServingTurn& operator=(const ServingTurn&) = delete;
+    ~ServingTurn() { GiveUp(); }
+
+    /// Waits until no other process has it, but not longer than `patience`; tells whether it is this one's
+    /// now. Throws Failure.
+    [[nodiscard]] bool Take(std::chrono::milliseconds patience);
+    void GiveUp() noexcept;
+
+  private:
+    const UniqueHandle m_mutex;
+    bool m_taken = false;
+};
+
+} // namespace kemba::substitute

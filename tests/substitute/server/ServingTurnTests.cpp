@@ -1,0 +1,104 @@
+// One server at a time.
+#include "substitute/server/ServingTurn.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "substitute/base/Failure.h"
+#include "substitute/server/ClassFactory.h"
+#include "tests/substitute/ObjectFixture.h"
+
+namespace {
+
+using namespace kemba::substitute;
+using namespace std::chrono_literals;
+
+/// A name that no other test has.
+std::wstring UniqueTurnName() {
+    return L"Local\\kemba test turn " + std::to_wstring(GetCurrentProcessId());
+}
+
+/// Whether another thread, as another process would, gets the turn at once; it gives it up again.
+bool IsFree() {
+    bool taken = false;
+    std::thread([&] { taken = ServingTurn(UniqueTurnName()).Take(0ms); }).join();
+    return taken;
+}
+
+TEST(ServingTurnTest, OneHasItUntilItIsGivenUp) {
+    ServingTurn turn(UniqueTurnName());
+    EXPECT_TRUE(IsFree());
+    ASSERT_TRUE(turn.Take(0ms));
+    EXPECT_TRUE(turn.Take(0ms)); // taken once all the same
+    EXPECT_FALSE(IsFree());
+    turn.GiveUp();
+    EXPECT_TRUE(IsFree());
+    turn.GiveUp(); // nothing to give up
+    {
+        ServingTurn inner(UniqueTurnName());
+        ASSERT_TRUE(inner.Take(0ms));
+        EXPECT_FALSE(IsFree());
+    }
+    EXPECT_TRUE(IsFree());
+}
+
+TEST(ServingTurnTest, WhoWaitsGetsItFromTheOneBefore) {
+    ServingTurn turn(UniqueTurnName());
+    ASSERT_TRUE(turn.Take(0ms));
+    bool taken = false;
+    std::thread other([&] { taken = ServingTurn(UniqueTurnName()).Take(30s); });
+    std::this_thread::sleep_for(50ms);
+    turn.GiveUp();
+    other.join();
+    EXPECT_TRUE(taken);
+}
+
+TEST(ServingTurnTest, TheTurnOfADeadServerIsFree) {
+    ServingTurn turn(UniqueTurnName());
+    std::thread([] {
+        const UniqueHandle mutex(CreateMutexW(nullptr, TRUE, UniqueTurnName().c_str()));
+        EXPECT_TRUE(mutex);
+    }).join(); // ends without giving it up
+    EXPECT_TRUE(turn.Take(0ms));
+}
+
+TEST(ServingTurnTest, ANameThatSomethingElseHasIsAFailure) {
+    const UniqueHandle event(CreateEventW(nullptr, TRUE, FALSE, UniqueTurnName().c_str()));
+    try {
+        const ServingTurn turn(UniqueTurnName());
+        FAIL() << "took an event for a mutex";
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_INVALID_HANDLE));
+        EXPECT_NE(failure.reason.find(UniqueTurnName()), std::wstring::npos);
+    }
+}
+
+TEST(ServingTurnTest, AllServersOfALogonHaveOneName) {
+    EXPECT_EQ(ServingTurnName().find(L"Local\\kemba-dal serving "), 0u);
+    EXPECT_EQ(ServingTurnName(), ServingTurnName());
+}
+
+class OfferedClassesTest : public ObjectFixture {};
+
+TEST_F(OfferedClassesTest, AreNotShownWhileAnotherServerHasTheTurn) {
+    ServingTurn turn(UniqueTurnName());
+    ClassObjects classes(context, turn);
+    std::thread([&] {
+        ServingTurn another(UniqueTurnName());
+        ASSERT_TRUE(another.Take(0ms));
+        std::thread([&] { EXPECT_THROW(classes.Show(), Failure); }).join();
+    }).join();
+}
+
+TEST_F(OfferedClassesTest, WhichCannotBeShownLeaveTheTurnToOthers) {
+    ServingTurn turn(UniqueTurnName());
+    ClassObjects classes(context, turn);
+    ASSERT_TRUE(turn.Take(0ms));
+    CoUninitialize();
+    EXPECT_THROW(classes.Show(), Failure);
+    EXPECT_TRUE(IsFree());
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+}
+
+} // namespace
