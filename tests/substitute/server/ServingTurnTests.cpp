@@ -57,8 +57,8 @@ TEST(ServingTurnTest, WhoWaitsGetsItFromTheOneBefore) {
 TEST(ServingTurnTest, TheTurnOfADeadServerIsFree) {
     ServingTurn turn(UniqueTurnName());
     std::thread([] {
-        const UniqueHandle mutex(CreateMutexW(nullptr, TRUE, UniqueTurnName().c_str()));
-        EXPECT_TRUE(mutex);
+        const UniqueHandle mutex(OpenMutexW(SYNCHRONIZE, FALSE, UniqueTurnName().c_str()));
+        EXPECT_EQ(WaitForSingleObject(mutex.get(), 0), WAIT_OBJECT_0);
     }).join(); // ends without giving it up
     EXPECT_TRUE(turn.Take(0ms));
 }
