@@ -1,6 +1,10 @@
 // A mutex of the session, which the system takes back when its owner dies.
 #include "substitute/server/ServingTurn.h"
 
+#include <DriverAutomation.h>
+
+#include <iterator>
+
 #include "substitute/base/Failure.h"
 #include "substitute/server/ProcessSecurity.h"
 
@@ -9,7 +13,9 @@ namespace kemba::substitute {
 std::wstring ServingTurnName() {
     const std::vector<BYTE> token = ReadOwnToken(TokenStatistics);
     const LUID logon = reinterpret_cast<const TOKEN_STATISTICS*>(token.data())->AuthenticationId;
-    return L"Local\\" + std::wstring(kServerName) + L" serving " + std::to_wstring(logon.HighPart) + L" " +
+    wchar_t classId[40] = {};
+    StringFromGUID2(__uuidof(DriverAutomation), classId, static_cast<int>(std::size(classId)));
+    return L"Local\\" + std::wstring(classId) + L" " + std::to_wstring(logon.HighPart) + L" " +
            std::to_wstring(logon.LowPart);
 }
 

@@ -8,8 +8,8 @@
 
 namespace kemba::substitute {
 
-/// The name of the turn of all servers that clients of this logon session may find: one for a user, another
-/// for the same user elevated. Throws Failure.
+/// The name of the turn of all servers of the same classes that clients of this logon session may find: one
+/// for a user, another for the same user elevated. Throws Failure.
 std::wstring ServingTurnName();
 
 /// The right to offer the classes, which one process has at a time. Two clients that come at once may make
