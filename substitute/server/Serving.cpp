@@ -35,7 +35,7 @@ struct Parts {
 void ServeClients() {
     RefuseAccount(ReadApplicationIdentity(HKEY_LOCAL_MACHINE));
     RefuseAccount(ReadApplicationIdentity(HKEY_CURRENT_USER));
-    ServingTurn turn(ServingTurnName());
+    ServingTurn turn(ServingTurnName(OwnLogon()));
     if (!turn.Take(kTimes.start)) {
         return; // the process that has it serves whoever this one was started for
     }

@@ -10,9 +10,12 @@
 
 namespace kemba::substitute {
 
-std::wstring ServingTurnName() {
+LUID OwnLogon() {
     const std::vector<BYTE> token = ReadOwnToken(TokenStatistics);
-    const LUID logon = reinterpret_cast<const TOKEN_STATISTICS*>(token.data())->AuthenticationId;
+    return reinterpret_cast<const TOKEN_STATISTICS*>(token.data())->AuthenticationId;
+}
+
+std::wstring ServingTurnName(const LUID& logon) {
     wchar_t classId[40] = {};
     StringFromGUID2(__uuidof(DriverAutomation), classId, static_cast<int>(std::size(classId)));
     return L"Local\\" + std::wstring(classId) + L" " + std::to_wstring(logon.HighPart) + L" " +

@@ -1,6 +1,8 @@
 // One server at a time.
 #pragma once
 
+#include <windows.h>
+
 #include <chrono>
 #include <string>
 
@@ -8,9 +10,11 @@
 
 namespace kemba::substitute {
 
-/// The name of the turn of all servers of the same classes that clients of this logon session may find: one
-/// for a user, another for the same user elevated. Throws Failure.
-std::wstring ServingTurnName();
+/// The logon session of this process: a user has one, and another one elevated. Throws Failure.
+LUID OwnLogon();
+
+/// The name of the turn of all servers of the same classes that clients of the logon session may find.
+std::wstring ServingTurnName(const LUID& logon);
 
 /// The right to offer the classes, which one process has at a time. Two clients that come at once may make
 /// COM start two programs; served by both, the objects of one client would not know each other. Taken and

@@ -209,7 +209,7 @@ TEST_F(ServerLifetimeTest, TheProcessStartsForTheFirstClientAndGoesSomeSecondsAf
 
 TEST_F(ServerLifetimeTest, AProgramThatFindsAnotherServingWaitsForItsTurn) {
     ASSERT_TRUE(WaitForNoServer());
-    ServingTurn turn(ServingTurnName());
+    ServingTurn turn(ServingTurnName(OwnLogon()));
     ASSERT_TRUE(turn.Take(10s));
     std::atomic<bool> served = false;
     std::thread client([&] {

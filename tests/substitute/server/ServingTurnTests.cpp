@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+#include <string>
 #include <thread>
 
 #include "substitute/base/Failure.h"
@@ -74,9 +76,11 @@ TEST(ServingTurnTest, ANameThatSomethingElseHasIsAFailure) {
     }
 }
 
-TEST(ServingTurnTest, AllServersOfTheClassesInALogonHaveOneName) {
-    EXPECT_EQ(ServingTurnName().find(L"Local\\{F56F2E65-"), 0u);
-    EXPECT_EQ(ServingTurnName(), ServingTurnName());
+TEST(ServingTurnTest, EachLogonHasATurnOfItsOwn) {
+    const std::set<std::wstring> names = {ServingTurnName({1, 0}), ServingTurnName({0, 1}),
+                                          ServingTurnName({2, 0}), ServingTurnName({0, 2})};
+    EXPECT_EQ(names.size(), 4u);
+    EXPECT_EQ(ServingTurnName({3, -4}), L"Local\\{F56F2E65-2620-41A2-84B8-5CE2F149E1D0} -4 3");
 }
 
 class OfferedClassesTest : public ObjectFixture {};
