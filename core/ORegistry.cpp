@@ -66,10 +66,9 @@ using OwnedKey = std::unique_ptr<std::remove_pointer_t<HKEY>, KeyCloser>;
 
 using AliasTable = std::map<OString, OString>;
 
-/// An 8-bit text with its UTF-16 form made as well: what several threads read must not be converted by them.
 OString InBothForms(const char* text) {
     OString both = text;
-    both.Wide();
+    both.MakeBothForms();
     return both;
 }
 

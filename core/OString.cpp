@@ -50,34 +50,36 @@ void CopyBounded(std::basic_string_view<Unit> text, Unit* buffer, std::size_t si
 
 void MakeWide(Body& body) {
     const std::size_t size = body.capacity;
-    body.wide = std::make_unique<wchar_t[]>(size);
+    auto wide = std::make_unique<wchar_t[]>(size);
     const std::string_view text = body.narrow.get();
     if (body.codePage == OCore::kCodePageBytes) {
-        std::transform(text.begin(), text.end(), body.wide.get(),
+        std::transform(text.begin(), text.end(), wide.get(),
                        [](char byte) { return static_cast<unsigned char>(byte); });
     } else if (body.codePage == OCore::kCodePageUtf8) {
-        CopyBounded<wchar_t>(OCore::DecodeUtf8(text), body.wide.get(), size);
+        CopyBounded<wchar_t>(OCore::DecodeUtf8(text), wide.get(), size);
     } else {
-        MultiByteToWideChar(EffectiveCodePage(body.codePage), 0, text.data(), -1, body.wide.get(),
+        MultiByteToWideChar(EffectiveCodePage(body.codePage), 0, text.data(), -1, wide.get(),
                             static_cast<int>(size));
-        body.wide[size - 1] = 0; // a conversion that ran out of room leaves no terminator
+        wide[size - 1] = 0; // a conversion that ran out of room leaves no terminator
     }
+    body.wide = std::move(wide);
 }
 
 void MakeNarrow(Body& body) {
     const std::size_t size = NarrowBytes(body);
-    body.narrow = std::make_unique<char[]>(size);
+    auto narrow = std::make_unique<char[]>(size);
     const std::wstring_view text = body.wide.get();
     if (body.codePage == OCore::kCodePageBytes) {
-        std::transform(text.begin(), text.end(), body.narrow.get(),
+        std::transform(text.begin(), text.end(), narrow.get(),
                        [](wchar_t unit) { return static_cast<char>(unit); });
     } else if (body.codePage == OCore::kCodePageUtf8) {
-        CopyBounded<char>(OCore::EncodeUtf8(text), body.narrow.get(), size);
+        CopyBounded<char>(OCore::EncodeUtf8(text), narrow.get(), size);
     } else {
-        WideCharToMultiByte(EffectiveCodePage(body.codePage), 0, text.data(), -1, body.narrow.get(),
+        WideCharToMultiByte(EffectiveCodePage(body.codePage), 0, text.data(), -1, narrow.get(),
                             static_cast<int>(size), nullptr, nullptr);
-        body.narrow[size - 1] = 0;
+        narrow[size - 1] = 0;
     }
+    body.narrow = std::move(narrow);
 }
 
 void ReleaseBody(Body* body) {
@@ -130,7 +132,8 @@ std::basic_string_view<Unit> OString::Units() const {
     }
 }
 
-OString::OString(const char* text, std::uint32_t codePage) {
+// The constructors delegate, so that what they have made is freed when memory for the rest is short.
+OString::OString(const char* text, std::uint32_t codePage) : OString() {
     if (text && *text) {
         m_body = new Body;
         m_body->codePage = codePage;
@@ -138,13 +141,13 @@ OString::OString(const char* text, std::uint32_t codePage) {
     }
 }
 
-OString::OString(const wchar_t* text) {
+OString::OString(const wchar_t* text) : OString() {
     if (text && *text) {
         Assign(std::wstring_view(text));
     }
 }
 
-OString::OString(wchar_t character) {
+OString::OString(wchar_t character) : OString() {
     if (character != 0) {
         Assign(std::wstring_view(&character, 1));
     }
@@ -187,7 +190,7 @@ const char* OString::Narrow() const {
     if (IsEmpty()) {
         return "";
     }
-    if (!IsPresent(m_body->narrow)) {
+    if (!m_body->narrow) {
         MakeNarrow(*m_body);
     }
     return m_body->narrow.get();
@@ -197,10 +200,15 @@ const wchar_t* OString::Wide() const {
     if (IsEmpty()) {
         return L"";
     }
-    if (!IsPresent(m_body->wide)) {
+    if (!m_body->wide) {
         MakeWide(*m_body);
     }
     return m_body->wide.get();
+}
+
+void OString::MakeBothForms() const {
+    Narrow();
+    Wide();
 }
 
 OString OString::InCodePage(std::uint32_t codePage) const {

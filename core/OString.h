@@ -58,10 +58,12 @@ class OString {
     /// The code page of the 8-bit form; the ANSI one while the text has no body.
     std::uint32_t GetCodePage() const;
 
-    /// The 8-bit form, never null; owned by the text and valid until it changes.
+    /// The 8-bit form, never null; owned by the text and valid until it changes. Once made, it stays.
     const char* Narrow() const;
-    /// The UTF-16 form, never null; owned by the text and valid until it changes.
+    /// The UTF-16 form, never null; owned by the text and valid until it changes. Once made, it stays.
     const wchar_t* Wide() const;
+    /// For a text that several threads are to read: none of them then converts it.
+    void MakeBothForms() const;
     /// The same text tagged with another code page: its UTF-16 form alone, so the 8-bit one is made anew.
     OString InCodePage(std::uint32_t codePage) const;
 

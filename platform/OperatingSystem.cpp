@@ -157,6 +157,10 @@ const OperatingSystem& TheOperatingSystem() {
     record.servicePack = version.wServicePackMajor;
     record.platform = version.dwPlatformId;
     record.productType = version.wProductType;
+    for (const OString* const text :
+         {&record.name, &record.edition, &record.servicePackText, &record.buildText}) {
+        text->MakeBothForms();
+    }
     record.filled = true;
     return record;
 }

@@ -25,7 +25,7 @@ struct OperatingSystem {
 };
 
 /// The process-wide record, filled by the first request at which the system tells its version. Any thread may
-/// ask.
+/// ask, and read what it gets: the texts have both their forms.
 const OperatingSystem& TheOperatingSystem();
 
 /// The display name for a version.

@@ -110,6 +110,32 @@ TEST(OString, CountsReferencesAtomically) {
     EXPECT_EQ(text.GetBody()->references, 1U);
 }
 
+TEST(OString, AFormOnceMadeStays) {
+    const OString plain = L"plain";
+    const char* const narrow = plain.Narrow();
+    EXPECT_EQ(plain.Narrow(), narrow);
+    // Forms that begin with zero, and so count as absent, were handed out all the same.
+    const OString bytes = OString(L"\x0100 text").InCodePage(OCore::kCodePageBytes);
+    const char* const nothing = bytes.Narrow();
+    EXPECT_STREQ(nothing, "");
+    EXPECT_EQ(bytes.Narrow(), nothing);
+    const OString overlong("\xC0\x80 text", OCore::kCodePageUtf8);
+    const wchar_t* const zero = overlong.Wide();
+    EXPECT_STREQ(zero, L"");
+    EXPECT_EQ(overlong.Wide(), zero);
+}
+
+TEST(OString, MakesBothFormsForThreadsToRead) {
+    const OString fromNarrow = "text";
+    const OString fromWide = L"text";
+    for (const OString* const text : {&fromNarrow, &fromWide}) {
+        text->MakeBothForms();
+        EXPECT_STREQ(text->GetBody()->narrow.get(), "text");
+        EXPECT_STREQ(text->GetBody()->wide.get(), L"text");
+    }
+    OString().MakeBothForms();
+}
+
 TEST(OString, CapacityGrowsInStepsOf32) {
     const struct {
         std::size_t length;

@@ -95,6 +95,15 @@ TEST_F(OperatingSystemRecord, HoldsWhatTheSystemReports) {
     ExpectFilled(TheOperatingSystem());
 }
 
+TEST_F(OperatingSystemRecord, HoldsBothFormsOfItsTextsForThreadsToRead) {
+    const OperatingSystem& record = TheOperatingSystem();
+    for (const OString* const text :
+         {&record.name, &record.edition, &record.buildText, &record.servicePackText}) {
+        const OString::Body* const body = text->GetBody();
+        EXPECT_TRUE(body->narrow && body->wide);
+    }
+}
+
 TEST_F(OperatingSystemRecord, AsksWithAnEmptyRecordOfItsFullSize) {
     TheOperatingSystem();
     EXPECT_EQ(VersionCall::s_askedSize, sizeof(OSVERSIONINFOEXW));
