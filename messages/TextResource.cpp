@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 
@@ -59,7 +60,7 @@ bool TextResource::ReadLine(wchar_t* line, const char* end) {
         }
     }
     bytes[count] = 0;
-    line[0] = 0;
-    MultiByteToWideChar(CP_ACP, 0, bytes, -1, line, kLineCharacters);
+    const int made = MultiByteToWideChar(CP_ACP, 0, bytes, -1, line, kLineCharacters);
+    line[std::min(made, kLineCharacters - 1)] = 0; // a cut sequence may swallow the terminator
     return true;
 }
