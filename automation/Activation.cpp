@@ -33,6 +33,9 @@ IUnknown* ActivateObject(REFCLSID classId, REFIID interfaceId) {
     IUnknown* result = nullptr;
     HRESULT status =
         CoCreateInstance(classId, nullptr, kAnyContext, IID_IUnknown, reinterpret_cast<void**>(object.Put()));
+    if (SUCCEEDED(status) && !object) {
+        return nullptr; // a class object's false success
+    }
     if (SUCCEEDED(status)) {
         status = OleRun(object.Get());
     }

@@ -13,8 +13,9 @@
 namespace kemba {
 
 /// Creates an instance of the class in any context, runs it, and asks it for the interface. The caller owns
-/// the result, which is null when the object lacks the interface (the first call through it raises E_POINTER
-/// instead); any other failure throws ComError without error information.
+/// the result, which is null when the object lacks the interface or a success comes without an object (the
+/// first call through it raises E_POINTER instead); any other failure throws ComError without error
+/// information.
 IUnknown* ActivateObject(REFCLSID classId, REFIID interfaceId);
 
 /// Throws ComError when `status` is a failure, with the error information that `called` supports for the

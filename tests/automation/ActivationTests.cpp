@@ -109,6 +109,13 @@ TEST_F(Activation, AMissingInterfaceBecomesAnInvalidPointerAtTheFirstCall) {
     EXPECT_EQ(server.Calls(), Lines{});
 }
 
+TEST_F(Activation, ASuccessWithoutAnObjectBecomesAnInvalidPointerAtTheFirstCall) {
+    server.FailActivation(FakeClass::DriverAutomation, S_OK);
+    EXPECT_FALSE((Activate<DriverAutomation, IDriverAutomation>()));
+    EXPECT_EQ(FailureOf([] { ActivateForPrinter(L"Label A"); }).status, E_POINTER);
+    EXPECT_EQ(server.Calls(), Lines{});
+}
+
 TEST_F(Activation, BindingPutsThePrintersNameAtOnce) {
     ActivateForPrinter(L"Label A");
     EXPECT_EQ(server.Calls(), Lines{"DriverAutomation#1.PutPrinterName(\"Label A\")"});
