@@ -35,7 +35,7 @@ bool ParseOptions(ApplicationSettings& settings, OStringArray& words) {
             }
             consumed.push_back(index);
             consumed.push_back(++index);
-            settings.printerNames.Append(words[index]);
+            OCore::RequireMemory(settings.printerNames.Append(words[index]));
             break;
         case L'a':
             settings.allPrinters = true;
@@ -47,7 +47,7 @@ bool ParseOptions(ApplicationSettings& settings, OStringArray& words) {
             break;
         case L'?':
             words.RemoveAll();
-            words.Append(L"help");
+            OCore::RequireMemory(words.Append(L"help"));
             return true;
         default: break; // not a global option: the command may know it
         }

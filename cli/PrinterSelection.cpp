@@ -53,7 +53,7 @@ void AppendAllPrinters(OStringArray& names) {
     const auto anyFailure = [](DWORD) { return true; };
     const PrinterList<PRINTER_INFO_1W> printers(PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS, 1, anyFailure);
     for (const PRINTER_INFO_1W& printer : printers) {
-        names.Append(printer.pName);
+        OCore::RequireMemory(names.Append(printer.pName));
     }
 }
 
@@ -103,13 +103,13 @@ bool SelectPrinters(const ApplicationSettings& settings, OStringArray& names, Co
     } else if (settings.printerNames.GetSize() > 0) {
         for (const OString& name : settings.printerNames) {
             if (PrinterExists(name)) {
-                names.Append(name);
+                OCore::RequireMemory(names.Append(name));
             } else {
                 console.PrintMessage("error:PrinterNotFound", name);
             }
         }
     } else if (const OString name = DefaultPrinterName(); !name.IsEmpty()) {
-        names.Append(name);
+        OCore::RequireMemory(names.Append(name));
     }
     if (names.GetSize() == 0) {
         console.PrintMessage("error:NoPrinterSelected");

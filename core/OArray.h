@@ -15,7 +15,19 @@
 
 #include "core/OString.h"
 
-/// A growable array of elements of one size, kept as plain bytes; new elements are zero-filled.
+namespace OCore {
+
+/// For who cannot go on without an element: throws std::bad_alloc when the growth did not succeed.
+inline void RequireMemory(bool succeeded) {
+    if (!succeeded) {
+        throw std::bad_alloc();
+    }
+}
+
+} // namespace OCore
+
+/// A growable array of elements of one size, kept as plain bytes; new elements are zero-filled. What changes
+/// its size is for derived arrays, which know how elements end.
 template<std::size_t ElementSize>
 class OBaseArray {
   public:
@@ -30,17 +42,19 @@ class OBaseArray {
     std::int32_t GetCapacity() const { return m_capacity; }
     std::int32_t GetGrowBy() const { return m_growBy; }
 
+  protected:
     /// Sets the number of elements; size 0 frees the data. `growBy` is how many elements are added at least
     /// when the capacity grows, 0 for an eighth of the size within 4 to 1024. False, and nothing changed,
     /// when memory is short or `size` is negative.
-    bool SetSize(std::int32_t size, std::int32_t growBy = kKeepGrowBy);
+    [[nodiscard]] bool SetSize(std::int32_t size, std::int32_t growBy = kKeepGrowBy);
+    /// Drops the elements from `size` on, as bytes; `size` is not above the present one.
+    void Truncate(std::int32_t size);
 
-  protected:
     void* At(std::int32_t index) const { return m_data + static_cast<std::size_t>(index) * ElementSize; }
 
     /// Grows by one and opens a zero-filled gap at `index`, from 0 to the size. False when memory is short;
     /// throws std::length_error when no further element can be counted.
-    bool OpenGap(std::int32_t index);
+    [[nodiscard]] bool OpenGap(std::int32_t index);
     /// Closes the gap of one element at `index`, whose contents are dropped as bytes.
     void CloseGap(std::int32_t index);
 
@@ -48,7 +62,7 @@ class OBaseArray {
     static constexpr std::int32_t kMinimumStep = 4;
     static constexpr std::int32_t kMaximumStep = 1024;
 
-    bool Reallocate(std::int64_t capacity);
+    [[nodiscard]] bool Reallocate(std::int64_t capacity);
     void Zero(std::int32_t from, std::int32_t to) {
         std::memset(At(from), 0, static_cast<std::size_t>(to - from) * ElementSize);
     }
@@ -79,7 +93,7 @@ class OTypedArray : public OBaseArray<sizeof(T)> {
     ~OTypedArray() override { Destroy(0); }
 
     /// As `OBaseArray::SetSize`; elements past the new size are destroyed.
-    bool SetSize(std::int32_t size, std::int32_t growBy = Base::kKeepGrowBy) {
+    [[nodiscard]] bool SetSize(std::int32_t size, std::int32_t growBy = Base::kKeepGrowBy) {
         if (size >= 0) {
             Destroy(size);
         }
@@ -93,7 +107,7 @@ class OTypedArray : public OBaseArray<sizeof(T)> {
     const T* end() const { return static_cast<const T*>(this->At(this->GetSize())); }
 
     /// Inserts before `index`, from 0 to the size. False when memory is short.
-    bool InsertAt(std::int32_t index, T element) {
+    [[nodiscard]] bool InsertAt(std::int32_t index, T element) {
         if (!this->OpenGap(index)) {
             return false;
         }
@@ -101,14 +115,17 @@ class OTypedArray : public OBaseArray<sizeof(T)> {
         return true;
     }
 
-    bool Append(T element) { return InsertAt(this->GetSize(), std::move(element)); }
+    [[nodiscard]] bool Append(T element) { return InsertAt(this->GetSize(), std::move(element)); }
 
     void RemoveAt(std::int32_t index) {
         std::destroy_at(&(*this)[index]);
         this->CloseGap(index);
     }
 
-    void RemoveAll() { SetSize(0); }
+    void RemoveAll() {
+        Destroy(0);
+        this->Truncate(0);
+    }
 
   private:
     void Destroy(std::int32_t from) {
@@ -127,27 +144,37 @@ bool OBaseArray<ElementSize>::SetSize(std::int32_t size, std::int32_t growBy) {
         return false;
     }
     const std::int32_t newGrowBy = growBy == kKeepGrowBy ? m_growBy : growBy;
+    if (size <= m_size) {
+        Truncate(size);
+    } else {
+        if (!m_data) {
+            if (!Reallocate(size)) {
+                return false;
+            }
+        } else if (size > m_capacity) {
+            const std::int32_t step =
+                newGrowBy != 0 ? newGrowBy : std::clamp(m_size / 8, kMinimumStep, kMaximumStep);
+            if (!Reallocate(std::max<std::int64_t>(size, std::int64_t{m_capacity} + step))) {
+                return false;
+            }
+        }
+        Zero(m_size, size);
+        m_size = size;
+    }
+    m_growBy = newGrowBy;
+    return true;
+}
+
+template<std::size_t ElementSize>
+void OBaseArray<ElementSize>::Truncate(std::int32_t size) {
     if (size == 0) {
         std::free(m_data);
         m_data = nullptr;
-        m_size = m_capacity = 0;
-    } else if (!m_data) {
-        if (!Reallocate(size)) {
-            return false;
-        }
-    } else if (size > m_capacity) {
-        const std::int32_t step =
-            newGrowBy != 0 ? newGrowBy : std::clamp(m_size / 8, kMinimumStep, kMaximumStep);
-        if (!Reallocate(std::max<std::int64_t>(size, std::int64_t{m_capacity} + step))) {
-            return false;
-        }
-    }
-    if (size != m_size) {
-        Zero(std::min(m_size, size), std::max(m_size, size));
+        m_capacity = 0;
+    } else if (size < m_size) {
+        Zero(size, m_size);
     }
     m_size = size;
-    m_growBy = newGrowBy;
-    return true;
 }
 
 template<std::size_t ElementSize>
@@ -182,5 +209,5 @@ bool OBaseArray<ElementSize>::OpenGap(std::int32_t index) {
 template<std::size_t ElementSize>
 void OBaseArray<ElementSize>::CloseGap(std::int32_t index) {
     std::memmove(At(index), At(index + 1), static_cast<std::size_t>(m_size - index - 1) * ElementSize);
-    SetSize(m_size - 1);
+    Truncate(m_size - 1);
 }

@@ -35,8 +35,8 @@ std::uint32_t Now() {
 OEventLogBase::OEventLogBase(const OString& source)
     : m_source(source), m_maskPath(OString("LOCAL:DebugLogMasks\\") + source) {
     // Threads read these two at the same time, so none of them may have to convert one.
-    m_source.Wide();
-    m_maskPath.Wide();
+    m_source.MakeBothForms();
+    m_maskPath.MakeBothForms();
     const std::uint32_t mask = ReadMask();
     m_mask = mask;
     m_lastRefresh = Now();
@@ -71,7 +71,7 @@ std::shared_ptr<OEventLogBase> OEventLogBase::Fetch(const OString& source) {
     std::shared_ptr<OEventLogBase> base = registry.bases.Find(source);
     if (!base) {
         base = std::make_shared<OEventLogBase>(source);
-        registry.bases.Insert(source, base);
+        OCore::RequireMemory(registry.bases.Insert(source, base));
     }
     return base;
 }
@@ -92,7 +92,7 @@ void OEventLogBase::Sweep() {
         const std::shared_ptr<OEventLogBase> base = registry.bases.Find(source);
         const bool held = base.use_count() != 2; // besides the registry and this function
         if (!held && now - base->m_lastRefresh > kUnusedMilliseconds) {
-            unused.Append(source);
+            OCore::RequireMemory(unused.Append(source));
         }
     }
     for (const OString& source : unused) {

@@ -30,12 +30,23 @@ class OHashMap {
         return index < 0 ? std::move(missing) : m_values[index];
     }
 
-    void Insert(const Key& key, Value value) {
+    /// False, and the map as it was, when memory is short.
+    [[nodiscard]] bool Insert(Key key, Value value) {
         const std::uint32_t hash = Hash()(key);
         const std::int32_t index = PositionOf(hash);
-        m_hashes.InsertAt(index, hash);
-        m_keys.InsertAt(index, key);
-        m_values.InsertAt(index, std::move(value));
+        if (!m_hashes.InsertAt(index, hash)) {
+            return false;
+        }
+        if (!m_keys.InsertAt(index, std::move(key))) {
+            m_hashes.RemoveAt(index);
+            return false;
+        }
+        if (!m_values.InsertAt(index, std::move(value))) {
+            m_hashes.RemoveAt(index);
+            m_keys.RemoveAt(index);
+            return false;
+        }
+        return true;
     }
 
     /// Removes the key's entry; false when there is none.

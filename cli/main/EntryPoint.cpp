@@ -42,7 +42,7 @@ int RunKemba(int argumentCount, wchar_t* arguments[]) {
         return kNothingToDo;
     }
     for (int index = 1; index < argumentCount; ++index) {
-        words.Append(arguments[index]);
+        OCore::RequireMemory(words.Append(arguments[index]));
     }
     if (!ParseOptions(process.settings, words)) {
         return kNothingToDo;

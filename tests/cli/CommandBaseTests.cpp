@@ -52,8 +52,8 @@ bool RuntimeIsInitialised() {
 /// A probe over two printers.
 struct CommandBase : testing::Test {
     CommandBase() {
-        settings.printerNames.Append(first.Name().c_str());
-        settings.printerNames.Append(second.Name().c_str());
+        OCore::RequireMemory(settings.printerNames.Append(first.Name().c_str()));
+        OCore::RequireMemory(settings.printerNames.Append(second.Name().c_str()));
     }
 
     const demo::Printer first;
@@ -108,7 +108,7 @@ TEST_F(CommandBase, AnyExceptionCountsAsAFailure) {
 
 TEST_F(CommandBase, WithoutAPrinterNothingIsAnnounced) {
     settings.printerNames.RemoveAll();
-    settings.printerNames.Append(L"No such printer");
+    OCore::RequireMemory(settings.printerNames.Append(L"No such printer"));
     EXPECT_FALSE(probe.Run());
     EXPECT_EQ(probe.executed.size(), 0U);
     EXPECT_EQ(console.Output(),

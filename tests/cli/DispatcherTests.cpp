@@ -64,7 +64,7 @@ struct Dispatcher : testing::Test {
     bool Dispatch(const Words& words) {
         OStringArray array;
         for (const std::wstring& word : words) {
-            array.Append(word.c_str());
+            OCore::RequireMemory(array.Append(word.c_str()));
         }
         return kemba::Dispatch(kTable, settings, console, array);
     }

@@ -24,7 +24,7 @@ struct Parsed {
     explicit Parsed(const Words& words) {
         OStringArray array;
         for (const std::wstring& word : words) {
-            array.Append(word.c_str());
+            OCore::RequireMemory(array.Append(word.c_str()));
         }
         succeeded = kemba::ParseOptions(settings, array);
         left = AsWords(array);

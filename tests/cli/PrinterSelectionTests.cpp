@@ -30,7 +30,7 @@ struct Selection {
 Selection Select(const ApplicationSettings& settings) {
     CapturedConsole console;
     OStringArray names;
-    names.Append(L"left over");
+    OCore::RequireMemory(names.Append(L"left over"));
     Selection selection;
     selection.succeeded = kemba::SelectPrinters(settings, names, console);
     for (const OString& name : names) {
@@ -44,7 +44,7 @@ Selection Select(const ApplicationSettings& settings) {
 struct Named : ApplicationSettings {
     explicit Named(const Names& names) {
         for (const std::wstring& name : names) {
-            printerNames.Append(name.c_str());
+            OCore::RequireMemory(printerNames.Append(name.c_str()));
         }
     }
 };

@@ -118,7 +118,7 @@ TEST_P(CommandClass, IsShort) {
 /// A printer may go between the selection of the settings command and that of its export.
 TEST(CommandExport, WithoutAPrinterFailsUnannounced) {
     ApplicationSettings settings;
-    settings.printerNames.Append(L"no such printer");
+    OCore::RequireMemory(settings.printerNames.Append(L"no such printer"));
     const bool quiet = false;
     ConsoleOutput console(quiet);
     kit::StdoutCapture capture;

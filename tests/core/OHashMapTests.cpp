@@ -5,6 +5,8 @@
 
 #include <memory>
 
+#include "tests/core/FailingGrowth.h"
+
 namespace {
 
 /// A key that is its own hash, but for a name that tells keys of one hash apart.
@@ -71,7 +73,7 @@ TEST(OHashMap, FindsTheFirstPositionWhoseHashIsNotSmaller) {
     EXPECT_EQ(map.PositionOf(5), 0);
     EXPECT_EQ(map.PositionOf(0xFFFFFFFF), 0);
     for (const std::uint32_t hash : {10U, 20U, 20U, 20U, 0xF0000000U, 0xFFFFFFFFU, 0xFFFFFFFFU}) {
-        map.Insert({hash, 0}, 0);
+        EXPECT_TRUE(map.Insert({hash, 0}, 0));
     }
     const struct {
         std::uint32_t hash;
@@ -84,12 +86,39 @@ TEST(OHashMap, FindsTheFirstPositionWhoseHashIsNotSmaller) {
     }
 }
 
+TEST(OHashMap, AnInsertThatMemoryIsTooShortForLeavesTheMapAsItWas) {
+    for (int growth = 1; growth <= 3; ++growth) { // of the hashes, the keys, the values
+        SCOPED_TRACE(growth);
+        NamedMap map;
+        EXPECT_TRUE(map.Insert({10, 1}, 1));
+        {
+            const FailingGrowth failing(growth);
+            EXPECT_FALSE(map.Insert({10, 2}, 2));
+            EXPECT_TRUE(failing.HasFailed());
+        }
+        EXPECT_EQ(map.GetSize(), 1);
+        EXPECT_EQ(map.GetKeys().GetSize(), 1);
+        EXPECT_EQ(map.Find({10, 2}, -1), -1);
+        EXPECT_EQ(map.Find({10, 1}, -1), 1);
+        EXPECT_TRUE(map.Insert({10, 2}, 2));
+        EXPECT_EQ(map.Find({10, 2}, -1), 2);
+        EXPECT_EQ(map.Find({10, 1}, -1), 1);
+    }
+}
+
+TEST(OHashMap, MayBeGivenOneOfItsOwnKeys) {
+    OStringMap<int> map;
+    EXPECT_TRUE(map.Insert("a", 1));
+    EXPECT_TRUE(map.Insert(map.GetKeys()[0], 2));
+    EXPECT_EQ(map.Find("a", 0), 2);
+}
+
 TEST(OHashMap, KeepsItsKeysSortedByHash) {
     NamedMap map;
     std::uint32_t hash = 1;
     for (int i = 0; i < 500; ++i) {
         hash = hash * 1'664'525 + 1'013'904'223;
-        map.Insert({hash, i}, i);
+        EXPECT_TRUE(map.Insert({hash, i}, i));
     }
     ASSERT_EQ(map.GetSize(), 500);
     ASSERT_EQ(map.GetKeys().GetSize(), 500);
@@ -103,9 +132,9 @@ TEST(OHashMap, KeepsItsKeysSortedByHash) {
 
 TEST(OHashMap, TellsKeysOfOneHashApart) {
     NamedMap map;
-    map.Insert({7, 1}, 100);
-    map.Insert({7, 2}, 200);
-    map.Insert({8, 1}, 300);
+    EXPECT_TRUE(map.Insert({7, 1}, 100));
+    EXPECT_TRUE(map.Insert({7, 2}, 200));
+    EXPECT_TRUE(map.Insert({8, 1}, 300));
     EXPECT_EQ(map.Find({7, 1}), 100);
     EXPECT_EQ(map.Find({7, 2}), 200);
     EXPECT_EQ(map.Find({7, 3}, -1), -1);
@@ -121,15 +150,15 @@ TEST(OHashMap, GivesTheDefaultForAMissingKey) {
     EXPECT_EQ(OStringMap<int>().Find("missing", 5), 5);
 
     OStringMap<int> map;
-    map.Insert("present", 1);
+    EXPECT_TRUE(map.Insert("present", 1));
     EXPECT_EQ(map.Find("missing", 5), 5);
     EXPECT_EQ(map.Find("present", 5), 1);
 }
 
 TEST(OHashMap, KeyedByTextMindsTheCase) {
     OStringMap<int> map;
-    map.Insert("Source", 1);
-    map.Insert(L"SOURCE", 2);
+    EXPECT_TRUE(map.Insert("Source", 1));
+    EXPECT_TRUE(map.Insert(L"SOURCE", 2));
     EXPECT_EQ(map.Find(L"Source"), 1);
     EXPECT_EQ(map.Find("SOURCE"), 2);
     EXPECT_EQ(map.Find("source", -1), -1);
@@ -137,8 +166,8 @@ TEST(OHashMap, KeyedByTextMindsTheCase) {
 
 TEST(OHashMap, AnswersWithTheLatestOfTwoEntriesOfOneKey) {
     OStringMap<int> map;
-    map.Insert("key", 1);
-    map.Insert("key", 2);
+    EXPECT_TRUE(map.Insert("key", 1));
+    EXPECT_TRUE(map.Insert("key", 2));
     EXPECT_EQ(map.GetSize(), 2);
     EXPECT_EQ(map.Find("key"), 2);
     EXPECT_TRUE(map.Remove("key"));
@@ -148,8 +177,8 @@ TEST(OHashMap, AnswersWithTheLatestOfTwoEntriesOfOneKey) {
 TEST(OHashMap, RemovesAnEntryWithItsValue) {
     OStringMap<std::shared_ptr<int>> map;
     const auto value = std::make_shared<int>(1);
-    map.Insert("a", value);
-    map.Insert("b", value);
+    EXPECT_TRUE(map.Insert("a", value));
+    EXPECT_TRUE(map.Insert("b", value));
     EXPECT_FALSE(map.Remove("c"));
     EXPECT_TRUE(map.Remove("a"));
     EXPECT_FALSE(map.Remove("a"));

@@ -1,0 +1,13 @@
+// A shortage of memory for what grows in place.
+#pragma once
+
+/// While it lives, one reallocation of this program fails: the `which`th, counted from 1. One at a time.
+class FailingGrowth {
+  public:
+    explicit FailingGrowth(int which);
+    FailingGrowth(const FailingGrowth&) = delete;
+    FailingGrowth& operator=(const FailingGrowth&) = delete;
+    ~FailingGrowth();
+
+    bool HasFailed() const;
+};
