@@ -2,6 +2,7 @@
 #include "automation/ComError.h"
 
 #include <cwchar>
+#include <new>
 
 namespace kemba {
 namespace {
@@ -41,7 +42,7 @@ const wchar_t* ComError::GetMessageText() const {
             m_message = NumberText(m_status);
         }
     }
-    return m_message ? m_message.get() : L"";
+    return m_message.get();
 }
 
 /// The system's text, or null.
@@ -54,13 +55,16 @@ ComError::Message ComError::SystemText(HRESULT status) {
     return Message(text);
 }
 
-/// A text with the status's number, or null.
+/// A text with the status's number.
 ComError::Message ComError::NumberText(HRESULT status) {
     Message text(static_cast<wchar_t*>(LocalAlloc(LPTR, kMessageCharacters * sizeof(wchar_t))));
+    if (!text) {
+        throw std::bad_alloc();
+    }
     const auto number = static_cast<unsigned long>(status);
-    if (text && number > kFirstInterfaceStatus && number <= kLastInterfaceStatus) {
+    if (number > kFirstInterfaceStatus && number <= kLastInterfaceStatus) {
         wsprintfW(text.get(), L"IDispatch error #%d", number - kFirstInterfaceStatus);
-    } else if (text) {
+    } else {
         wsprintfW(text.get(), L"Unknown error 0x%0lX", number);
     }
     return text;

@@ -24,7 +24,7 @@ class ComError {
     /// The error information, still owned by this error; may be null.
     IErrorInfo* GetInformation() const { return m_information.Get(); }
     /// The system's text for the status without its line end, or a text with the status's number; owned by
-    /// this error.
+    /// this error. Throws std::bad_alloc when there is no memory for either.
     const wchar_t* GetMessageText() const;
 
   private:

@@ -11,8 +11,9 @@ namespace kemba {
 
 Command_Base::Command_Base(const ApplicationSettings& settings, ConsoleOutput& console,
                            const Arguments& arguments)
-    : m_settings(&settings), m_runtimeStatus(CoInitialize(nullptr)), m_arguments(arguments),
-      m_console(&console) {}
+    : m_settings(&settings), m_arguments(arguments), m_console(&console) {
+    m_runtimeStatus = CoInitialize(nullptr); // after what may fail: the destructor makes it undone
+}
 
 Command_Base::~Command_Base() {
     CoUninitialize();

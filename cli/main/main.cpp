@@ -1,5 +1,6 @@
 // kemba.exe.
 #include "cli/main/EntryPoint.h"
+#include "core/ProgramEnd.h"
 #include "core/SystemLibraries.h"
 
 extern "C" {
@@ -7,6 +8,7 @@ int _dowildcard = 0; // words with "?" and "*" are handed on as typed
 }
 
 int wmain(int argumentCount, wchar_t* arguments[]) {
+    OCore::BeginProgram();
     OCore::TakeLibrariesFromTheSystemOnly();
     return kemba::RunKemba(argumentCount, arguments);
 }

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/ProgramEnd.h"
 #include "core/SystemLibraries.h"
 #include "substitute/base/Failure.h"
 #include "substitute/server/CommandLine.h"
@@ -11,6 +12,7 @@
 
 int wmain(int count, wchar_t** words) {
     using namespace kemba::substitute;
+    OCore::BeginProgram();
     OCore::TakeLibrariesFromTheSystemOnly();
     try {
         const std::vector<std::wstring_view> given(words + (count > 0 ? 1 : 0), words + count);
