@@ -63,7 +63,7 @@ ComError::Message ComError::NumberText(HRESULT status) {
     }
     const auto number = static_cast<unsigned long>(status);
     if (number > kFirstInterfaceStatus && number <= kLastInterfaceStatus) {
-        wsprintfW(text.get(), L"IDispatch error #%d", number - kFirstInterfaceStatus);
+        wsprintfW(text.get(), L"IDispatch error #%d", static_cast<int>(number - kFirstInterfaceStatus));
     } else {
         wsprintfW(text.get(), L"Unknown error 0x%0lX", number);
     }

@@ -86,7 +86,7 @@ OString DefaultPrinterFromProfile() {
         return {};
     }
     const std::wstring_view text = device;
-    return std::wstring(text.substr(0, text.find(L','))).c_str();
+    return OString(std::wstring(text.substr(0, text.find(L','))).c_str());
 }
 
 OString DefaultPrinterFromEnumeration() {

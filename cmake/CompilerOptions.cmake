@@ -10,6 +10,7 @@ target_compile_definitions(kemba_options INTERFACE
     _WIN32_WINNT=0x0600 UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN STRICT)
 target_compile_options(kemba_options INTERFACE
     -Wall -Wextra -Werror -Wpedantic -Wshadow -Wconversion
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion> # for C++, GCC's -Wconversion goes without
     # Paths of the building machine, and what nobody calls, stay out of what ships.
     $<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffunction-sections -fdata-sections
         -fstack-protector-strong>

@@ -4,9 +4,8 @@
 # kemba_system_library(TARGET LIBRARY FILE): TARGET offers the calls of the import library lib<LIBRARY>.a, out of the
 # system's FILE.
 function(kemba_system_library target library file)
-    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=lib${library}.a
-        OUTPUT_VARIABLE import_library OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-    execute_process(COMMAND ${CMAKE_NM} --defined-only ${import_library}
+    find_library(KEMBA_IMPORTS_OF_${library} ${library} REQUIRED)
+    execute_process(COMMAND ${CMAKE_NM} --defined-only ${KEMBA_IMPORTS_OF_${library}}
         OUTPUT_VARIABLE symbols ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
     string(REGEX MATCHALL " T [A-Za-z0-9_]+" calls "${symbols}")
     list(TRANSFORM calls REPLACE "^ T " "")

@@ -24,7 +24,7 @@ namespace {
 
 /// The first of all constructors; it has no guard itself, for it changes the one that it would be compared
 /// with.
-[[gnu::constructor(101), gnu::optimize("no-stack-protector")]] void ChooseGuard() {
+[[gnu::constructor(101)]] __attribute__((no_stack_protector)) void ChooseGuard() {
     if (!RtlGenRandom(&__stack_chk_guard, sizeof(__stack_chk_guard))) {
         LARGE_INTEGER ticks;
         QueryPerformanceCounter(&ticks);

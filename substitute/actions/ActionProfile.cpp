@@ -24,7 +24,7 @@ std::optional<std::string> ReadProfile(const std::wstring& path) {
     try {
         return InputFile(L"action profile", path).ReadAll<std::string>(ActionProfiles::kLargestFile);
     } catch (const Failure& failure) {
-        for (const DWORD missing : {ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, ERROR_BAD_FILE_TYPE}) {
+        for (const long missing : {ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, ERROR_BAD_FILE_TYPE}) {
             if (failure.status == HRESULT_FROM_WIN32(missing)) {
                 return std::nullopt;
             }

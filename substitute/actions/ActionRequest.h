@@ -8,9 +8,9 @@
 namespace kemba::substitute {
 
 /// What a client may ask for after an action.
-struct ActionOutcome {
-    bool supported = false; ///< it can be done; after an execution: it has been done
-    bool displays = false;  ///< it shows a dialog
+struct alignas(2) ActionOutcome { // aligned as one value, which threads read and write whole
+    bool supported = false;       ///< it can be done; after an execution: it has been done
+    bool displays = false;        ///< it shows a dialog
 };
 
 /// The request's side that the contract does not show: the flag is written by the client and the answers are

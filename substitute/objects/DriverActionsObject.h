@@ -56,6 +56,7 @@ class DriverActionsObject final : public AutomationObject<IDriverActions>, publi
 
     std::atomic<bool> m_execute{false};
     std::atomic<ActionOutcome> m_outcome{ActionOutcome()};
+    static_assert(decltype(m_outcome)::is_always_lock_free);
 };
 
 } // namespace kemba::substitute

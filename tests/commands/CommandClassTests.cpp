@@ -72,7 +72,7 @@ class CommandClass : public testing::TestWithParam<Row> {
   protected:
     const bool m_quiet = false;
     ConsoleOutput m_console{m_quiet};
-    const ApplicationSettings m_settings;
+    const ApplicationSettings m_settings{};
     const std::unique_ptr<Command_Base> m_command = GetParam().make(m_settings, m_console, {});
 };
 

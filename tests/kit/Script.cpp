@@ -2,7 +2,6 @@
 #include "tests/kit/Script.h"
 
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 namespace kit {
@@ -42,10 +41,9 @@ Rule& Script::Add(std::string target, Answer answer) {
 }
 
 const Answer* Script::Find(std::string_view target, const Occasion& occasion) const {
-    const auto newestFirst = m_rules | std::views::reverse;
-    const auto found =
-        std::ranges::find_if(newestFirst, [&](const Rule& rule) { return rule.Matches(target, occasion); });
-    return found == newestFirst.end() ? nullptr : &found->GetAnswer();
+    const auto newest = std::find_if(m_rules.rbegin(), m_rules.rend(),
+                                     [&](const Rule& rule) { return rule.Matches(target, occasion); });
+    return newest == m_rules.rend() ? nullptr : &newest->GetAnswer();
 }
 
 } // namespace kit

@@ -21,8 +21,8 @@ TEST(CodePage65001, IsInForce) {
 }
 
 TEST(CodePage65001, ALineThatIsCutInsideACharacterEndsThere) {
-    // What ends in the first of a character's three bytes may swallow the terminator; the longer line before is not to
-    // show.
+    // What ends in the first of a character's three bytes may swallow the terminator; the longer line before
+    // is not to show.
     const std::wstring body = Lookup()("#a\r\none longer line\r\nx\xE2", "a");
     EXPECT_EQ(body.substr(0, 18), L"one longer line\r\nx");
     EXPECT_EQ(body.find(L"longer", 18), body.npos);

@@ -168,7 +168,7 @@ DWORD FakeSpooler::Open(const std::wstring& name, DWORD access, HANDLE& handle) 
         if (access & ~rights) {
             return ERROR_ACCESS_DENIED;
         }
-        handle = &m_opened.emplace_back(found == printers.end() ? nullptr : &found->second, access);
+        handle = &m_opened.emplace_back(Opened{found == printers.end() ? nullptr : &found->second, access});
         accesses.push_back(access);
         ++open;
         ++opened;
@@ -268,7 +268,7 @@ DWORD FakeSpooler::Add(PRINTER_INFO_2W& record, HANDLE& handle) {
         made.driver = TextOrEmpty(record.pDriverName);
         made.attributes = record.Attributes;
         made.settings.globalMode = defaultMode;
-        handle = &m_opened.emplace_back(&made, kCreator);
+        handle = &m_opened.emplace_back(Opened{&made, kCreator});
         ++open;
         return ERROR_SUCCESS;
     });

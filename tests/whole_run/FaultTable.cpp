@@ -55,7 +55,7 @@ std::vector<Fault> FaultsOfRunning(const Step& step) {
         faults.push_back(
             {.title = status == raised ? "the object does not run" : "running the object misses an interface",
              .status = raised,
-             .arm = [step, status](FakeServer& server) {
+             .arm = [step, status = status](FakeServer& server) {
                  server.FailRun(ClassOf(step), status).ForObject(step.object);
              }});
     }

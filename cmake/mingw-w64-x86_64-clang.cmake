@@ -1,0 +1,22 @@
+# The same target compiled with clang, against the headers and libraries of the mingw-w64 GCC.
+include(${CMAKE_CURRENT_LIST_DIR}/mingw-w64-x86_64.cmake)
+set(gcc ${CMAKE_CXX_COMPILER})
+set(CMAKE_C_COMPILER clang)
+set(CMAKE_CXX_COMPILER clang++)
+set(CMAKE_C_COMPILER_TARGET x86_64-w64-mingw32)
+set(CMAKE_CXX_COMPILER_TARGET x86_64-w64-mingw32)
+foreach(tool AR DLLTOOL NM OBJDUMP RANLIB)
+    string(TOLOWER ${tool} name)
+    set(CMAKE_${tool} x86_64-w64-mingw32-${name})
+endforeach()
+
+# Clang does not find these by itself.
+execute_process(COMMAND ${gcc} -print-libgcc-file-name
+    OUTPUT_VARIABLE libgcc OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+cmake_path(GET libgcc PARENT_PATH gcc_folder)
+set(headers ${gcc_folder}/include/c++)
+set(CMAKE_CXX_FLAGS_INIT
+    "-femulated-tls -isystem ${headers} -isystem ${headers}/x86_64-w64-mingw32 -isystem ${headers}/backward")
+foreach(kind EXE MODULE SHARED)
+    set(CMAKE_${kind}_LINKER_FLAGS_INIT "-static -pthread -L${gcc_folder}")
+endforeach()
