@@ -50,7 +50,7 @@ int main() {
         ProvidePrinters();
         return 0;
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "demo-printers: %s\n", error.what());
+        static_cast<void>(std::fprintf(stderr, "demo-printers: %s\n", error.what()));
         return 1;
     }
 }

@@ -14,8 +14,8 @@ std::uint32_t ConsoleOutput::WriteRaw(const void* bytes, std::uint32_t count) {
     if (!*m_quiet) {
         // The texts carry their own CR LF, to which a stream in text mode would add another CR.
         _setmode(_fileno(stdout), _O_BINARY);
-        std::fwrite(bytes, 1, count, stdout);
-        std::fflush(stdout);
+        static_cast<void>(std::fwrite(bytes, 1, count, stdout));
+        static_cast<void>(std::fflush(stdout));
     }
     return count;
 }
