@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 
 #include "tests/fuzz/Crash.h"
 
@@ -74,7 +75,11 @@ std::int64_t RunCase(void (*body)(Case&), const Running& running) {
     const std::int64_t before = GuardedHeap::LiveBlocks();
     {
         const GuardedHeap guarded;
-        body(input);
+        try {
+            body(input);
+        } catch (const std::exception& exception) {
+            ADD_FAILURE() << "exception: " << exception.what();
+        }
     }
     return GuardedHeap::LiveBlocks() - before;
 }
@@ -126,7 +131,7 @@ std::wstring Case::WideText(std::size_t most) {
         constexpr wchar_t kBegins[] = {0x20, 0x80, 0x100, 0x3040, 0x4E00, 0xD800, 0xDB80, 0xDC00, 0xFF00};
         if (ascii == 0 || OnceIn(4)) {
             unit = OnceIn(4) ? static_cast<wchar_t>(1 + Below(0xFFFF))
-                             : static_cast<wchar_t>(OneOf(kBegins) + Below(0x80));
+                             : static_cast<wchar_t>(OneOf(kBegins) + Below(0x80) * Below(2));
         } else {
             unit = static_cast<wchar_t>(L' ' + Below(95));
         }
