@@ -49,6 +49,7 @@ std::wstring WithoutEnd(std::wstring text, const std::wstring& trimmed) {
 
 /// The section's body by the rules; a zero byte ends a line's text.
 std::wstring SectionOf(const std::string& catalogue, const std::wstring& key) {
+    const fuzz::OrdinaryHeap ordinary;
     std::vector<std::wstring> lines;
     for (const std::string& piece : PiecesOf(catalogue)) {
         lines.push_back(fuzz::WideOf(piece.substr(0, piece.find('\0')), fuzz::kAnsi));
@@ -75,6 +76,7 @@ std::string DrawKey(Case& input) {
 }
 
 std::string DrawLine(Case& input) {
+    const fuzz::OrdinaryHeap ordinary;
     constexpr const char* kEnds[] = {"\r\n", "\r\n", "\n", "\r", "", "\r\r\n", " \r\n", "\t\r\n"};
     std::string line;
     switch (input.Below(8)) {
