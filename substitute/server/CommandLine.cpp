@@ -1,6 +1,7 @@
 // Reading the server program's words.
 #include "substitute/server/CommandLine.h"
 
+#include <cwchar>
 #include <string>
 
 #include "core/OString.h"
@@ -9,7 +10,7 @@ namespace kemba::substitute {
 namespace {
 
 bool IsSwitch(std::wstring_view word, const wchar_t* name) {
-    return !word.empty() && (word[0] == L'/' || word[0] == L'-') &&
+    return (word.starts_with(L'/') || word.starts_with(L'-')) && word.size() == 1 + std::wcslen(name) &&
            OCore::EqualsIgnoreCase(std::wstring(word.substr(1)).c_str(), name);
 }
 

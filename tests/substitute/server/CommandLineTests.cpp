@@ -39,6 +39,7 @@ TEST(CommandLine, WordsAreUnderstoodAsAWholeOrNotAtAll) {
         {{L"/unregserver", L"/replace"}, Verb::Usage},
         {{L"/unregserver", L"/user", L"/replace"}, Verb::Usage},
         {{L"-Embedding", L"/user"}, Verb::Usage},
+        {{std::wstring_view(L"-regserver\0", 11)}, Verb::Usage},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.words.empty() ? std::wstring(L"no word") : std::wstring(row.words.front()));
