@@ -74,7 +74,7 @@ std::int64_t RunCase(void (*body)(Case&), const Running& running) {
     Case input(running.seed, running.number, running.says);
     const std::int64_t before = GuardedHeap::LiveBlocks();
     {
-        const GuardedHeap guarded;
+        const GuardedHeap guarded(running.number % 2 == 0);
         try {
             body(input);
         } catch (const std::exception& exception) {

@@ -39,13 +39,14 @@ constexpr std::int64_t kMostLive = 20'000;
 enum class State : std::uint8_t { Fresh, Live, Freed };
 
 struct Place {
-    std::uint32_t size = 0; // bytes of the block
-    std::uint32_t next = 0; // of the freed places, in the order in which they were freed
-    bool atEnd = false;
+    std::uint32_t size = 0;   // bytes of the block
+    std::uint32_t next = 0;   // of the freed places, in the order in which they were freed
+    std::uint32_t offset = 0; // of the block in the data
     State state = State::Fresh;
 };
 
 std::atomic<bool> g_guarding{false};
+std::atomic<std::size_t> g_alignment{1}; // of blocks at the end
 std::atomic<std::int64_t> g_live{0};
 std::atomic<std::uint64_t> g_unguarded{0};
 
@@ -74,6 +75,9 @@ class Places {
         }
     }
 
+    /// Where the next block lies, so that a run can be repeated.
+    void BeginAt(bool end) { m_atEnd = end; }
+
     bool Holds(const void* address) const {
         const auto* const byte = static_cast<const BYTE*>(address);
         return byte >= m_base && byte < m_base + m_stride * m_count + kPage;
@@ -96,8 +100,8 @@ class Places {
             return nullptr;
         }
         Place& place = m_places[index];
-        place.atEnd = m_atEnd;
         place.size = static_cast<std::uint32_t>(size);
+        place.offset = m_atEnd ? static_cast<std::uint32_t>((m_bytes - size) / g_alignment * g_alignment) : 0;
         place.state = State::Live;
         m_atEnd = !m_atEnd;
         BYTE* const block = Block(index);
@@ -149,10 +153,7 @@ class Places {
   private:
     BYTE* Data(std::uint32_t index) const { return m_base + index * m_stride + kPage; }
 
-    /// A block at the end is aligned as its size is, which is what elements of that size can want.
-    BYTE* Block(std::uint32_t index) const {
-        return m_places[index].atEnd ? Data(index) + m_bytes - m_places[index].size : Data(index);
-    }
+    BYTE* Block(std::uint32_t index) const { return Data(index) + m_places[index].offset; }
 
     std::uint32_t IndexOf(const void* block) const {
         const auto offset = static_cast<std::size_t>(static_cast<const BYTE*>(block) - m_base);
@@ -172,9 +173,10 @@ class Places {
     template<class Look>
     void ForBeside(std::uint32_t index, Look look) {
         const Place& place = m_places[index];
-        const std::size_t room = std::min(kLookedAt, m_bytes - place.size);
-        BYTE* const from = place.atEnd ? Block(index) - room : Block(index) + place.size;
-        std::for_each(from, from + room, look);
+        BYTE* const block = Block(index);
+        const std::size_t behind = m_bytes - place.offset - place.size;
+        std::for_each(block - std::min<std::size_t>(kLookedAt, place.offset), block, look);
+        std::for_each(block + place.size, block + place.size + std::min(kLookedAt, behind), look);
     }
 
     void Protect(std::uint32_t index, DWORD protection) const {
@@ -218,7 +220,7 @@ class Places {
     std::uint32_t m_freed = 0;
     std::uint32_t m_oldest = 0;
     std::uint32_t m_latest = 0;
-    bool m_atEnd = true;
+    bool m_atEnd = false; // the next block
 };
 
 /// Places by the power of two of their data pages: 4 KiB to 32 MiB.
@@ -239,6 +241,12 @@ class Heap {
             }
         }
         return nullptr;
+    }
+
+    void BeginAt(bool end) {
+        for (Places& places : m_sizes) {
+            places.BeginAt(end);
+        }
     }
 
     void* Take(std::size_t size) {
@@ -288,10 +296,11 @@ Places* PlacesOf(const void* block) {
 
 } // namespace
 
-GuardedHeap::GuardedHeap() {
+GuardedHeap::GuardedHeap(bool beginAtEnd) {
     if (!g_heap) {
         g_heap = new (g_storage) Heap;
     }
+    g_heap.load()->BeginAt(beginAtEnd);
     g_guarding = true;
 }
 
@@ -316,6 +325,14 @@ void GuardedHeap::Describe(const void* address, char* text, std::size_t room) {
     if (const Places* const places = PlacesOf(address)) {
         places->Describe(static_cast<const BYTE*>(address), text, room);
     }
+}
+
+AlignedBlocks::AlignedBlocks() {
+    g_alignment = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
+}
+
+AlignedBlocks::~AlignedBlocks() {
+    g_alignment = 1;
 }
 
 OrdinaryHeap::OrdinaryHeap() : m_before(g_guarding.exchange(false)) {}

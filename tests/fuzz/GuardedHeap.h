@@ -14,7 +14,8 @@ namespace fuzz {
 /// Blocks asked for while one of these lives, by any thread, are guarded; they may be freed later.
 class GuardedHeap {
   public:
-    GuardedHeap();
+    /// `beginAtEnd` tells on which side the first block lies.
+    explicit GuardedHeap(bool beginAtEnd = true);
     GuardedHeap(const GuardedHeap&) = delete;
     GuardedHeap& operator=(const GuardedHeap&) = delete;
     ~GuardedHeap();
@@ -29,6 +30,17 @@ class GuardedHeap {
     /// Says in words what stands at an address, "3 bytes past the end of a block of 20 bytes"; an empty text
     /// for an address that has nothing to do with the heap. Allocates nothing.
     static void Describe(const void* address, char* text, std::size_t room);
+};
+
+/// Lets blocks lie as the ordinary heap's do for a while, on multiples of 16, for code that puts records of
+/// any kind into bytes. Otherwise a block's end is the page's to the byte, and its address a multiple of no
+/// more than its size.
+class AlignedBlocks {
+  public:
+    AlignedBlocks();
+    AlignedBlocks(const AlignedBlocks&) = delete;
+    AlignedBlocks& operator=(const AlignedBlocks&) = delete;
+    ~AlignedBlocks();
 };
 
 /// Lets blocks come from the ordinary heap for a while; for models and the making of input, which are not

@@ -90,6 +90,13 @@ TEST_F(GuardedHeapDeathTest, AByteWrittenOnTheOtherSideIsNoticedWhenTheBlockIsFr
                     std::free(block);
                 }),
                 testing::ExitedWithCode(3), "something was written beside a block");
+    EXPECT_EXIT(Do([] {
+                    const fuzz::AlignedBlocks aligned;
+                    char* const block = Hidden(static_cast<char*>(std::malloc(20)));
+                    block[20] = 1;
+                    std::free(block);
+                }),
+                testing::ExitedWithCode(3), "something was written beside a block");
 }
 
 TEST_F(GuardedHeapDeathTest, ABlockFreedTwice) {
@@ -174,6 +181,22 @@ TEST(GuardedHeapTest, BlocksOfTheOrdinaryHeapMayBeFreedWhileGuardingAndTheOtherW
     block = std::realloc(block, 40);
     EXPECT_FALSE(GuardedHeap::Holds(block));
     std::free(block);
+}
+
+TEST(GuardedHeapTest, BlocksLieWhereTheyAreToLie) {
+    const auto addressOf = [](std::size_t size) {
+        return reinterpret_cast<std::uintptr_t>(std::unique_ptr<char[]>(new char[size]).get());
+    };
+    for (const bool atEnd : {true, false, true}) {
+        const GuardedHeap guarded(atEnd);
+        for (const bool isAtEnd : {atEnd, !atEnd}) {
+            EXPECT_EQ((addressOf(27) + (isAtEnd ? 27 : 0)) % 4096, 0U);
+        }
+        const fuzz::AlignedBlocks aligned;
+        for (const bool isAtEnd : {atEnd, !atEnd}) {
+            EXPECT_EQ((addressOf(27) + (isAtEnd ? 32 : 0)) % 4096, 0U);
+        }
+    }
 }
 
 TEST(GuardedHeapTest, AFreedPlaceIsNotTheNextOneGivenOut) {
