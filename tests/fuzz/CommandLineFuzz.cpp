@@ -261,7 +261,8 @@ FUZZ_TARGET(CommandLines, 300) {
     EXPECT_TRUE(std::equal(array.begin(), array.end(), expected.left.begin(), expected.left.end(), same));
 
     if (input.Number() % 16 != 0 && input.Number() > 1000) {
-        return; // a command initialises the component runtime, and each message is looked up in the whole catalogue
+        return; // a command initialises the component runtime, and each message is looked up in the whole
+                // catalogue
     }
     Screen screen(settings.quiet);
     const bool result = kemba::Dispatch(kTable, settings, screen, array);

@@ -1,0 +1,111 @@
+// Whole runs through the entry point, on a scripted server that fails at random, and on two printers.
+#include <windows.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "demo/WinePrinters.h"
+#include "tests/fuzz/CommandLineModel.h"
+#include "tests/fuzz/Fuzz.h"
+#include "tests/fuzz/TextModel.h"
+#include "tests/kit/FakeServer.h"
+#include "tests/whole_run/WholeRunTest.h"
+
+namespace {
+
+using fuzz::Case;
+using fuzz::ParsedModel;
+using fuzz::Words;
+
+const Words& TheWords() {
+    static const Words words = [] {
+        const fuzz::OrdinaryHeap ordinary;
+        return Words{L"settings", L"help",      L"action",   L"send",      L"version", L"queue",   L"get",
+                     L"set",      L"import",    L"export",   L"reset",     L"status",  L"comment", L"pause",
+                     L"purge",    L"resume",    L"driver",   L"os",        L"test",    L"feed",    L"-n",
+                     L"file.prn", L"interface", L"location", L"sharename", L"commands"};
+    }();
+    return words;
+}
+
+/// Lets some of the server's operations fail.
+void Script(Case& input, kit::FakeServer& server) {
+    constexpr HRESULT kStatuses[] = {E_FAIL, E_ACCESSDENIED, E_NOTIMPL, E_POINTER,
+                                     HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)};
+    for (std::size_t left = input.Below(4); left > 0; --left) {
+        const kit::Operation& operation = input.OneOf(kit::AllOperations());
+        const HRESULT status = input.OneOf(kStatuses);
+        const bool withWords = input.OnceIn(2);
+        const std::wstring words = input.WideText(60);
+        input.Say([&] { return std::string(operation.name) + " answers " + std::to_string(status); });
+        kit::Rule& rule = server.Fail(operation.name, status);
+        if (withWords) {
+            rule.WithInformation(L"Driver", words);
+        }
+    }
+}
+
+/// What must hold whatever the words are.
+void Look(const whole_run::RunResult& run, const ParsedModel& parsed) {
+    EXPECT_GE(run.status, 0);
+    EXPECT_LE(run.status, 2);
+    EXPECT_EQ(run.status == 1, !parsed.goesOn);
+    if (!parsed.goesOn || parsed.quiet) {
+        EXPECT_EQ(run.output, "");
+        return;
+    }
+    EXPECT_EQ(run.output.substr(std::max<std::size_t>(run.output.size(), 2) - 2), "\r\n");
+    const std::wstring word = parsed.left.empty() ? std::wstring() : parsed.left.front();
+    constexpr const wchar_t* kCommands[] = {L"settings", L"help",  L"?",   L"action", L"send",
+                                            L"version",  L"queue", L"get", L"set"};
+    const bool known = std::any_of(std::begin(kCommands), std::end(kCommands),
+                                   [&](const wchar_t* command) { return fuzz::IsSameWord(word, command); });
+    if (!known) {
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.output,
+                  parsed.left.empty()
+                      ? std::string("Error: No command specified.\r\n")
+                      : fuzz::NarrowOf(L"The command '" + word + L"' is unknown.\r\n", fuzz::kAnsi));
+    } else if (fuzz::IsSameWord(word, L"help") || word == L"?") {
+        EXPECT_EQ(run.status, 0);
+    }
+}
+
+const std::wstring* g_printers; // the names of two
+
+void WholeRunsCase(Case& input) {
+    if (input.Number() % 64 != 0 && input.Number() > 1000) {
+        return; // a run of this kind takes some milliseconds, and other tests wait for the spooler
+    }
+    const fuzz::AlignedBlocks aligned;
+    Words words;
+    if (input.OnceIn(2)) {
+        words = {L"/p", g_printers[input.Below(2)]};
+    }
+    for (const std::wstring& word : fuzz::DrawWords(input, TheWords())) {
+        words.push_back(word);
+    }
+    if (words.empty()) {
+        return;
+    }
+    input.Say([&] { return "RunAfresh(" + fuzz::Literal(words) + ");"; });
+    whole_run::RunResult run;
+    {
+        kit::FakeServer server;
+        Script(input, server);
+        run = whole_run::RunAfresh(words);
+        EXPECT_EQ(server.Faults(), kit::Lines{});
+    }
+    Look(run, fuzz::ParsedByModel(words));
+}
+
+TEST(Fuzz, WholeRuns) {
+    const demo::Printer first;
+    const demo::Printer second;
+    const std::wstring names[] = {first.Name(), second.Name()};
+    g_printers = names;
+    fuzz::Run("WholeRuns", WholeRunsCase, 40);
+}
+
+} // namespace
