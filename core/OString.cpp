@@ -92,6 +92,12 @@ std::ptrdiff_t Index(std::size_t position) {
     return position == std::string_view::npos ? OString::kNotFound : static_cast<std::ptrdiff_t>(position);
 }
 
+/// Zero for none: a converted form that begins with zero is empty though its text is not.
+template<class Unit>
+Unit LastOf(std::basic_string_view<Unit> units) {
+    return units.empty() ? Unit{} : units.back();
+}
+
 template<class Unit>
 std::basic_string<Unit> Joined(std::basic_string_view<Unit> first, std::basic_string_view<Unit> second,
                                std::basic_string_view<Unit> third = {}) {
@@ -298,10 +304,7 @@ OString OString::Middle(std::size_t position, std::size_t count) const {
 }
 
 wchar_t OString::LastCharacter() const {
-    if (IsEmpty()) {
-        return 0;
-    }
-    return WorksOnWide() ? Units<wchar_t>().back() : static_cast<unsigned char>(Units<char>().back());
+    return WorksOnWide() ? LastOf(Units<wchar_t>()) : static_cast<unsigned char>(LastOf(Units<char>()));
 }
 
 std::ptrdiff_t OString::Find(wchar_t character, std::size_t from) const {
