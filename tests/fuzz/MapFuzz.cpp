@@ -1,10 +1,13 @@
 // The hash maps against the standard multimap by hash, in which a newer entry stands before an older one.
+#include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <iterator>
 #include <map>
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "core/OHashMap.h"
 #include "tests/fuzz/Fuzz.h"
@@ -13,6 +16,7 @@
 namespace {
 
 using fuzz::Case;
+using fuzz::TextModel;
 
 /// Few hashes for many keys, the lowest and the highest among them.
 constexpr std::uint32_t kHashes[] = {0, 1, 0x7FFFFFFF, 0x80000000, 0xC0000000, 0xFFFFFFFE, 0xFFFFFFFF};
@@ -74,16 +78,16 @@ class Model {
     Entries_ m_entries;
 };
 
-/// Compares order and keys; `asModel` makes a key of the model of one of the map.
-template<class Map, class Key, class AsModel>
-void Compare(const Map& map, const Model<Key>& model, AsModel asModel) {
-    ASSERT_EQ(map.GetSize(), static_cast<std::int32_t>(model.Entries().size()));
-    auto entry = model.Entries().begin();
-    for (const auto& key : map.GetKeys()) {
-        EXPECT_EQ(asModel(key), entry->second.first);
-        ++entry;
-    }
-    EXPECT_EQ(entry, model.Entries().end());
+/// Compares order and keys; `same` tells whether a key of the map is one of the model.
+template<class Map, class Key, class Same>
+void Compare(const Map& map, const Model<Key>& model, Same same) {
+    const fuzz::OrdinaryHeap ordinary;
+    const auto keys = [](const auto& entry) { return entry.second.first; };
+    std::vector<Key> expected;
+    std::transform(model.Entries().begin(), model.Entries().end(), std::back_inserter(expected), keys);
+    EXPECT_EQ(map.GetSize(), static_cast<std::int32_t>(expected.size()));
+    EXPECT_TRUE(
+        std::equal(map.GetKeys().begin(), map.GetKeys().end(), expected.begin(), expected.end(), same));
 }
 
 FUZZ_TARGET(HashMaps, 2500) {
@@ -99,7 +103,7 @@ FUZZ_TARGET(HashMaps, 2500) {
         case 1: {
             const int value = static_cast<int>(input.Below(1000));
             input.Say([&] { return "map.Insert(" + name + ", " + std::to_string(value) + ");"; });
-            static_cast<void>(map.Insert(key, value));
+            EXPECT_TRUE(map.Insert(key, value));
             model.Insert(hash, key, value);
             break;
         }
@@ -113,44 +117,63 @@ FUZZ_TARGET(HashMaps, 2500) {
             EXPECT_EQ(map.Find(key, -7), model.Find(hash, key, -7));
             break;
         }
-        Compare(map, model, [](int number) { return number; });
+        Compare(map, model, std::equal_to<int>());
     }
+}
+
+/// A text as a key: equal keys have equal hashes, that is equal 8-bit forms, and compare as equal.
+struct TextKey {
+    OString text;
+    TextModel model;
+
+    bool operator==(const TextKey& other) const { return model.Compare(other.model) == 0; }
+};
+
+/// A new key, in either form.
+TextKey DrawKey(Case& input) {
+    const std::wstring units = input.OnceIn(3) ? input.WideText(50) : input.Name(3);
+    if (input.OnceIn(2)) {
+        input.Say([&] { return "OString key = " + fuzz::Literal(units) + ";"; });
+        return {OString(units.c_str()), TextModel::Wide(units)};
+    }
+    const std::string bytes = fuzz::NarrowOf(units, fuzz::kAnsi);
+    input.Say([&] { return "OString key = " + fuzz::Literal(bytes) + ";"; });
+    return {OString(bytes.c_str()), TextModel::Narrow(bytes, fuzz::kAnsi)};
 }
 
 FUZZ_TARGET(TextMaps, 1200) {
     OStringMap<int> map;
-    Model<std::string> model;
-    std::vector<OString> keys;
+    Model<TextKey> model;
+    std::vector<TextKey> keys;
     input.Say([] { return "OStringMap<int> map;"; });
     for (std::size_t left = 1 + input.Below(24); left > 0 && !testing::Test::HasFailure(); --left) {
-        if (keys.empty() || input.OnceIn(3)) { // a new key, in either form
-            const std::wstring units = input.OnceIn(3) ? input.WideText(50) : input.Name(3);
-            keys.push_back(input.OnceIn(2) ? OString(units.c_str())
-                                           : OString(fuzz::NarrowOf(units, fuzz::kAnsi).c_str()));
+        if (keys.empty() || input.OnceIn(3)) {
+            keys.push_back(DrawKey(input));
         }
-        const OString key = input.OneOf(keys);
-        const std::string bytes = key.Narrow();
-        const std::uint32_t hash = HashOfText(bytes);
+        const TextKey key = input.OneOf(keys);
+        const std::uint32_t hash = HashOfText(key.model.NarrowForm());
+        const std::string name = fuzz::Literal(key.model.NarrowForm());
         switch (input.Below(4)) {
         case 0:
         case 1: {
             const int value = static_cast<int>(input.Below(1000));
-            input.Say(
-                [&] { return "map.Insert(" + fuzz::Literal(bytes) + ", " + std::to_string(value) + ");"; });
-            static_cast<void>(map.Insert(key, value));
-            model.Insert(hash, bytes, value);
+            input.Say([&] { return "map.Insert(" + name + ", " + std::to_string(value) + ");"; });
+            EXPECT_TRUE(map.Insert(key.text, value));
+            model.Insert(hash, key, value);
             break;
         }
         case 2:
-            input.Say([&] { return "map.Remove(" + fuzz::Literal(bytes) + ");"; });
-            EXPECT_EQ(map.Remove(key), model.Remove(hash, bytes));
+            input.Say([&] { return "map.Remove(" + name + ");"; });
+            EXPECT_EQ(map.Remove(key.text), model.Remove(hash, key));
             break;
         default:
-            input.Say([&] { return "map.Find(" + fuzz::Literal(bytes) + ", -7);"; });
-            EXPECT_EQ(map.Find(key, -7), model.Find(hash, bytes, -7));
+            input.Say([&] { return "map.Find(" + name + ", -7);"; });
+            EXPECT_EQ(map.Find(key.text, -7), model.Find(hash, key, -7));
             break;
         }
-        Compare(map, model, [](const OString& text) { return std::string(text.Narrow()); });
+        Compare(map, model, [](const OString& text, const TextKey& other) {
+            return text.Narrow() == other.model.NarrowForm();
+        });
     }
 }
 

@@ -89,8 +89,14 @@ class Bench {
             m_models[to] = TextModel::Wide(units);
             m_last = units;
         } else {
-            const std::string bytes = m_input.Text(200);
-            const std::uint32_t codePage = m_input.OneOf(kCodePages);
+            std::string bytes = m_input.Text(200);
+            std::uint32_t codePage = m_input.OneOf(kCodePages);
+            if (m_input.OnceIn(
+                    12)) { // as many bytes as there is room for, of which the last one makes two units
+                bytes = std::string(31 + 32 * m_input.Below(3), 'x') + "\xF0";
+                bytes.erase(0, 1);
+                codePage = fuzz::kUtf8;
+            }
             Say("OString ", Name(to), "(", Literal(bytes), ", ", std::to_string(codePage), ")");
             m_texts[to] = OString(bytes.c_str(), codePage);
             m_models[to] = TextModel::Narrow(bytes, codePage);

@@ -183,10 +183,8 @@ TextModel TextModel::Middle(std::size_t position, std::size_t count) const {
 }
 
 wchar_t TextModel::LastCharacter() const {
-    if (IsEmpty()) {
-        return 0;
-    }
-    return WorksOnWide() ? WideForm().back() : static_cast<unsigned char>(NarrowForm().back());
+    const std::wstring units = WorksOnWide() ? WideForm() : WideOf(NarrowForm(), kByteForUnit);
+    return units.empty() ? L'\0' : units.back();
 }
 
 std::ptrdiff_t TextModel::Find(wchar_t character, std::size_t from) const {
