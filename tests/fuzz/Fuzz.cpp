@@ -62,6 +62,19 @@ void ReportCrash() {
     }
 }
 
+/// What this process has computed so far.
+double ProcessorSeconds() {
+    FILETIME made;
+    FILETIME ended;
+    FILETIME kernel;
+    FILETIME user;
+    GetProcessTimes(GetCurrentProcess(), &made, &ended, &kernel, &user);
+    const auto seconds = [](const FILETIME& time) {
+        return 1e-7 * static_cast<double>(std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime);
+    };
+    return seconds(kernel) + seconds(user);
+}
+
 std::uint64_t Mixed(std::uint64_t value) {
     value += 0x9E3779B97F4A7C15U;
     value = (value ^ value >> 30) * 0xBF58476D1CE4E5B9U;
@@ -79,6 +92,8 @@ std::int64_t RunCase(void (*body)(Case&), const Running& running) {
             body(input);
         } catch (const std::exception& exception) {
             ADD_FAILURE() << "exception: " << exception.what();
+        } catch (...) {
+            ADD_FAILURE() << "exception of no standard kind";
         }
     }
     return GuardedHeap::LiveBlocks() - before;
@@ -207,6 +222,7 @@ void Run(const char* target, void (*body)(Case&), std::uint64_t shortRun) {
     }
     const std::uint64_t cases = NumberFromEnvironment("KEMBA_FUZZ_CASES", shortRun);
     const auto begin = std::chrono::steady_clock::now();
+    const double computed = ProcessorSeconds();
     for (; running.number < cases; ++running.number) {
         RunChecked(body, running);
         if (testing::Test::HasFailure()) {
@@ -217,9 +233,9 @@ void Run(const char* target, void (*body)(Case&), std::uint64_t shortRun) {
         }
     }
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
-    std::printf("fuzz: %s, seed %llu: %llu cases in %.2f s\n", target,
+    std::printf("fuzz: %s, seed %llu: %llu cases in %.1f s, %.1f s of them computing\n", target,
                 static_cast<unsigned long long>(running.seed), static_cast<unsigned long long>(cases),
-                seconds.count());
+                seconds.count(), ProcessorSeconds() - computed);
     EXPECT_EQ(GuardedHeap::Unguarded(), 0U) << "blocks for which the guarded heap had no place";
 }
 

@@ -93,8 +93,7 @@ class Bench {
             std::uint32_t codePage = m_input.OneOf(kCodePages);
             if (m_input.OnceIn(
                     12)) { // as many bytes as there is room for, of which the last one makes two units
-                bytes = std::string(31 + 32 * m_input.Below(3), 'x') + "\xF0";
-                bytes.erase(0, 1);
+                bytes = std::string(30 + 32 * m_input.Below(3), 'x') + "\xF0";
                 codePage = fuzz::kUtf8;
             }
             Say("OString ", Name(to), "(", Literal(bytes), ", ", std::to_string(codePage), ")");

@@ -168,6 +168,9 @@ Settings DrawSettings(Case& input) {
                                                         : input.OnceIn(2) ? L"\\Tray"
                                                                           : L"\\A\\b");
         value.name = input.OnceIn(4) ? input.WideText(30) : input.Name(6);
+        if (input.OnceIn(60)) {
+            value.name.assign(1023 + input.Below(2), L'x'); // as long as a text may be
+        }
         value.type = static_cast<DWORD>(input.Below(12));
         const std::string data = input.Bytes(60);
         value.data.assign(data.begin(), data.end());
