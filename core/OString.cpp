@@ -109,6 +109,9 @@ std::basic_string<Unit> Joined(std::basic_string_view<Unit> first, std::basic_st
 template<class Unit>
 std::basic_string<Unit> Replaced(std::basic_string_view<Unit> text, std::basic_string_view<Unit> what,
                                  std::basic_string_view<Unit> with) {
+    if (what.empty()) { // in this form: it begins with zero
+        return std::basic_string<Unit>(text);
+    }
     std::basic_string<Unit> result;
     std::size_t done = 0;
     for (auto found = text.find(what); found != text.npos; found = text.find(what, done)) {

@@ -63,6 +63,8 @@ TEST(OString, ReplacesEveryOccurrence) {
     EXPECT_EQ(OString("abc").ReplaceAll("b", ""), OString("ac"));
     EXPECT_EQ(OString("abc").ReplaceAll("x", "y"), OString("abc"));
     EXPECT_EQ(OString("abc").ReplaceAll("", "y"), OString("abc"));
+    const OString zero("\xC0\x80", OCore::kCodePageUtf8); // its UTF-16 form begins with zero
+    EXPECT_EQ(OString("abc").ReplaceAll(zero, "y"), OString("abc"));
     EXPECT_EQ(OString(L"a\\b").ReplaceAll("\\", "/"), OString("a/b"));
     EXPECT_EQ(OString("a\\b").ReplaceAll("\\", L"\x20AC"), OString(L"a\x20AC"
                                                                    L"b"));
