@@ -205,7 +205,7 @@ std::string DrawText(Case& input) {
     return text;
 }
 
-FUZZ_TARGET(ActionProfiles, 3000) {
+FUZZ_TARGET(ActionProfiles, 8000) {
     const std::string text = DrawText(input);
     input.Say([&] { return "ParseActionProfile(" + fuzz::Literal(text) + "s, L\"p\");"; });
     Profile expected;
@@ -223,6 +223,63 @@ FUZZ_TARGET(ActionProfiles, 3000) {
         EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
         EXPECT_EQ(failure.reason.find(L"line " + std::to_wstring(refused) + L":"),
                   std::wstring(L"action profile \"p\", ").size());
+    }
+}
+
+/// A key of the test's own, removed in the end.
+class RealKey {
+  public:
+    RealKey() : m_path(L"Software\\kemba fuzz profiles " + std::to_wstring(GetCurrentProcessId())) {}
+    RealKey(const RealKey&) = delete;
+    RealKey& operator=(const RealKey&) = delete;
+    ~RealKey() { RegDeleteTreeW(HKEY_CURRENT_USER, Path()); }
+
+    const wchar_t* Path() const { return m_path.c_str(); }
+
+  private:
+    std::wstring m_path;
+};
+
+/// The folder that the value's text names: an absolute path without zeros but at its end. Anything else is
+/// refused.
+std::optional<std::wstring> ExpectedFolder(const std::wstring& text) {
+    const fuzz::OrdinaryHeap ordinary;
+    const std::wstring folder = text.substr(0, text.find_last_not_of(L'\0') + 1);
+    std::wstring plain = folder;
+    std::replace(plain.begin(), plain.end(), L'/', L'\\');
+    const bool absolute =
+        plain.rfind(L"\\\\", 0) == 0 || plain.substr(std::min<std::size_t>(plain.size(), 1), 2) == L":\\";
+    return absolute && folder.find(L'\0') == folder.npos ? std::optional(folder) : std::nullopt;
+}
+
+FUZZ_TARGET(ProfileFolders, 60) {
+    if (input.Number() % 16 != 0 && input.Number() > 1000) {
+        return; // the registry itself is slow
+    }
+    constexpr const wchar_t* kPieces[] = {L"C:", L"\\", L"\\\\", L"/", L"profiles", L"a b", L"\x00E9"};
+    std::wstring text = input.OnceIn(3) ? L"" : L"Q:\\";
+    for (std::size_t left = input.Below(5); left > 0; --left) {
+        text += input.OneOf(kPieces);
+    }
+    for (std::size_t left = input.OnceIn(6) ? 1 : 0; left > 0; --left) {
+        text.insert(input.Below(text.size() + 1), 1, L'\0');
+    }
+    text += std::wstring(input.Below(3), L'\0');
+    const DWORD type = input.OnceIn(6) ? static_cast<DWORD>(input.Below(12)) : REG_SZ;
+    const RealKey key;
+    input.Say([&] { return "the value's text: " + fuzz::Literal(text) + ", type " + std::to_string(type); });
+    EXPECT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, key.Path(), L"ActionProfiles", type, text.data(),
+                              static_cast<DWORD>(text.size() * sizeof(wchar_t))),
+              ERROR_SUCCESS);
+    const std::optional<std::wstring> expected = type == REG_SZ ? ExpectedFolder(text) : std::nullopt;
+    std::optional<std::wstring> found;
+    try {
+        found = kemba::substitute::ActionProfileFolder(HKEY_CURRENT_USER, key.Path());
+    } catch (const kemba::substitute::Failure& failure) {
+        EXPECT_LT(failure.status, 0);
+    }
+    if (type != REG_EXPAND_SZ) { // whose variables are the system's affair
+        EXPECT_EQ(found, expected);
     }
 }
 

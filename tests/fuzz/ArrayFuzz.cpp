@@ -155,7 +155,7 @@ void RunSteps(Case& input, const char* type) {
     }
 }
 
-FUZZ_TARGET(Arrays, 2500) {
+FUZZ_TARGET(Arrays, 5000) {
     switch (input.Below(3)) {
     case 0: RunSteps<std::uint32_t>(input, "std::uint32_t"); break;
     case 1: RunSteps<OString>(input, "OString"); break;

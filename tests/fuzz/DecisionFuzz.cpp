@@ -101,7 +101,7 @@ std::wstring DayOf(std::uint64_t days) {
     return text;
 }
 
-FUZZ_TARGET(DriverVersions, 4000) {
+FUZZ_TARGET(DriverVersions, 8000) {
     kemba::substitute::DriverDescription driver{};
     driver.version = input.Bits() >> input.Below(64);
     driver.provider = input.OnceIn(4) ? std::wstring() : input.WideText(30);
@@ -129,7 +129,7 @@ FUZZ_TARGET(DriverVersions, 4000) {
     }
 }
 
-FUZZ_TARGET(DeviceModes, 6000) {
+FUZZ_TARGET(DeviceModes, 20'000) {
     constexpr std::size_t kSmallest = offsetof(DEVMODEW, dmICMMethod);
     const std::size_t lengths[] = {0,
                                    1,
@@ -185,7 +185,7 @@ std::wstring DrawPath(Case& input) {
     return path;
 }
 
-FUZZ_TARGET(Paths, 6000) {
+FUZZ_TARGET(Paths, 10'000) {
     std::wstring path = DrawPath(input);
     input.Say([&] { return "path " + Literal(path); });
     std::wstring plain = path; // with one kind of separator

@@ -37,9 +37,8 @@ void Tell(const Running& running) {
     std::fflush(stderr);
 }
 
-/// After a crash: tells the case, and lets another process run it again, which says its input until it
-/// crashes too.
-void ReportCrash() {
+/// Tells the case, and lets another process run it again, which says its input until it fails or crashes too.
+void Report() {
     const OrdinaryHeap ordinary;
     Tell(g_running);
     if (g_running.says) {
@@ -210,7 +209,7 @@ std::string Literal(std::wstring_view units) {
 }
 
 void Run(const char* target, void (*body)(Case&), std::uint64_t shortRun) {
-    ReportCrashes(ReportCrash);
+    ReportCrashes(Report);
     Running running;
     running.target = target;
     running.seed = NumberFromEnvironment("KEMBA_FUZZ_SEED", 1);
@@ -226,9 +225,7 @@ void Run(const char* target, void (*body)(Case&), std::uint64_t shortRun) {
     for (; running.number < cases; ++running.number) {
         RunChecked(body, running);
         if (testing::Test::HasFailure()) {
-            Tell(running);
-            running.says = true;
-            RunCase(body, running);
+            Report();
             return;
         }
     }

@@ -90,7 +90,7 @@ void Compare(const Map& map, const Model<Key>& model, Same same) {
         std::equal(map.GetKeys().begin(), map.GetKeys().end(), expected.begin(), expected.end(), same));
 }
 
-FUZZ_TARGET(HashMaps, 2500) {
+FUZZ_TARGET(HashMaps, 4000) {
     OHashMap<int, int, FewHashes> map;
     Model<int> model;
     input.Say([] { return "OHashMap<int, int, FewHashes> map;"; });
@@ -141,7 +141,7 @@ TextKey DrawKey(Case& input) {
     return {OString(bytes.c_str()), TextModel::Narrow(bytes, fuzz::kAnsi)};
 }
 
-FUZZ_TARGET(TextMaps, 1200) {
+FUZZ_TARGET(TextMaps, 2000) {
     OStringMap<int> map;
     Model<TextKey> model;
     std::vector<TextKey> keys;

@@ -153,7 +153,7 @@ void Step(Case& input, Stream& stream, Model& model) {
     }
 }
 
-FUZZ_TARGET(Streams, 1500) {
+FUZZ_TARGET(Streams, 4000) {
     const std::uint64_t pattern = input.OnceIn(2) ? 0 : input.Below(1000);
     Stream stream(pattern);
     Model model(pattern);

@@ -12,7 +12,7 @@ using fuzz::Case;
 using fuzz::Literal;
 using fuzz::TextModel;
 
-constexpr std::uint32_t kCodePages[] = {0, 932, 1252, 1208, 64999};
+constexpr std::uint32_t kCodePages[] = {0, 932, 1252, 1208, 64999, 65001, 54936};
 constexpr std::size_t kTexts = 4;
 
 /// Some texts, and what they ought to be.

@@ -33,7 +33,7 @@ std::size_t FirstOf(const Text& text, const Text& what, std::size_t from) {
 
 template<class Text>
 Text WithAllReplaced(Text text, const Text& what, const Text& with) {
-    std::size_t at = FirstOf(text, what, 0);
+    std::size_t at = what.empty() ? text.size() : FirstOf(text, what, 0);
     while (at < text.size()) {
         text = text.substr(0, at) + with + text.substr(at + what.size());
         at = FirstOf(text, what, at + with.size());
