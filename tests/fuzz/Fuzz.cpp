@@ -4,11 +4,16 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <mutex>
+#include <thread>
 
+#include "substitute/base/Handles.h"
 #include "tests/fuzz/Crash.h"
 
 namespace fuzz {
@@ -44,12 +49,13 @@ void Report() {
     if (g_running.says) {
         return;
     }
-    constexpr DWORD kPatience = 30'000; // milliseconds
+    constexpr DWORD kPatience = 150'000; // milliseconds; a case that does not end, ends that process in time
     wchar_t program[MAX_PATH] = {};
     GetModuleFileNameW(nullptr, program, MAX_PATH);
     const std::string target = g_running.target;
     std::wstring line = L"\"" + std::wstring(program) + L"\" --gtest_filter=Fuzz." +
                         std::wstring(target.begin(), target.end());
+    // For that process alone: in this one the runtime library has its own copy of the environment.
     SetEnvironmentVariableW(L"KEMBA_FUZZ_SEED", std::to_wstring(g_running.seed).c_str());
     SetEnvironmentVariableW(L"KEMBA_FUZZ_ONLY", std::to_wstring(g_running.number).c_str());
     STARTUPINFOW startup{};
@@ -57,9 +63,46 @@ void Report() {
     PROCESS_INFORMATION process{};
     if (CreateProcessW(program, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
                        &process)) {
-        WaitForSingleObject(process.hProcess, kPatience); // this process ends anyhow, and with it its handles
+        const kemba::substitute::UniqueHandle thread(process.hThread);
+        const kemba::substitute::UniqueHandle other(process.hProcess);
+        WaitForSingleObject(other.get(), kPatience);
     }
 }
+
+/// Ends the program when a case does not end by itself.
+class Watch {
+  public:
+    Watch() : m_thread([this] { Look(); }) {}
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+    ~Watch() {
+        {
+            const std::lock_guard hold(m_lock);
+            m_ended = true;
+        }
+        m_end.notify_one();
+        m_thread.join();
+    }
+
+    void BeginCase() { ++m_begun; }
+
+  private:
+    void Look() {
+        const std::chrono::seconds patience(NumberFromEnvironment("KEMBA_FUZZ_PATIENCE", 60));
+        std::unique_lock hold(m_lock);
+        while (!m_end.wait_for(hold, patience, [this] { return m_ended; })) {
+            if (m_begun.exchange(0) == 0) {
+                Crash("the case does not end");
+            }
+        }
+    }
+
+    std::atomic<std::uint64_t> m_begun{0}; // since the last look
+    std::mutex m_lock;
+    std::condition_variable m_end;
+    bool m_ended = false;
+    std::thread m_thread; // the last member: it uses the others
+};
 
 /// What this process has computed so far.
 double ProcessorSeconds() {
@@ -213,6 +256,8 @@ void Run(const char* target, void (*body)(Case&), std::uint64_t shortRun) {
     Running running;
     running.target = target;
     running.seed = NumberFromEnvironment("KEMBA_FUZZ_SEED", 1);
+    Watch watch;
+    watch.BeginCase();
     if (const std::uint64_t only = NumberFromEnvironment("KEMBA_FUZZ_ONLY", UINT64_MAX); only != UINT64_MAX) {
         running.number = only;
         running.says = true;
@@ -223,6 +268,7 @@ void Run(const char* target, void (*body)(Case&), std::uint64_t shortRun) {
     const auto begin = std::chrono::steady_clock::now();
     const double computed = ProcessorSeconds();
     for (; running.number < cases; ++running.number) {
+        watch.BeginCase();
         RunChecked(body, running);
         if (testing::Test::HasFailure()) {
             Report();

@@ -4,12 +4,14 @@
 // with a model's. What a case draws depends on the seed and the case's number alone. While it runs, blocks of
 // memory come from the guarded heap; after it, none of them may be left.
 //
-//     KEMBA_FUZZ_CASES   how many cases each target runs; without it a short run
-//     KEMBA_FUZZ_SEED    the seed, 1 without it
-//     KEMBA_FUZZ_ONLY    the number of the one case to run; it says its input, statement by statement
+//     KEMBA_FUZZ_CASES     how many cases each target runs; without it a short run
+//     KEMBA_FUZZ_SEED      the seed, 1 without it
+//     KEMBA_FUZZ_ONLY      the number of the one case to run; it says its input, statement by statement
+//     KEMBA_FUZZ_PATIENCE  seconds, 60 without it; a case that takes longer, up to twice as long, does not
+//     end
 //
-// A case that fails or crashes is told by target, seed and number, and is run once more to say its input. To
-// repeat it, from the folder of the sources:
+// A case that fails, crashes or does not end is told by target, seed and number, and is run once more to say
+// its input. To repeat it, from the folder of the sources:
 //
 //     KEMBA_FUZZ_SEED=1 KEMBA_FUZZ_ONLY=4711 cmake/start-wine build/mingw-debug/bin/fuzz_tests.exe
 //         --gtest_filter=Fuzz.TheTarget </dev/null

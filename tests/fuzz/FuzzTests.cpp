@@ -1,6 +1,8 @@
 // The source of the cases.
 #include "tests/fuzz/Fuzz.h"
 
+#include <windows.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -71,6 +73,13 @@ void CrashesInTheThirdCase(Case& input) {
     block[index] = 1; // one of the two beside the block is noticed at once, the other when it is freed
 }
 
+void GoesOnForEver(Case& input) {
+    input.Say([] { return "the input without an end"; });
+    for (;;) {
+        Sleep(10);
+    }
+}
+
 void LeaksInEveryCase(Case&) {
     static std::vector<void*> left;
     left.push_back(std::malloc(1));
@@ -104,6 +113,15 @@ TEST(Fuzz, ACrashIsToldAndSaysItsInput) {
     EXPECT_EXIT(RunAndExit(CrashesInTheThirdCase), testing::ExitedWithCode(3),
                 "fuzz: target ACrashIsToldAndSaysItsInput, seed .*, case 2 ");
     EXPECT_EXIT(RunAndExit(CrashesInTheThirdCase), testing::ExitedWithCode(3), "the input of the crash");
+}
+
+TEST(Fuzz, ACaseWithoutAnEndIsToldAndSaysItsInput) {
+    if (std::getenv("KEMBA_FUZZ_ONLY")) {
+        RunAndExit(GoesOnForEver);
+        return;
+    }
+    _putenv_s("KEMBA_FUZZ_PATIENCE", "1");
+    EXPECT_EXIT(RunAndExit(GoesOnForEver), testing::ExitedWithCode(3), "the input without an end");
 }
 
 TEST(FuzzRunDeathTest, ACaseThatLeavesMemoryFails) {
