@@ -9,16 +9,14 @@
 #include <DriverAutomation.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "automation/Owners.h"
 #include "demo/WinePrinters.h"
 #include "tests/programs/Kemba.h"
+#include "tests/programs/OwnClasses.h"
 #include "tests/substitute/TemporaryFolder.h"
 
 namespace {
@@ -80,17 +78,11 @@ class PlantedLibrary : public testing::Test {
     std::vector<std::wstring> m_keys;
 };
 
-/// A copy of the server under classes of its own, so that it has no other clients and may simply be ended:
-/// Wine never forgets the classes of a server that was.
+/// A copy of the server under classes of its own.
 class OwnServer {
   public:
     explicit OwnServer(const std::wstring& program) {
-        const CLSID served[] = {__uuidof(DriverActions), __uuidof(VersionInformation),
-                                __uuidof(DriverAutomation)};
-        for (const CLSID& each : served) {
-            CoCreateGuid(&m_class);
-            Replace(program, each, m_class);
-        }
+        m_classes.PutInto(program);
         std::wstring line = L"\"" + program + L"\" -Embedding";
         STARTUPINFOW startup{};
         startup.cb = sizeof(startup);
@@ -113,31 +105,15 @@ class OwnServer {
     /// Asks until the server, which has just been started, offers its class; null when it ends before.
     ComPtr<IDriverAutomation> Activate() const {
         void* object = nullptr;
-        while (FAILED(CoCreateInstance(m_class, nullptr, CLSCTX_LOCAL_SERVER, __uuidof(IDriverAutomation),
-                                       &object)) &&
+        while (FAILED(CoCreateInstance(m_classes.automation, nullptr, CLSCTX_LOCAL_SERVER,
+                                       __uuidof(IDriverAutomation), &object)) &&
                WaitForSingleObject(m_process, 20) == WAIT_TIMEOUT) {
         }
         return ComPtr<IDriverAutomation>(static_cast<IDriverAutomation*>(object));
     }
 
   private:
-    /// Puts a class in the place of the server's, wherever that stands in the program.
-    static void Replace(const std::wstring& program, const CLSID& served, const CLSID& own) {
-        const std::filesystem::path path(program);
-        std::ifstream input(path, std::ios::binary);
-        std::string bytes{std::istreambuf_iterator<char>(input), {}};
-        input.close();
-        const std::string_view before(reinterpret_cast<const char*>(&served), sizeof(GUID));
-        const std::string_view after(reinterpret_cast<const char*>(&own), sizeof(GUID));
-        std::size_t found = bytes.find(before);
-        EXPECT_NE(found, std::string::npos);
-        for (; found != std::string::npos; found = bytes.find(before, found)) {
-            bytes.replace(found, before.size(), after);
-        }
-        std::ofstream(path, std::ios::binary) << bytes;
-    }
-
-    CLSID m_class{}; // of the main object
+    const programs::OwnClasses m_classes;
     HANDLE m_process = nullptr;
 };
 

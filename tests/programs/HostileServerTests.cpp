@@ -1,0 +1,377 @@
+// kemba.exe and a server that dies in the middle of an operation, takes its time, or never comes.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <rpc.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "demo/WinePrinters.h"
+#include "tests/kit/CommandLine.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/Operations.h"
+#include "tests/kit/OutputChannel.h"
+#include "tests/kit/RegistryPreset.h"
+#include "tests/kit/TemporaryFile.h"
+#include "tests/programs/Kemba.h"
+#include "tests/programs/OwnClasses.h"
+#include "tests/substitute/TemporaryFolder.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using programs::Framed;
+using programs::OwnClasses;
+using programs::Printed;
+using programs::TextOf;
+using programs::Words;
+
+constexpr DWORD kPatience = 30'000; // milliseconds for a process to come or to go
+
+/// A copy of kemba.exe that looks for classes of its own.
+class OwnKemba {
+  public:
+    OwnKemba() : m_program(m_folder.File(L"kemba.exe")) {
+        std::filesystem::copy_file(kit::ProgramPath(L"kemba.exe"), m_program);
+        classes.PutInto(m_program);
+    }
+    kit::ProcessResult Run(const Words& words, std::chrono::milliseconds timeout = 60s) const {
+        kit::ProcessOptions options;
+        options.timeout = timeout;
+        kit::ProcessResult result = kit::RunProgram(m_program, words, options);
+        EXPECT_FALSE(result.timedOut);
+        EXPECT_EQ(result.errors, "");
+        return result;
+    }
+
+    const OwnClasses classes;
+
+  private:
+    const TemporaryFolder m_folder;
+    const std::wstring m_program;
+};
+
+/// What the hostile server is told: the operation, and what happens in it.
+struct Hostility {
+    std::string operation;
+    std::wstring how;
+};
+
+/// The hostile server under these classes, which ends with its owner.
+class HostileServer {
+  public:
+    HostileServer(const OwnClasses& classes, const Hostility& hostility)
+        : m_events(L"kemba hostile " + TextOf(classes.automation)), m_ready(MakeEvent(L" ready")),
+          m_over(MakeEvent(L" over")),
+          m_line(L"\"" + kit::ProgramPath(L"hostile-server.exe") + L"\" " +
+                 kit::MakeCommandLine({TextOf(classes.automation),
+                                       std::wstring(hostility.operation.begin(), hostility.operation.end()),
+                                       hostility.how})) {}
+    HostileServer(const HostileServer&) = delete;
+    HostileServer& operator=(const HostileServer&) = delete;
+    ~HostileServer() { SetEvent(m_over.Get()); }
+
+    /// What starts it; Wine takes no more than 260 characters from the registry.
+    const std::wstring& Line() const { return m_line; }
+    /// Starts it, and waits until clients can come.
+    void Start() {
+        STARTUPINFOW startup{};
+        startup.cb = sizeof startup;
+        PROCESS_INFORMATION started{};
+        std::wstring line = m_line;
+        if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                            &started)) {
+            throw std::runtime_error("the hostile server cannot be started");
+        }
+        const kit::Handle thread(started.hThread);
+        m_process = kit::Handle(started.hProcess);
+        const HANDLE either[] = {m_ready.Get(), m_process.Get()};
+        EXPECT_EQ(WaitForMultipleObjects(2, either, FALSE, kPatience), WAIT_OBJECT_0);
+    }
+    /// Whether somebody started it.
+    bool WasStarted() const { return WaitForSingleObject(m_ready.Get(), 0) == WAIT_OBJECT_0; }
+    /// Whether it died as it was told to.
+    bool Died() const {
+        DWORD status = 0;
+        return WaitForSingleObject(m_process.Get(), kPatience) == WAIT_OBJECT_0 &&
+               GetExitCodeProcess(m_process.Get(), &status) && status == kDeath;
+    }
+
+  private:
+    static constexpr DWORD kDeath = 9; // its exit status when it dies
+
+    kit::Handle MakeEvent(const wchar_t* suffix) const {
+        return kit::Handle(CreateEventW(nullptr, TRUE, FALSE, (m_events + suffix).c_str()));
+    }
+
+    const std::wstring m_events;
+    const kit::Handle m_ready;
+    const kit::Handle m_over;
+    const std::wstring m_line;
+    kit::Handle m_process;
+};
+
+/// What stands in the registry for the classes of one server, as long as it lives.
+class Registered {
+  public:
+    /// `kind` is LocalServer32 or InprocServer32.
+    Registered(const OwnClasses& classes, const std::wstring& kind, const std::wstring& path)
+        : m_keys{{HKEY_LOCAL_MACHINE, kClasses + TextOf(classes.automation)},
+                 {HKEY_LOCAL_MACHINE, kClasses + TextOf(classes.actions)},
+                 {HKEY_LOCAL_MACHINE, kClasses + TextOf(classes.version)}} {
+        for (const ScratchKey& key : m_keys) {
+            key.Set(L"", RegistryData::OfText(path), kind);
+        }
+    }
+
+  private:
+    inline static const std::wstring kClasses = L"SOFTWARE\\Classes\\CLSID\\";
+
+    const ScratchKey m_keys[3];
+};
+
+/// What the error printer shows for a status of the system's.
+std::string SystemError(HRESULT status) {
+    wchar_t text[512] = {};
+    std::string shown;
+    if (FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                       static_cast<DWORD>(status), 0, text, 512, nullptr) != 0) {
+        shown = OString(text).TrimRight(L"\r\n").Narrow();
+    } else {
+        char number[40];
+        std::snprintf(number, sizeof number, "Unknown error 0x%lX", static_cast<unsigned long>(status));
+        shown = number;
+    }
+    return "*** COM Exception ***\r\nError: " + shown + "\r\n";
+}
+
+const std::string kUnsupported = "The command is unsupported on this printer.\r\n";
+
+/// A command line that reaches the operation, and what it prints when the server dies there: "%p" stands for
+/// the printer's name, "%f" for a file that is there.
+struct DeathRow {
+    const char* operation;
+    Words words;
+    std::string output;
+    DWORD status = 0;
+};
+
+std::vector<DeathRow> DeathRows() {
+    const auto get = [](const char* operation, const wchar_t* field) {
+        return DeathRow{operation, {L"get", field}, Framed("Get", kUnsupported)};
+    };
+    const auto set = [](const char* operation, const wchar_t* field) {
+        return DeathRow{operation, {L"set", field, L"x"}, Framed("Set", kUnsupported)};
+    };
+    const auto queue = [](const char* operation, const wchar_t* word) {
+        return DeathRow{operation, {L"queue", word}, Framed("Queue", kUnsupported)};
+    };
+    const auto action = [](const char* operation, const Words& words) {
+        return DeathRow{operation, words, Framed("Action", "%p:\r\n\r\n")};
+    };
+    const auto driver = [](const char* operation) {
+        return DeathRow{operation, {L"version", L"driver"}, "", 2};
+    };
+    const auto server = [](const char* operation) {
+        return DeathRow{
+            operation, {L"version", L"interface"}, SystemError(HRESULT_FROM_WIN32(RPC_S_CALL_FAILED))};
+    };
+    return {
+        get("DriverAutomation.CreateInstance", L"comment"),
+        action("DriverActions.CreateInstance", {L"action", L"Test"}),
+        server("VersionInformation.CreateInstance"),
+        get("IDriverAutomation.PutPrinterName", L"comment"),
+        {"IDriverAutomation.SendFile", {L"send", L"%f"}, Framed("Send", kUnsupported)},
+        action("IDriverAutomation.PerformAction", {L"action", L"Test"}),
+        get("IDriverAutomation.GetShareName", L"sharename"),
+        set("IDriverAutomation.PutShareName", L"sharename"),
+        get("IDriverAutomation.GetPortName", L"portname"),
+        get("IDriverAutomation.GetModelName", L"modelname"),
+        get("IDriverAutomation.GetComment", L"comment"),
+        set("IDriverAutomation.PutComment", L"comment"),
+        get("IDriverAutomation.GetLocation", L"location"),
+        set("IDriverAutomation.PutLocation", L"location"),
+        driver("IDriverAutomation.GetDriverVersion"),
+        driver("IDriverAutomation.GetDriverVersionDetail"),
+        queue("IDriverAutomation.GetPrinterQueue", L"pause"),
+        get("IDriverAutomation.GetPrinterInformation", L"status"),
+        {"IDriverAutomation.GetSettings", {L"settings", L"reset"}, Framed("Settings", kUnsupported)},
+        {"IDriverSettings.ImportSettings", {L"settings", L"import", L"%f"}, Framed("Import", kUnsupported)},
+        {"IDriverSettings.ExportSettings",
+         {L"settings", L"export", L"out.vqs"},
+         "Executing 'Export' command.\r\n" + kUnsupported,
+         2},
+        {"IDriverSettings.ResetSettings", {L"settings", L"reset"}, Framed("Settings", kUnsupported)},
+        action("IDriverActions.PutExecute", {L"action", L"Test"}),
+        action("IDriverActions.GetSupported", {L"action", L"Test"}),
+        action("IDriverActions.GetDisplaysInterface", {L"action", L"-n", L"Test"}),
+        queue("IPrinterQueue.Pause", L"pause"),
+        queue("IPrinterQueue.Resume", L"resume"),
+        queue("IPrinterQueue.Purge", L"purge"),
+        get("IPrinterInformation.GetStatus", L"status"),
+        server("IVersionInformation.GetVersion"),
+        server("IVersionInformation.GetVersionDetail"),
+    };
+}
+
+void PrintTo(const DeathRow& row, std::ostream* out) {
+    *out << row.operation;
+}
+
+class DeathOfTheServer : public testing::TestWithParam<DeathRow> {};
+
+TEST_P(DeathOfTheServer, IsARefusal) {
+    const DeathRow& row = GetParam();
+    const demo::Printer printer;
+    const kit::TemporaryFile file;
+    const OwnKemba kemba;
+    HostileServer server(kemba.classes, {row.operation, L"die"});
+    server.Start();
+    Words words{L"/p", printer.Name()};
+    for (const std::wstring& word : row.words) {
+        words.push_back(word == L"%f" ? file.Path() : word);
+    }
+    const kit::ProcessResult run = kemba.Run(words);
+    EXPECT_EQ(run.output,
+              OString(row.output.c_str()).ReplaceAll("%p", OString(printer.Name().c_str())).Narrow());
+    EXPECT_EQ(run.status, row.status);
+    EXPECT_TRUE(server.Died());
+}
+
+INSTANTIATE_TEST_SUITE_P(In, DeathOfTheServer, testing::ValuesIn(DeathRows()), [](const auto& row) {
+    std::string name = row.param.operation;
+    std::ranges::replace(name, '.', '_');
+    return name;
+});
+
+TEST(DeathOfTheServer, IsTriedInEveryOperation) {
+    const std::vector<DeathRow> rows = DeathRows();
+    for (const kit::Operation& operation : kit::AllOperations()) {
+        EXPECT_EQ(std::ranges::count(rows, operation.name, &DeathRow::operation), 1) << operation.name;
+    }
+}
+
+class HostileServers : public testing::Test {
+  protected:
+    const demo::Printer printer;
+    const OwnKemba kemba;
+    kit::ProcessResult GetComments() const {
+        return kemba.Run({L"/p", printer.Name(), L"/p", printer.Name(), L"get", L"comment"}, 240s);
+    }
+    const std::string kServed =
+        Framed("Get", Printed(printer.Name()) + ": Comment\r\n" + Printed(printer.Name()) + ": Comment\r\n");
+    const std::string kRefused = Framed("Get", kUnsupported + kUnsupported);
+};
+
+TEST_F(HostileServers, ThatAreNoneServe) {
+    HostileServer server(kemba.classes, {"none", L"die"});
+    server.Start();
+    const kit::ProcessResult run = GetComments();
+    EXPECT_EQ(run.output, kServed);
+    EXPECT_EQ(run.status, 0U);
+}
+
+TEST_F(HostileServers, ThatDieLeaveTheNextPrinterItsTurn) {
+    HostileServer server(kemba.classes, {"IDriverAutomation.GetComment", L"die"});
+    server.Start();
+    const kit::ProcessResult run = GetComments();
+    EXPECT_EQ(run.output, kRefused);
+    EXPECT_EQ(run.status, 0U);
+    EXPECT_TRUE(server.Died());
+}
+
+/// The time that a slow server takes: two seconds, and half a minute where KEMBA_SLOW_TESTS is set.
+bool IsSlowRun() {
+    return !kit::EnvironmentVariable(L"KEMBA_SLOW_TESTS").empty();
+}
+
+class SlowServers : public HostileServers, public testing::WithParamInterface<const char*> {};
+
+TEST_P(SlowServers, AreWaitedFor) {
+    const DWORD milliseconds = IsSlowRun() ? 30'000 : 2'000;
+    HostileServer server(kemba.classes, {GetParam(), std::to_wstring(milliseconds)});
+    server.Start();
+    const ULONGLONG begin = GetTickCount64();
+    const kit::ProcessResult run = kemba.Run({L"/p", printer.Name(), L"get", L"comment"}, 240s);
+    EXPECT_EQ(run.output, Framed("Get", Printed(printer.Name()) + ": Comment\r\n"));
+    EXPECT_EQ(run.status, 0U);
+    EXPECT_GE(GetTickCount64() - begin, milliseconds);
+}
+
+INSTANTIATE_TEST_SUITE_P(In, SlowServers,
+                         testing::Values("DriverAutomation.CreateInstance", "IDriverAutomation.GetComment"),
+                         [](const auto& row) {
+                             std::string name = row.param;
+                             std::ranges::replace(name, '.', '_');
+                             return name;
+                         });
+
+class Activation : public HostileServers {
+  protected:
+    /// With no server to be had: the same words as for any other refusal.
+    void ExpectNone() const {
+        const kit::ProcessResult get = GetComments();
+        EXPECT_EQ(get.output, kRefused);
+        EXPECT_EQ(get.status, 0U);
+        const kit::ProcessResult version = kemba.Run({L"version", L"interface"}, 240s);
+        EXPECT_EQ(version.output, SystemError(REGDB_E_CLASSNOTREG)); // Wine's word for all of these
+        EXPECT_EQ(version.status, 0U);
+        EXPECT_EQ(kemba.Run({L"/p", printer.Name(), L"version", L"driver"}, 240s).status, 2U);
+    }
+};
+
+TEST_F(Activation, OfAClassThatIsNotRegisteredFails) {
+    ExpectNone();
+}
+
+TEST_F(Activation, StartsARegisteredProgram) {
+    const HostileServer server(kemba.classes, {"none", L"die"});
+    const Registered registered(kemba.classes, L"LocalServer32", server.Line());
+    EXPECT_EQ(GetComments().output, kServed);
+    EXPECT_TRUE(server.WasStarted());
+}
+
+TEST_F(Activation, SurvivesARegisteredProgramThatDies) {
+    const HostileServer server(kemba.classes, {"IDriverAutomation.GetComment", L"die"});
+    const Registered registered(kemba.classes, L"LocalServer32", server.Line());
+    const kit::ProcessResult run = GetComments();
+    EXPECT_EQ(run.output, kRefused);
+    EXPECT_EQ(run.status, 0U);
+    EXPECT_TRUE(server.WasStarted());
+}
+
+TEST_F(Activation, OfAMissingProgramFails) {
+    for (const wchar_t* const kind : {L"LocalServer32", L"InprocServer32"}) {
+        for (const wchar_t* const path : {L"C:\\Nowhere\\missing.exe", L"C:\\", L"", L"\"", L"a:b"}) {
+            SCOPED_TRACE(Printed(kind) + Printed(path));
+            const Registered registered(kemba.classes, kind, path);
+            ExpectNone();
+        }
+    }
+}
+
+TEST_F(Activation, OfAProgramThatIsNoServerFails) {
+    const Registered registered(kemba.classes, L"LocalServer32", kit::ProgramPath(L"planted-victim.exe"));
+    ExpectNone();
+}
+
+TEST_F(Activation, OfAProgramThatServesOthersFails) {
+    if (!IsSlowRun()) {
+        GTEST_SKIP() << "the runtime waits half a minute for the class";
+    }
+    const HostileServer server(OwnClasses(), {"none", L"die"});
+    const Registered registered(kemba.classes, L"LocalServer32", server.Line());
+    const kit::ProcessResult get = kemba.Run({L"/p", printer.Name(), L"get", L"comment"}, 240s);
+    EXPECT_EQ(get.output, Framed("Get", kUnsupported));
+    EXPECT_EQ(get.status, 0U);
+    EXPECT_TRUE(server.WasStarted());
+}
+
+} // namespace

@@ -1,0 +1,63 @@
+// Making classes, and replacing those in a program's file.
+#include "tests/programs/OwnClasses.h"
+
+#include <objbase.h>
+
+#include <DriverAutomation.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string_view>
+
+namespace programs {
+namespace {
+
+std::string_view Bytes(const CLSID& id) {
+    return {reinterpret_cast<const char*>(&id), sizeof(id)};
+}
+
+CLSID NewId() {
+    CLSID id{};
+    CoCreateGuid(&id);
+    return id;
+}
+
+void ReplaceAll(std::string& bytes, const CLSID& served, const CLSID& own) {
+    std::size_t found = bytes.find(Bytes(served));
+    if (found == std::string::npos) {
+        throw std::runtime_error("a program names no such class");
+    }
+    for (; found != std::string::npos; found = bytes.find(Bytes(served), found)) {
+        bytes.replace(found, sizeof(own), Bytes(own));
+    }
+}
+
+} // namespace
+
+OwnClasses::OwnClasses() : OwnClasses(NewId()) {}
+
+OwnClasses::OwnClasses(const CLSID& first) : automation(first), actions(first), version(first) {
+    actions.Data1 += 1;
+    version.Data1 += 2;
+}
+
+void OwnClasses::PutInto(const std::wstring& program) const {
+    const std::filesystem::path path(program);
+    std::ifstream input(path, std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(input), {}};
+    input.close();
+    ReplaceAll(bytes, __uuidof(DriverAutomation), automation);
+    ReplaceAll(bytes, __uuidof(DriverActions), actions);
+    ReplaceAll(bytes, __uuidof(VersionInformation), version);
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+std::wstring TextOf(const CLSID& id) {
+    wchar_t text[40] = {};
+    StringFromGUID2(id, text, static_cast<int>(std::size(text)));
+    return text;
+}
+
+} // namespace programs

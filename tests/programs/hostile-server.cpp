@@ -1,0 +1,104 @@
+// A server of the contract, under classes of its own, that dies in the middle of an operation, or takes its
+// time:
+//
+//     hostile-server CLASS OPERATION HOW
+//
+// CLASS is that of the main object; the others follow from it. Of two events, named "kemba hostile CLASS
+// ready" and "kemba hostile CLASS over", it sets the first when the classes are offered, and ends with the
+// second. The operation is named as in the test kit, or is "DriverAutomation.CreateInstance" and the like;
+// HOW is "die" or a number of milliseconds. Everything else it answers as the test kit's server does.
+#include <windows.h>
+
+#include <objbase.h>
+
+#include <cwchar>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "tests/kit/FakeObjects.h"
+#include "tests/kit/Narrow.h"
+#include "tests/kit/OneInterface.h"
+#include "tests/kit/Operations.h"
+#include "tests/kit/ServerState.h"
+#include "tests/programs/OwnClasses.h"
+
+namespace {
+
+constexpr UINT kDeath = 9; // exit status
+
+/// An operation, and what happens in it.
+struct Hostility {
+    std::string operation;
+    std::function<void()> work;
+};
+
+class Factory final : public kit::OneInterface<IClassFactory> {
+  public:
+    Factory(std::shared_ptr<kit::ServerState> state, kit::FakeClass which, const Hostility& hostility)
+        : m_state(std::move(state)), m_class(which), m_hostility(hostility) {}
+
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID id, void** object) override {
+        *object = nullptr;
+        if (m_hostility.operation == std::string(NameOf(m_class)) + ".CreateInstance") {
+            m_hostility.work();
+        }
+        return outer ? CLASS_E_NOAGGREGATION : MakeFakeObject(m_state, m_class, id, object);
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(WINBOOL) override { return S_OK; }
+
+  private:
+    std::shared_ptr<kit::ServerState> m_state;
+    kit::FakeClass m_class;
+    const Hostility& m_hostility;
+};
+
+std::function<void()> WorkOf(const std::wstring& how) {
+    if (how == L"die") {
+        return [] { TerminateProcess(GetCurrentProcess(), kDeath); };
+    }
+    return [milliseconds = std::wcstoul(how.c_str(), nullptr, 10)] { Sleep(milliseconds); };
+}
+
+} // namespace
+
+int wmain(int count, wchar_t* words[]) {
+    if (count < 4 || // behind the words may stand one of COM's, which starts it when it is registered
+        FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {
+        return 1;
+    }
+    const Hostility hostility{kit::Narrow(words[2]), WorkOf(words[3])};
+    const auto state = std::make_shared<kit::ServerState>();
+    kit::Answer answer;
+    answer.work = hostility.work;
+    state->script.Add(hostility.operation, std::move(answer));
+
+    CLSID first{};
+    if (FAILED(CLSIDFromString(words[1], &first))) {
+        return 1;
+    }
+    const programs::OwnClasses own(first);
+    const std::pair<kit::FakeClass, CLSID> classes[] = {{kit::FakeClass::DriverAutomation, own.automation},
+                                                        {kit::FakeClass::DriverActions, own.actions},
+                                                        {kit::FakeClass::VersionInformation, own.version}};
+    for (const auto& [which, id] : classes) {
+        DWORD registration = 0;
+        auto* const factory = new Factory(state, which, hostility);
+        if (FAILED(
+                CoRegisterClassObject(id, factory, CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE, &registration))) {
+            return 1;
+        }
+    }
+    const std::wstring events = std::wstring(L"kemba hostile ") + words[1];
+    const HANDLE ready = OpenEventW(EVENT_MODIFY_STATE, FALSE, (events + L" ready").c_str());
+    const HANDLE over = OpenEventW(SYNCHRONIZE, FALSE, (events + L" over").c_str());
+    SetEvent(ready);
+    while (MsgWaitForMultipleObjects(1, &over, FALSE, INFINITE, QS_ALLINPUT) == WAIT_OBJECT_0 + 1) {
+        MSG message;
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            DispatchMessageW(&message);
+        }
+    }
+    return 0;
+}
