@@ -42,7 +42,7 @@ ProcessResult RunProgram(std::wstring_view name, const std::vector<std::wstring>
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdInput = input.Get();
-    startup.hStdOutput = output.WriteEnd();
+    startup.hStdOutput = options.output.value_or(output.WriteEnd());
     startup.hStdError = errors.WriteEnd();
     PROCESS_INFORMATION started{};
     if (!CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE, CREATE_UNICODE_ENVIRONMENT,

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +15,7 @@ namespace kit {
 struct ProcessOptions {
     std::map<std::wstring, std::wstring> environment; ///< variables beside, or in place of, the test's own
     bool outputToFile = false;                        ///< standard output is a file instead of a pipe
+    std::optional<HANDLE> output;                     ///< standard output instead; inheritable, null for none
     std::chrono::milliseconds timeout = std::chrono::seconds(30);
 };
 

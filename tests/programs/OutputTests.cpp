@@ -1,0 +1,111 @@
+// kemba.exe where nothing can be written: the exit status is what it always is, and nobody is told.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <memory>
+#include <ostream>
+#include <string>
+
+#include "demo/WinePrinters.h"
+#include "tests/kit/OutputChannel.h"
+#include "tests/kit/TemporaryFile.h"
+#include "tests/programs/Kemba.h"
+
+namespace {
+
+using programs::Kemba;
+using programs::Words;
+
+SECURITY_ATTRIBUTES Inheritable() {
+    SECURITY_ATTRIBUTES attributes{};
+    attributes.nLength = sizeof attributes;
+    attributes.bInheritHandle = TRUE;
+    return attributes;
+}
+
+kit::Handle Open(const std::wstring& path, DWORD access) {
+    SECURITY_ATTRIBUTES attributes = Inheritable();
+    return kit::Handle(CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &attributes,
+                                   OPEN_EXISTING, 0, nullptr));
+}
+
+/// A standard output that takes nothing.
+struct BadOutput {
+    const char* title;
+    DWORD error; ///< of the system, when somebody writes there
+    kit::Handle (*open)(const kit::TemporaryFile& file);
+};
+
+const BadOutput kBadOutputs[] = {
+    {"None", ERROR_INVALID_HANDLE, [](const kit::TemporaryFile&) { return kit::Handle(); }},
+    {"Invalid", ERROR_INVALID_HANDLE,
+     [](const kit::TemporaryFile&) { return kit::Handle(INVALID_HANDLE_VALUE); }},
+    {"Unknown", ERROR_INVALID_HANDLE,
+     [](const kit::TemporaryFile&) { return kit::Handle(reinterpret_cast<HANDLE>(0x7FFC)); }},
+    {"ReadOnly", ERROR_ACCESS_DENIED,
+     [](const kit::TemporaryFile& file) { return Open(file.Path(), GENERIC_READ); }},
+    {"Full", ERROR_DISK_FULL,
+     [](const kit::TemporaryFile&) { return Open(L"Z:\\dev\\full", GENERIC_WRITE); }},
+    {"ReaderGone", ERROR_NO_DATA,
+     [](const kit::TemporaryFile&) {
+         SECURITY_ATTRIBUTES attributes = Inheritable();
+         HANDLE read = nullptr;
+         HANDLE write = nullptr;
+         EXPECT_TRUE(CreatePipe(&read, &write, &attributes, 0));
+         CloseHandle(read);
+         return kit::Handle(write);
+     }},
+};
+
+void PrintTo(const BadOutput& output, std::ostream* out) {
+    *out << output.title;
+}
+
+class OutputThatFails : public testing::TestWithParam<BadOutput> {
+  protected:
+    /// Runs kemba.exe with this standard output.
+    kit::ProcessResult Run(const Words& words) const {
+        kit::ProcessOptions options;
+        options.output = m_output.Get();
+        const kit::ProcessResult run = Kemba(words, options);
+        EXPECT_FALSE(run.timedOut);
+        EXPECT_EQ(run.errors, "");
+        return run;
+    }
+
+    const kit::TemporaryFile m_file{"what was there"};
+    const kit::Handle m_output = GetParam().open(m_file);
+};
+
+TEST_P(OutputThatFails, FailsForEverybody) {
+    DWORD written = 0;
+    EXPECT_FALSE(WriteFile(m_output.Get(), "x", 1, &written, nullptr));
+    EXPECT_EQ(GetLastError(), GetParam().error);
+}
+
+TEST_P(OutputThatFails, LeavesTheStatusAsItIs) {
+    EXPECT_EQ(Run({}).status, 1U);
+    EXPECT_EQ(Run({L"/p"}).status, 1U);
+    EXPECT_EQ(Run({L"help", L"action"}).status, 0U);
+    EXPECT_EQ(Run({L"bogus"}).status, 2U);
+    EXPECT_EQ(Run({L"/q", L"bogus"}).status, 2U);
+    EXPECT_EQ(Run({L"/p", L"Nobody", L"get", L"status"}).status, 2U);
+    EXPECT_EQ(Run({L"version", L"os"}).status, 0U);
+    EXPECT_EQ(m_file.Read(), "what was there");
+}
+
+TEST_P(OutputThatFails, DoesNotKeepTheWorkFromBeingDone) {
+    const demo::Printer printer({.comment = L"by the door"});
+    EXPECT_EQ(Run({L"/p", printer.Name(), L"set", L"comment", L"at the window"}).status, 0U);
+    EXPECT_EQ(Run({L"/p", printer.Name(), L"get", L"comment"}).status, 0U);
+    const kit::ProcessResult seen = Kemba({L"/p", printer.Name(), L"get", L"comment"});
+    EXPECT_EQ(seen.output,
+              programs::Framed("Get", programs::Printed(printer.Name()) + ": at the window\r\n"));
+    EXPECT_EQ(m_file.Read(), "what was there");
+}
+
+INSTANTIATE_TEST_SUITE_P(Programs, OutputThatFails, testing::ValuesIn(kBadOutputs),
+                         [](const auto& row) { return std::string(row.param.title); });
+
+} // namespace
