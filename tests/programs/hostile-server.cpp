@@ -6,7 +6,8 @@
 // CLASS is that of the main object; the others follow from it. Of two events, named "kemba hostile CLASS
 // ready" and "kemba hostile CLASS over", it sets the first when the classes are offered, and ends with the
 // second. The operation is named as in the test kit, or is "DriverAutomation.CreateInstance" and the like;
-// HOW is "die" or a number of milliseconds. Everything else it answers as the test kit's server does.
+// HOW is "die" or a number of milliseconds. Everything else it answers as the test kit's server does, to one
+// client. It has no window, so that nobody's broadcast waits for it.
 #include <windows.h>
 
 #include <objbase.h>
@@ -65,7 +66,7 @@ std::function<void()> WorkOf(const std::wstring& how) {
 
 int wmain(int count, wchar_t* words[]) {
     if (count < 4 || // behind the words may stand one of COM's, which starts it when it is registered
-        FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {
+        FAILED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))) {
         return 1;
     }
     const Hostility hostility{kit::Narrow(words[2]), WorkOf(words[3])};
@@ -94,11 +95,6 @@ int wmain(int count, wchar_t* words[]) {
     const HANDLE ready = OpenEventW(EVENT_MODIFY_STATE, FALSE, (events + L" ready").c_str());
     const HANDLE over = OpenEventW(SYNCHRONIZE, FALSE, (events + L" over").c_str());
     SetEvent(ready);
-    while (MsgWaitForMultipleObjects(1, &over, FALSE, INFINITE, QS_ALLINPUT) == WAIT_OBJECT_0 + 1) {
-        MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            DispatchMessageW(&message);
-        }
-    }
+    WaitForSingleObject(over, INFINITE);
     return 0;
 }
