@@ -1,0 +1,75 @@
+// Sixteen runs of kemba.exe at the same time, each as if it were alone.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <objbase.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "demo/WinePrinters.h"
+#include "tests/programs/Clients.h"
+#include "tests/programs/HeldServer.h"
+#include "tests/programs/Kemba.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using programs::Framed;
+using programs::Printed;
+using programs::Words;
+
+constexpr int kRuns = 16;
+
+struct Expected {
+    Words words;
+    std::string output; ///< all bytes of standard output, and none of standard error
+    DWORD status;
+};
+
+TEST(SixteenAtOnce, ArePrintedAndEndAsEachAlone) {
+    const demo::Printer one({.comment = L"by the door"});
+    const demo::Printer two({.comment = L"at the window, 50% %1"});
+    const std::string oneName = Printed(one.Name());
+    const std::string twoName = Printed(two.Name());
+    const Expected expected[] = {
+        {{L"/p", one.Name(), L"get", L"comment"}, Framed("Get", oneName + ": by the door\r\n"), 0},
+        {{L"/p", one.Name(), L"/p", two.Name(), L"get", L"comment"},
+         Framed("Get", oneName + ": by the door\r\n" + twoName + ": at the window, 50% %1\r\n"),
+         0},
+        {{L"/p", two.Name(), L"get", L"status"}, Framed("Get", twoName + ": Ready\r\n"), 0},
+        {{L"/p", two.Name(), L"get", L"colour"}, Framed("Get", "Argument 'colour' is invalid.\r\n"), 0},
+        {{L"/p", one.Name(), L"send", L"C:\\Nowhere"},
+         Framed("Send", "File does not exist.\r\n"),
+         2},
+        {{L"/p", L"Nobody", L"get", L"status"},
+         "The printer 'Nobody' is not found.\r\nNo printers selected for this operation.\r\n",
+         2},
+        {{L"bogus"}, "The command 'bogus' is unknown.\r\n", 2},
+        {{L"/q", L"/p", one.Name(), L"get", L"comment"}, "", 0},
+    };
+    ASSERT_EQ(CoInitialize(nullptr), S_OK);
+    {
+        const programs::HeldServer server(one.Name(), 100s);
+        programs::Clients clients;
+        for (int run = 0; run < kRuns; ++run) {
+            clients.Start(L"kemba.exe", expected[run % std::size(expected)].words);
+        }
+        int run = 0;
+        for (const kit::ProcessResult& result : clients.Finish(60s)) {
+            SCOPED_TRACE(run);
+            const Expected& each = expected[run++ % std::size(expected)];
+            EXPECT_FALSE(result.timedOut);
+            EXPECT_EQ(result.output, each.output);
+            EXPECT_EQ(result.status, each.status);
+        }
+        EXPECT_EQ(run, kRuns);
+        EXPECT_TRUE(server.IsStillTheOne());
+    }
+    CoUninitialize();
+}
+
+} // namespace
