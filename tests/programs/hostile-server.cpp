@@ -71,9 +71,11 @@ int wmain(int count, wchar_t* words[]) {
     }
     const Hostility hostility{kit::Narrow(words[2]), WorkOf(words[3])};
     const auto state = std::make_shared<kit::ServerState>();
-    kit::Answer answer;
-    answer.work = hostility.work;
-    state->script.Add(hostility.operation, std::move(answer));
+    if (kit::FindOperation(hostility.operation)) {
+        kit::Answer answer;
+        answer.work = hostility.work;
+        state->script.Add(hostility.operation, std::move(answer));
+    }
 
     CLSID first{};
     if (FAILED(CLSIDFromString(words[1], &first))) {
