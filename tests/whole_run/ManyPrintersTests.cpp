@@ -1,56 +1,22 @@
 // One, two and many printers, and names and values that are hard to carry.
 #include "tests/whole_run/WholeRunTest.h"
 
-#include <winspool.h>
-
 #include <algorithm>
-#include <cstring>
 
-#include "tests/core/SystemCallsPreset.h"
 #include "tests/kit/Narrow.h"
 #include "tests/kit/TemporaryFile.h"
+#include "tests/whole_run/ListedPrinters.h"
 
 namespace {
 
 using kit::Lines;
 using kit::Narrow;
+using whole_run::ListedPrinters;
+using whole_run::Numbered;
 using whole_run::Output;
 using whole_run::Printed;
 using whole_run::RunResult;
 using whole_run::Words;
-
-/// A spooler whose list of printers the test writes.
-class ListedPrinters {
-  public:
-    explicit ListedPrinters(std::vector<std::wstring> names) {
-        s_names = std::move(names);
-        m_calls->enumPrinters = Enumerate;
-    }
-
-  private:
-    static WINBOOL WINAPI Enumerate(DWORD flags, LPWSTR, DWORD level, LPBYTE buffer, DWORD size,
-                                    LPDWORD needed, LPDWORD count) {
-        EXPECT_EQ(flags, 6U);
-        EXPECT_EQ(level, 1U);
-        const std::size_t bytes = s_names.size() * sizeof(PRINTER_INFO_1W);
-        *needed = static_cast<DWORD>(bytes);
-        *count = 0;
-        if (size < bytes) {
-            SetLastError(ERROR_INSUFFICIENT_BUFFER);
-            return FALSE;
-        }
-        for (std::size_t index = 0; index < s_names.size(); ++index) {
-            PRINTER_INFO_1W entry{};
-            entry.pName = s_names[index].data();
-            std::memcpy(buffer + index * sizeof(entry), &entry, sizeof(entry));
-        }
-        *count = static_cast<DWORD>(s_names.size());
-        return TRUE;
-    }
-
-    inline static std::vector<std::wstring> s_names;
-    SystemCallsPreset m_calls;
-};
 
 /// A scripted server; the printers are what each test lists.
 class ManyPrinters : public testing::Test {
@@ -63,14 +29,6 @@ class ManyPrinters : public testing::Test {
 
     kit::FakeServer server;
 };
-
-std::vector<std::wstring> Numbered(int count) {
-    std::vector<std::wstring> names;
-    for (int number = 1; number <= count; ++number) {
-        names.push_back(L"Label " + std::to_wstring(number));
-    }
-    return names;
-}
 
 TEST_F(ManyPrinters, AreServedInTheOrderOfTheList) {
     for (const int count : {1, 2, 500}) {

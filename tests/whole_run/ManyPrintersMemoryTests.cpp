@@ -1,0 +1,101 @@
+// What a run over thousands of printers takes of memory. It needs a process of its own, as ctest gives it: a
+// process's peak never falls.
+#include "tests/whole_run/WholeRunTest.h"
+
+#include <windows.h>
+
+#include <DriverAutomation.h>
+#include <objbase.h>
+#include <psapi.h>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "tests/kit/FakeObjects.h"
+#include "tests/kit/OneInterface.h"
+#include "tests/kit/ServerState.h"
+#include "tests/whole_run/ListedPrinters.h"
+
+namespace {
+
+using whole_run::Lines;
+using whole_run::ListedPrinters;
+using whole_run::Numbered;
+using whole_run::Output;
+using whole_run::Printed;
+using whole_run::RunResult;
+
+constexpr int kPrinters = 5'000;
+constexpr std::size_t kMost = std::size_t{10} * 1024 * 1024; // bytes, more than for one printer
+
+/// Makes the test kit's objects, of which nothing is kept: no journal, and no object after its last
+/// reference.
+class ForgetfulClass final : public kit::OneInterface<IClassFactory> {
+  public:
+    ForgetfulClass() {
+        m_state->isOpen = false;
+        kit::Answer answer;
+        answer.work = [state = m_state.get()] { state->journal.Clear(); };
+        m_state->script.Add("IPrinterInformation.GetStatus", std::move(answer));
+    }
+
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID id, void** object) override {
+        m_state->problems.clear(); // the texts are nobody's concern here
+        return MakeFakeObject(m_state, kit::FakeClass::DriverAutomation, id, object);
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(WINBOOL) override { return S_OK; }
+
+  private:
+    const std::shared_ptr<kit::ServerState> m_state = std::make_shared<kit::ServerState>();
+};
+
+/// The most memory that this process ever had, in bytes: what it committed, and what was in the machine's.
+struct Peak {
+    Peak() {
+        PROCESS_MEMORY_COUNTERS counters{};
+        EXPECT_TRUE(GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters)));
+        committed = counters.PeakPagefileUsage;
+        resident = counters.PeakWorkingSetSize;
+    }
+    std::size_t committed;
+    std::size_t resident;
+};
+
+/// Reads the status of all printers; every line is looked at.
+void ReadStatus(const std::vector<std::wstring>& names) {
+    const ListedPrinters printers(names);
+    const RunResult run = whole_run::RunAfresh({L"/a", L"get", L"status"});
+    std::string expected = "Executing 'Get' command.\r\n";
+    for (const std::wstring& name : names) {
+        expected += Printed(name) + ": Status\r\n";
+    }
+    expected += "Finished processing command.\r\n";
+    EXPECT_TRUE(run.output == expected) << run.output.substr(0, 300);
+    EXPECT_EQ(run.status, 0);
+}
+
+TEST(ManyPrintersMemory, IsThatOfOnePrinterAndTenMegabytesAtMost) {
+    ASSERT_EQ(CoInitialize(nullptr), S_OK);
+    DWORD cookie = 0;
+    auto* const offered = new ForgetfulClass;
+    ASSERT_EQ(CoRegisterClassObject(__uuidof(DriverAutomation), offered, CLSCTX_INPROC_SERVER,
+                                    REGCLS_MULTIPLEUSE, &cookie),
+              S_OK);
+    offered->Release();
+    const std::vector<std::wstring> names = Numbered(kPrinters);
+    ReadStatus(Numbered(1));
+    const Peak one;
+    ReadStatus(names);
+    const Peak many;
+    CoRevokeClassObject(cookie);
+    CoUninitialize();
+    std::printf("peak with 1 printer: %zu KB committed, %zu KB resident; with %d: %zu KB and %zu KB more\n",
+                one.committed / 1024, one.resident / 1024, kPrinters, (many.committed - one.committed) / 1024,
+                (many.resident - one.resident) / 1024);
+    EXPECT_LT(many.committed - one.committed, kMost);
+    EXPECT_LT(many.resident - one.resident, kMost);
+}
+
+} // namespace
