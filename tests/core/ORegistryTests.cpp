@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/kit/KeyRights.h"
 #include "tests/kit/RegistryPreset.h"
 
 namespace {
@@ -252,42 +253,10 @@ TEST(ORegistry, MakesAKeyOnlyWhenAskedTo) {
     RegCloseKey(opened);
 }
 
-/// Grants everybody, the test included, certain rights to a key under the current user and no more.
-void GrantOnly(const std::wstring& path, DWORD rights) {
-    struct {
-        ACL list;
-        BYTE room[256];
-    } access{};
-    ASSERT_TRUE(InitializeAcl(&access.list, sizeof(access), ACL_REVISION));
-    SID everybody{SID_REVISION, 1, SECURITY_WORLD_SID_AUTHORITY, {SECURITY_WORLD_RID}};
-    ASSERT_TRUE(AddAccessAllowedAce(&access.list, ACL_REVISION, rights, &everybody));
-    SECURITY_DESCRIPTOR descriptor{};
-    ASSERT_TRUE(InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION));
-    ASSERT_TRUE(SetSecurityDescriptorDacl(&descriptor, TRUE, &access.list, FALSE));
-    HKEY key = nullptr;
-    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, WRITE_DAC, &key), ERROR_SUCCESS);
-    EXPECT_EQ(RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, &descriptor), ERROR_SUCCESS);
-    RegCloseKey(key);
-}
-
-/// Makes a key under the current user read-only until the end of its scope.
-class WriteProtection {
-  public:
-    explicit WriteProtection(std::wstring path) : m_path(std::move(path)) {
-        GrantOnly(m_path, KEY_READ | WRITE_DAC);
-    }
-    WriteProtection(const WriteProtection&) = delete;
-    WriteProtection& operator=(const WriteProtection&) = delete;
-    ~WriteProtection() { GrantOnly(m_path, KEY_ALL_ACCESS); }
-
-  private:
-    std::wstring m_path;
-};
-
 TEST(ORegistry, OpensAKeyThatMayNotBeWrittenToRead) {
     const OwnKey key;
     key.Set(L"V", RegistryData::OfDword(1));
-    const WriteProtection protection(L"Software\\" + Unique());
+    const KeyRights protection(HKEY_CURRENT_USER, L"Software\\" + Unique(), KEY_READ);
 
     const HKEY readable = ORegistry().OpenKey((L"1:Software/" + Unique()).c_str(), true);
     ASSERT_NE(readable, nullptr);

@@ -44,19 +44,17 @@ inline void SetRegistryData(HKEY root, const std::wstring& key, const std::wstri
 /// The value below `root`, or nothing.
 inline std::optional<RegistryData> GetRegistryData(HKEY root, const std::wstring& key,
                                                    const std::wstring& name) {
-    RegistryData data;
-    DWORD size = 0;
-    if (RegGetValueW(root, key.c_str(), name.c_str(), RRF_RT_ANY | RRF_NOEXPAND, nullptr, nullptr, &size) !=
-        ERROR_SUCCESS) {
-        return std::nullopt;
-    }
-    data.bytes.resize(size);
     HKEY opened = nullptr;
     if (RegOpenKeyExW(root, key.c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS) {
         return std::nullopt;
     }
-    const LSTATUS status =
-        RegQueryValueExW(opened, name.c_str(), nullptr, &data.type, data.bytes.data(), &size);
+    RegistryData data;
+    DWORD size = 0;
+    LSTATUS status = RegQueryValueExW(opened, name.c_str(), nullptr, &data.type, nullptr, &size);
+    if (status == ERROR_SUCCESS) {
+        data.bytes.resize(size);
+        status = RegQueryValueExW(opened, name.c_str(), nullptr, &data.type, data.bytes.data(), &size);
+    }
     RegCloseKey(opened);
     data.bytes.resize(size);
     return status == ERROR_SUCCESS ? std::optional(data) : std::nullopt;
