@@ -4,7 +4,10 @@
 
 #include <windows.h>
 
+#include <winspool.h>
+
 #include <string>
+#include <vector>
 
 #include "core/Utf8.h"
 #include "demo/WinePrinters.h"
@@ -43,6 +46,18 @@ std::string HelpFor(const std::wstring& topic) {
     EXPECT_EQ(run.errors, "");
     EXPECT_EQ(run.status, 0U);
     return run.output;
+}
+
+/// What the spooler holds.
+std::wstring LocationOf(std::wstring printer) {
+    HANDLE handle = nullptr;
+    EXPECT_TRUE(OpenPrinterW(printer.data(), &handle, nullptr));
+    DWORD size = 0;
+    GetPrinterW(handle, 2, nullptr, 0, &size);
+    std::vector<BYTE> record(size);
+    EXPECT_TRUE(GetPrinterW(handle, 2, record.data(), size, &size));
+    ClosePrinter(handle);
+    return reinterpret_cast<const PRINTER_INFO_2W*>(record.data())->pLocation;
 }
 
 TEST(CodePage65001Programs, AreUnderIt) {
@@ -95,6 +110,7 @@ TEST(CodePage65001Programs, CarryNamesAndValuesAndCutNoMoreThanTheLine) {
         EXPECT_EQ(run.status, 0U);
         const std::wstring location = comment + L"\x00E9"; // a value that goes to the server is never cut
         EXPECT_EQ(Kemba({L"/p", name, L"set", L"location", location}).status, 0U);
+        EXPECT_EQ(LocationOf(name), location);
         EXPECT_EQ(Kemba({L"/p", name, L"get", L"location"}).output,
                   Framed("Get", Printed(name + L": " + location) + "\r\n"));
     }
