@@ -65,5 +65,10 @@ int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
 // NOLINTEND(bugprone-reserved-identifier,cert-*)
 
 void OCore::BeginProgram() {
+    // The thread library keeps a record of each thread, made when it is first needed, and for the first
+    // thread that is where the first exception is thrown: it does not look whether it got one.
+    if (pthread_self() == 0) {
+        EndProgram();
+    }
     begun = true;
 }
