@@ -28,6 +28,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace kit {
@@ -75,6 +76,11 @@ class FakeServer {
     /// The calls, and the life of the objects and of the component runtime.
     Lines Journal() const { return m_state->journal.Lines(); }
     void ClearJournal() { m_state->journal.Clear(); }
+    /// Hands each further call to the follower as well, before it is done: for programs that may not end
+    /// well.
+    void FollowCalls(std::function<void(const std::string&)> follower) {
+        m_state->journal.Follow(std::move(follower));
+    }
 
     /// What is wrong after a run, a readable line each: objects and error information not released, factories
     /// locked, texts not freed, an unbalanced initialisation of the runtime, arguments that are no BSTRs.

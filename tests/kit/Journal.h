@@ -1,6 +1,7 @@
 // What a client did to the fake server, line by line.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,14 +22,22 @@ class Journal {
     /// The calls alone: what was asked of the server, without the life of the objects.
     std::vector<std::string> Calls() const { return Select(true); }
 
-    void AddCall(std::string line) { m_entries.emplace_back(true, std::move(line)); }
+    void AddCall(std::string line) {
+        if (m_follower)
+            m_follower(line);
+        m_entries.emplace_back(true, std::move(line));
+    }
     void AddEvent(std::string line) { m_entries.emplace_back(false, std::move(line)); }
     void Clear() { m_entries.clear(); }
+
+    /// Hands each further call to the follower as well, before it is done.
+    void Follow(std::function<void(const std::string&)> follower) { m_follower = std::move(follower); }
 
   private:
     std::vector<std::string> Select(bool callsOnly) const;
 
     std::vector<std::pair<bool, std::string>> m_entries; // is a call, line
+    std::function<void(const std::string&)> m_follower;
 };
 
 } // namespace kit

@@ -135,6 +135,8 @@ class AllocatorSpy final : public IMallocSpy {
     SIZE_T m_size = 0;
 };
 
+long g_given = 0;
+
 /// Never destroyed: the allocator is used until the very end of the process.
 AllocatorSpy& TheSpy() {
     static AllocatorSpy& spy = *new AllocatorSpy;
@@ -156,7 +158,16 @@ void TextWatch::Start() {
 BSTR TextWatch::Give(std::wstring_view text, std::string_view label) {
     const BSTR made = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
     Receive(made, label);
+    InterlockedIncrement(&g_given);
     return made;
+}
+
+long TextWatch::Given() {
+    return g_given;
+}
+
+void TextWatch::ForgetGiven() {
+    g_given = 0;
 }
 
 bool TextWatch::Receive(BSTR text, std::string_view label) {

@@ -23,6 +23,10 @@ void Start();
 /// Makes a BSTR that must be freed by whoever receives it; `label` tells where it came from.
 BSTR Give(std::wstring_view text, std::string_view label);
 
+/// How many texts were given so far, or since that was forgotten.
+long Given();
+void ForgetGiven();
+
 /// Watches a BSTR that the client made: it too must be freed. False when it lies in no live allocation, which
 /// means that it is no BSTR at all. A null counts as a BSTR and needs no freeing.
 bool Receive(BSTR text, std::string_view label);
