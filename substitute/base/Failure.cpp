@@ -54,7 +54,7 @@ Failure WindowsFailure(const std::wstring& what, DWORD error) {
 
 Failure ComFailure(const std::wstring& what, HRESULT status) {
     wchar_t code[16] = {};
-    std::swprintf(code, std::size(code), L"0x%08lX", static_cast<unsigned long>(status));
+    static_cast<void>(std::swprintf(code, std::size(code), L"0x%08lX", static_cast<unsigned long>(status)));
     return Describe(status, what, static_cast<DWORD>(status), code);
 }
 
