@@ -88,7 +88,7 @@ std::wstring_view FileNameOf(std::wstring_view path) {
 
 std::wstring TemporaryNameBeside(std::wstring_view path, unsigned number, const wchar_t* ending) {
     wchar_t name[9] = {};
-    std::swprintf(name, std::size(name), L"~ke%04X.", number & 0xFFFF);
+    static_cast<void>(std::swprintf(name, std::size(name), L"~ke%04X.", number & 0xFFFF));
     return std::wstring(FolderOf(path)) + name + ending;
 }
 
