@@ -52,7 +52,8 @@ LibraryDescription DescribeLibrary(ITypeLib& library) {
     ThrowIfFailed(library.GetDocumentation(MEMBERID_NIL, nullptr, name.Put(), nullptr, nullptr),
                   L"reading the type library failed");
     wchar_t version[16] = {};
-    std::swprintf(version, std::size(version), L"%x.%x", held->wMajorVerNum, held->wMinorVerNum);
+    static_cast<void>(
+        std::swprintf(version, std::size(version), L"%x.%x", held->wMajorVerNum, held->wMinorVerNum));
     LibraryDescription described{
         Braced(held->guid), name.Text(), version, std::to_wstring(held->wLibFlags), {}};
     for (UINT index = 0; index < library.GetTypeInfoCount(); ++index) {
