@@ -80,7 +80,7 @@ TEST(OEventLogThreads, OpenAndCloseLogsOfManySourcesWhileOthersAreSweptOut) {
     const RunningClock clock;
     std::atomic<int> wrong{0};
     kit::AtOnce(kThreads, [&](int thread) {
-        for (std::uint32_t round = 0; round < 60; ++round) {
+        for (std::uint32_t round = 0; round < 300; ++round) {
             const std::uint32_t index = (static_cast<std::uint32_t>(thread) + round) % 4;
             const OEventLog log(OString(all[index]->GetSource().Wide()));
             wrong += log.IsEnabled(1U << index) ? 0 : 1;
