@@ -15,7 +15,7 @@
 namespace {
 
 constexpr int kThreads = 8;
-constexpr int kRounds = 5'000;
+constexpr int kRounds = 40'000;
 
 /// Texts with both forms, as those must have that several threads read.
 std::vector<OString> SharedTexts() {
