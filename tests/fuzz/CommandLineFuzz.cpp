@@ -2,24 +2,24 @@
 // are made up.
 #include <windows.h>
 
-#include <winspool.h>
-
 #include <algorithm>
 #include <string>
 #include <vector>
 
 #include "cli/Dispatcher.h"
 #include "cli/OptionParser.h"
-#include "tests/core/SystemCallsPreset.h"
 #include "tests/fuzz/CommandLineModel.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/fuzz/MadePrinters.h"
 #include "tests/fuzz/TextModel.h"
 
 namespace {
 
 using fuzz::Case;
+using fuzz::MadePrinters;
 using fuzz::ParsedModel;
 using fuzz::Words;
+using fuzz::World;
 using kemba::ApplicationSettings;
 using kemba::Command_Base;
 using kemba::CommandRow;
@@ -42,23 +42,14 @@ class Screen : public ConsoleOutput {
     std::string m_written;
 };
 
-/// The made-up printers, and what the commands leave behind.
-struct World {
-    DWORD platform = VER_PLATFORM_WIN32_NT;
-    DWORD major = 10;
-    bool enumerates = true;
-    Words printers;
-    std::wstring defaultPrinter;
-    Words done; // arguments of "record", printers of "loop"
-};
-World* g_world;
+Words g_done; // arguments of "record", printers of "loop"
 
 class Recording : public Command_Base {
   public:
     using Command_Base::Command_Base;
     bool Run() override {
-        g_world->done.assign(GetArguments().begin(), GetArguments().end());
-        return g_world->done.size() % 2 == 0;
+        g_done.assign(GetArguments().begin(), GetArguments().end());
+        return g_done.size() % 2 == 0;
     }
 };
 
@@ -67,7 +58,7 @@ class Looping : public Command_Base {
   public:
     using Command_Base::Command_Base;
     bool Execute(const OString& printer) override {
-        g_world->done.emplace_back(printer.Wide());
+        g_done.emplace_back(printer.Wide());
         if (printer.Find(L'x') >= 0) {
             throw 1;
         }
@@ -79,76 +70,6 @@ constexpr CommandRow kTable[] = {{L"record", MakeCommand<Recording>},
                                  {L"loop", MakeCommand<Looping>},
                                  {L"base", MakeCommand<Command_Base>},
                                  {L"?", MakeCommand<Recording>}};
-
-BOOL WINAPI EnumMade(DWORD, LPWSTR, DWORD level, LPBYTE buffer, DWORD size, LPDWORD needed, LPDWORD count) {
-    const fuzz::OrdinaryHeap ordinary;
-    const Words names = level == 5 ? Words(g_world->defaultPrinter.empty() ? 0 : 1, g_world->defaultPrinter)
-                                   : g_world->printers;
-    const std::size_t entry = level == 5 ? sizeof(PRINTER_INFO_5W) : sizeof(PRINTER_INFO_1W);
-    std::size_t wanted = names.size() * entry;
-    for (const std::wstring& name : names) {
-        wanted += (name.size() + 1) * sizeof(wchar_t);
-    }
-    *needed = static_cast<DWORD>(wanted);
-    *count = 0;
-    if (size < wanted) {
-        SetLastError(ERROR_INSUFFICIENT_BUFFER);
-        return FALSE;
-    }
-    if (buffer && !g_world->enumerates) {
-        return FALSE;
-    }
-    auto* text = reinterpret_cast<wchar_t*>(buffer + names.size() * entry);
-    for (const std::wstring& name : names) {
-        BYTE* const at = buffer + *count * entry;
-        (level == 5 ? reinterpret_cast<PRINTER_INFO_5W*>(at)->pPrinterName
-                    : reinterpret_cast<PRINTER_INFO_1W*>(at)->pName) = text;
-        text[name.copy(text, name.size())] = 0;
-        text += name.size() + 1;
-        ++*count;
-    }
-    return TRUE;
-}
-
-BOOL WINAPI GetMadeDefault(LPWSTR buffer, LPDWORD size) {
-    const std::wstring& name = g_world->defaultPrinter;
-    const auto wanted = static_cast<DWORD>(name.size() + 1);
-    const bool fits = buffer && *size >= wanted;
-    *size = wanted;
-    if (name.empty() || !fits) {
-        SetLastError(name.empty() ? ERROR_FILE_NOT_FOUND : ERROR_INSUFFICIENT_BUFFER);
-        return FALSE;
-    }
-    buffer[name.copy(buffer, name.size())] = 0;
-    return TRUE;
-}
-
-DWORD WINAPI GetMadeProfile(LPCWSTR, LPCWSTR, LPCWSTR, LPWSTR buffer, DWORD size) {
-    const std::wstring line =
-        g_world->defaultPrinter.empty() ? L"" : g_world->defaultPrinter + L",driver,port";
-    const std::size_t length = line.copy(buffer, size - 1);
-    buffer[length] = 0;
-    return static_cast<DWORD>(length);
-}
-
-BOOL WINAPI GetMadeVersion(OSVERSIONINFOW* version) {
-    version->dwPlatformId = g_world->platform;
-    version->dwMajorVersion = g_world->major;
-    return TRUE;
-}
-
-World DrawWorld(Case& input) {
-    const fuzz::OrdinaryHeap ordinary;
-    World world;
-    world.platform = static_cast<DWORD>(input.OnceIn(4) ? input.Below(4) : VER_PLATFORM_WIN32_NT);
-    world.major = static_cast<DWORD>(input.OnceIn(4) ? 4 : 5 + input.Below(6));
-    world.enumerates = !input.OnceIn(8);
-    for (std::size_t left = input.Length(5); left > 0; --left) {
-        world.printers.push_back(L"p" + input.WideText(40));
-    }
-    world.defaultPrinter = input.OnceIn(4) ? L"" : L"d" + input.Name(40);
-    return world;
-}
 
 /// What a command line is to come to.
 class Expectation {
@@ -223,8 +144,9 @@ class Expectation {
 
 FUZZ_TARGET(CommandLines, 300) {
     const fuzz::AlignedBlocks aligned; // for the spooler's records
-    World world = DrawWorld(input);
-    g_world = &world;
+    const MadePrinters made(input);
+    const World& world = made.GetWorld();
+    g_done.clear();
     Words words = fuzz::DrawWords(input, {L"record", L"loop", L"loop", L"base", L"get"});
     // The spooler itself is asked for each printer named to a loop, which is slow.
     ParsedModel expected = fuzz::ParsedByModel(words);
@@ -238,12 +160,6 @@ FUZZ_TARGET(CommandLines, 300) {
                std::to_string(world.platform) + ", version " + std::to_string(world.major) +
                (world.enumerates ? "" : ", enumerating fails");
     });
-    const SystemCallsPreset calls;
-    calls->enumPrinters = &EnumMade;
-    calls->getDefaultPrinter = &GetMadeDefault;
-    calls->getProfileString = &GetMadeProfile;
-    calls->getVersionEx = &GetMadeVersion;
-
     ApplicationSettings settings;
     OStringArray array;
     for (const std::wstring& word : words) {
@@ -269,7 +185,8 @@ FUZZ_TARGET(CommandLines, 300) {
     const Expectation wanted(expected, world);
     EXPECT_EQ(result, wanted.result);
     EXPECT_EQ(screen.GetWritten(), wanted.output);
-    EXPECT_EQ(world.done, wanted.done);
+    EXPECT_EQ(g_done, wanted.done);
+    Words().swap(g_done); // no block is to be left
 }
 
 } // namespace

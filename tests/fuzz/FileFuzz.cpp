@@ -149,6 +149,9 @@ void Step(Case& input, const TemporaryFile& real, OFile& file, Model& model) {
 }
 
 FUZZ_TARGET(Files, 400) {
+    if (input.Number() % 8 != 0 && input.Number() > 2000) {
+        return; // the system's part of a file is slow
+    }
     const TemporaryFile real;
     Model model;
     {

@@ -81,8 +81,11 @@ class Case {
 std::string Literal(std::string_view bytes);
 std::string Literal(std::wstring_view units);
 
+/// Whether a case may leave blocks of memory behind.
+enum class Balance { Even, Any };
+
 /// Runs the cases of a target, `shortRun` of them if the environment asks for no other number.
-void Run(const char* target, void (*body)(Case&), std::uint64_t shortRun);
+void Run(const char* target, void (*body)(Case&), std::uint64_t shortRun, Balance balance = Balance::Even);
 
 } // namespace fuzz
 

@@ -15,6 +15,7 @@
 namespace {
 
 using fuzz::Case;
+using fuzz::GuardedHeap;
 
 std::vector<std::uint64_t> Draws(std::uint64_t seed, std::uint64_t number) {
     Case input(seed, number, false);
@@ -126,6 +127,11 @@ TEST(Fuzz, ACaseWithoutAnEndIsToldAndSaysItsInput) {
 
 TEST(FuzzRunDeathTest, ACaseThatLeavesMemoryFails) {
     EXPECT_EXIT(RunAndExit(LeaksInEveryCase), testing::ExitedWithCode(7), "case 0 ");
+    const std::uint64_t taken = GuardedHeap::Taken();
+    const GuardedHeap guarded;
+    const auto left = std::make_unique<char[]>(3);
+    EXPECT_EQ(GuardedHeap::ListSince(taken), "\n  3 bytes: 00 00 00");
+    EXPECT_EQ(GuardedHeap::ListSince(taken + 1), "");
 }
 
 } // namespace

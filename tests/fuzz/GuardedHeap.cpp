@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <string>
 
 #include "tests/fuzz/Crash.h"
 
@@ -42,12 +43,14 @@ struct Place {
     std::uint32_t size = 0;   // bytes of the block
     std::uint32_t next = 0;   // of the freed places, in the order in which they were freed
     std::uint32_t offset = 0; // of the block in the data
+    std::uint64_t number = 0; // of the block among all that were taken
     State state = State::Fresh;
 };
 
 std::atomic<bool> g_guarding{false};
 std::atomic<std::size_t> g_alignment{1}; // of blocks at the end
 std::atomic<std::int64_t> g_live{0};
+std::atomic<std::uint64_t> g_taken{0};
 std::atomic<std::uint64_t> g_unguarded{0};
 
 [[noreturn]] void Fault(const char* what, const void* block) {
@@ -101,6 +104,7 @@ class Places {
         }
         Place& place = m_places[index];
         place.size = static_cast<std::uint32_t>(size);
+        place.number = ++g_taken;
         place.offset = m_atEnd ? static_cast<std::uint32_t>((m_bytes - size) / g_alignment * g_alignment) : 0;
         place.state = State::Live;
         m_atEnd = !m_atEnd;
@@ -129,6 +133,22 @@ class Places {
         (m_freed == 0 ? m_oldest : m_places[m_latest].next) = index;
         m_latest = index;
         ++m_freed;
+    }
+
+    /// Adds a line for each live block that was taken after so many.
+    void ListSince(std::uint64_t taken, std::string& list) const {
+        constexpr std::uint32_t kShown = 32; // bytes
+        for (std::uint32_t index = 0; index < m_used; ++index) {
+            const Place& place = m_places[index];
+            if (place.state == State::Live && place.number > taken) {
+                list += "\n  " + std::to_string(place.size) + " bytes:";
+                for (std::uint32_t at = 0; at < std::min(place.size, kShown); ++at) {
+                    char text[4];
+                    std::snprintf(text, sizeof(text), " %02X", static_cast<unsigned>(Block(index)[at]));
+                    list += text;
+                }
+            }
+        }
     }
 
     void Describe(const BYTE* address, char* text, std::size_t room) const {
@@ -249,6 +269,12 @@ class Heap {
         }
     }
 
+    void ListSince(std::uint64_t taken, std::string& list) const {
+        for (const Places& places : m_sizes) {
+            places.ListSince(taken, list);
+        }
+    }
+
     void* Take(std::size_t size) {
         for (std::size_t index = 0; index < kSizes; ++index) {
             if (size <= kPage << index) {
@@ -310,6 +336,17 @@ GuardedHeap::~GuardedHeap() {
 
 std::int64_t GuardedHeap::LiveBlocks() {
     return g_live;
+}
+
+std::uint64_t GuardedHeap::Taken() {
+    return g_taken;
+}
+
+std::string GuardedHeap::ListSince(std::uint64_t taken) {
+    const OrdinaryHeap ordinary;
+    std::string list;
+    g_heap.load()->ListSince(taken, list);
+    return list;
 }
 
 std::uint64_t GuardedHeap::Unguarded() {

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace fuzz {
 
@@ -22,6 +23,10 @@ class GuardedHeap {
 
     /// Guarded blocks that have not been freed.
     static std::int64_t LiveBlocks();
+    /// Blocks that were taken so far.
+    static std::uint64_t Taken();
+    /// Those that were taken after so many and not freed, a line each with what stands at their beginnings.
+    static std::string ListSince(std::uint64_t taken);
     /// Blocks that could not be guarded because there was no place left for them.
     static std::uint64_t Unguarded();
     /// Whether a block is guarded.
