@@ -39,6 +39,7 @@ FakeServer::~FakeServer() {
         Unregister(which);
     SetErrorInfo(0, nullptr);
     m_state->isOpen = false;
+    TextWatch::Forget();
     m_state->released.clear(); // they hold the state that holds them
 }
 

@@ -192,6 +192,7 @@ std::vector<Row>& TheRows() {
         MakeRow<Opening, "OpenThread", &H::handles, decltype(&::OpenThread)>(),
         MakeRow<Closing, "CloseHandle", &H::handles, decltype(&::CloseHandle)>(),
         MakeRow<Opening, "OpenPrinterW", &H::printers, decltype(&::OpenPrinterW)>(),
+        MakeRow<Opening, "AddPrinterW", &H::printers, decltype(&::AddPrinterW)>(),
         MakeRow<Closing, "ClosePrinter", &H::printers, decltype(&::ClosePrinter)>(),
         MakeRow<kGetProcAddress>(&WatchedGetProcAddress),
     };

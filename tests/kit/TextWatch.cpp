@@ -3,8 +3,10 @@
 
 #include <objidl.h>
 
+#include <functional>
 #include <map>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -13,6 +15,29 @@ extern "C" void WINAPI SetOaNoCache(void);
 
 namespace kit {
 namespace {
+
+/// Memory that is nobody's: the watch over the program's heap blocks does not see it.
+template<class T>
+struct SystemAllocator {
+    using value_type = T;
+
+    SystemAllocator() = default;
+    template<class Other>
+    SystemAllocator(const SystemAllocator<Other>&) {} // NOLINT: containers convert it
+
+    T* allocate(std::size_t count) {
+        void* const memory = HeapAlloc(GetProcessHeap(), 0, count * sizeof(T));
+        if (!memory)
+            throw std::bad_alloc();
+        return static_cast<T*>(memory);
+    }
+    void deallocate(T* memory, std::size_t) { HeapFree(GetProcessHeap(), 0, memory); }
+    bool operator==(const SystemAllocator&) const = default;
+};
+
+template<class Value>
+using BlockMap =
+    std::map<const char*, Value, std::less<>, SystemAllocator<std::pair<const char* const, Value>>>;
 
 struct Block {
     SIZE_T size = 0;
@@ -120,7 +145,7 @@ class AllocatorSpy final : public IMallocSpy {
     void STDMETHODCALLTYPE PostHeapMinimize() override {}
 
   private:
-    using Blocks = std::map<const char*, Block>;
+    using Blocks = BlockMap<Block>;
 
     void Enter(const void* start, Block block) {
         m_freed.erase(static_cast<const char*>(start));
@@ -129,7 +154,7 @@ class AllocatorSpy final : public IMallocSpy {
 
     std::mutex m_mutex; // held from each Pre call to its Post call
     Blocks m_blocks;
-    std::map<const char*, std::string> m_freed; // watched texts that are freed, by the place where they were
+    BlockMap<std::string> m_freed; // watched texts that are freed, by the place where they were
     std::vector<std::string> m_freedTwice;
     Blocks::node_type m_moving;
     SIZE_T m_size = 0;
@@ -152,6 +177,10 @@ void TextWatch::Start() {
     }();
     if (!registered)
         throw std::runtime_error("the task allocator has a spy already");
+    TheSpy().ForgetLabels();
+}
+
+void TextWatch::Forget() {
     TheSpy().ForgetLabels();
 }
 

@@ -20,6 +20,9 @@ namespace TextWatch {
 /// Sets the watch up and forgets all texts watched so far. Needs an initialised component runtime.
 void Start();
 
+/// Forgets all texts watched so far.
+void Forget();
+
 /// Makes a BSTR that must be freed by whoever receives it; `label` tells where it came from.
 BSTR Give(std::wstring_view text, std::string_view label);
 

@@ -2,6 +2,7 @@
 #include "tests/shortage/Run.h"
 
 #include <algorithm>
+#include <chrono>
 #include <sstream>
 #include <stdexcept>
 
@@ -73,6 +74,8 @@ kit::ProcessResult Start(const Words& words, const SharedBoard& board, const Poi
                            {Widened(kServerVariable), Widened(failing)},
                            {Widened(kBoardVariable), Widened(board.Name())}};
     options.outputToFile = outputToFile;
+    if (board.Get().runs > 0)
+        options.timeout = std::chrono::minutes(2);
     return kit::RunProgram(kProgram, words, options);
 }
 

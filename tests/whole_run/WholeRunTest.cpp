@@ -5,6 +5,7 @@
 
 #include "cli/main/EntryPoint.h"
 #include "cli/main/ProcessObjects.h"
+#include "tests/whole_run/FaultTable.h"
 
 namespace whole_run {
 namespace {
@@ -16,6 +17,12 @@ Words OnPrinters(std::initializer_list<const demo::Printer*> printers, const Wor
     }
     line.insert(line.end(), words.begin(), words.end());
     return line;
+}
+
+void ForgetSettings() {
+    kemba::ApplicationSettings& settings = kemba::TheProcessObjects().settings;
+    settings.allPrinters = settings.quiet = false;
+    settings.printerNames.RemoveAll();
 }
 
 } // namespace
@@ -33,10 +40,35 @@ std::string Printed(const std::wstring& text) {
 }
 
 RunResult RunAfresh(const Words& words) {
-    kemba::ApplicationSettings& settings = kemba::TheProcessObjects().settings;
-    settings.allPrinters = settings.quiet = false;
-    settings.printerNames.RemoveAll();
+    ForgetSettings();
     return kit::RunWords(kemba::RunKemba, words);
+}
+
+Balance::Balance() {
+    static const bool watched = [] {
+        kit::WatchHoldings(GetModuleHandleW(nullptr));
+        // What is made once and kept: by the tests' own means, by the program's process-wide objects, the
+        // first run looking at the system and at a printer, and by the runtime library when an exception is
+        // thrown.
+        SCOPED_TRACE("warming up");
+        WithoutNumbers({});
+        kit::FakeServer server;
+        const demo::Printer printer;
+        RunAfresh({L"/p", printer.Name(), L"version"});
+        server.Fail("IVersionInformation.GetVersion", E_FAIL);
+        RunAfresh({L"version", L"interface"});
+        return true;
+    }();
+    static_cast<void>(watched);
+    ForgetSettings();
+    m_before = kit::Held();
+}
+
+Balance::~Balance() {
+    ForgetSettings();
+    if (!testing::Test::HasFailure()) {
+        EXPECT_EQ(kit::Differences(m_before, kit::Held()), Lines{});
+    }
 }
 
 RunResult WholeRunTest::Run(const Words& words) {

@@ -8,6 +8,7 @@
 
 #include "demo/WinePrinters.h"
 #include "tests/kit/FakeServer.h"
+#include "tests/kit/Holdings.h"
 #include "tests/kit/WholeRun.h"
 
 namespace whole_run {
@@ -25,6 +26,19 @@ std::string Printed(const std::wstring& text);
 /// Runs the entry point on the words as a fresh process would: the process-wide settings start empty.
 RunResult RunAfresh(const Words& words);
 
+/// Sees that what the program gets it gives back, up to the end of the test: heap blocks, texts, registry
+/// keys, handles, printers. Its process-wide objects do not count: runs of its own make them before.
+class Balance {
+  public:
+    Balance();
+    Balance(const Balance&) = delete;
+    Balance& operator=(const Balance&) = delete;
+    ~Balance();
+
+  private:
+    kit::Holdings m_before;
+};
+
 /// A scripted server and two printers; every run must leave the server with nothing alive and nothing
 /// unfreed.
 class WholeRunTest : public testing::Test {
@@ -35,6 +49,7 @@ class WholeRunTest : public testing::Test {
     RunResult RunOnFirst(const Words& words);
     RunResult RunOnBoth(const Words& words);
 
+    const Balance balance; // first made and last gone: nothing of the others may stay either
     kit::FakeServer server;
     const demo::Printer first;
     const demo::Printer second;
