@@ -2,7 +2,6 @@
 #include "tests/shortage/Verdict.h"
 
 #include <algorithm>
-#include <ranges>
 #include <string_view>
 
 namespace shortage {
@@ -82,7 +81,7 @@ std::vector<std::string> NotGivenBack(const Outcome& run, const std::vector<Outc
     constexpr long kBlocksOfExceptions = 10;
     constexpr long kHandlesOfExceptions = 2;
     const auto most = [&](long Outcome::*held) {
-        return std::ranges::max(specified | std::views::transform(held));
+        return (*std::ranges::max_element(specified, {}, held)).*held;
     };
     long blocks = run.heapBlocks - most(&Outcome::heapBlocks);
     long handles = run.handles - most(&Outcome::handles);
