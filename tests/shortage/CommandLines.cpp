@@ -22,6 +22,7 @@ const std::vector<CommandLine>& AllCommandLines() {
 
         {"Help", {L"help"}, 0, None},
         {"HelpCommands", {L"help", L"commands"}, 0, None},
+        {"HelpUsage", {L"?", L"usage"}, 0, None},
         {"HelpQueue", {L"help", L"queue"}, 0, None},
         {"HelpUnknown", {L"help", L"frobnicate"}, 0, None},
 

@@ -4,12 +4,11 @@
 // The printers are "Dock 1", the default one, and "Dock 2".
 #include <windows.h>
 
+#include <io.h>
 #include <objbase.h>
 #include <winspool.h>
 
 #include <algorithm>
-#include <io.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -194,8 +193,8 @@ void CleanUp() {
         CleanUp();
         g_repeated->isEnded = 1;
     }
-    TerminateProcess(GetCurrentProcess(),
-                     0); // the runtime library's list of what to do at the end is in no state
+    // Not by the ordinary end: what the C runtime is to do there belongs to none of the runs alone.
+    TerminateProcess(GetCurrentProcess(), 0);
     std::abort();
 }
 

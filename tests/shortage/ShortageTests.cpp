@@ -7,12 +7,13 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdlib>
+#include <cwchar>
 #include <iostream>
 #include <iterator>
 #include <string>
 #include <vector>
 
+#include "commands/CommandTable.h"
 #include "tests/kit/Environment.h"
 #include "tests/shortage/CommandLines.h"
 #include "tests/shortage/Run.h"
@@ -125,6 +126,15 @@ TEST_P(Shortage, EndsAsSpecifiedOrAtOnceWithAStatus) {
             std::cout << ", " << counts[wrong] << " " << kWrongNames[wrong];
     }
     std::cout << "\n";
+}
+
+TEST(ShortageCommandLines, HaveEveryCommandWord) {
+    for (const kemba::CommandRow& row : kemba::TheCommands()) {
+        EXPECT_TRUE(std::ranges::any_of(AllCommandLines(), [&](const CommandLine& line) {
+            return std::ranges::any_of(line.words,
+                                       [&](const wchar_t* word) { return std::wcscmp(word, row.word) == 0; });
+        })) << OString(row.word).Narrow();
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, Shortage, testing::ValuesIn(AllCommandLines()),
