@@ -1,7 +1,9 @@
 // The library that a kemba built for these tests imports besides its own: it comes first in the process,
-// stands between the program and its allocations, and is both its automation server and its print spooler.
+// stands between the program and its allocations, and is its automation server, its print spooler and its
+// registry, so that every run finds the same.
 //
-// The printers are "Dock 1", the default one, and "Dock 2".
+// The printers are "Dock 1", the default one, and "Dock 2". Everything is logged, and the system has a
+// release.
 #include <windows.h>
 
 #include <io.h>
@@ -16,6 +18,7 @@
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Holdings.h"
@@ -112,6 +115,54 @@ HMODULE WINAPI Load(const wchar_t* path, HANDLE file, DWORD flags) {
     const bool isSpooler =
         length > kSpooler.size() && _wcsicmp(path + length - kSpooler.size(), kSpooler.data()) == 0;
     return isSpooler ? g_library : g_loadLibraryEx(path, file, flags);
+}
+
+/// The registry: every key is there, and in each of them these values.
+struct Value {
+    const wchar_t* name;
+    DWORD type;
+    const void* bytes;
+    DWORD size;
+};
+constexpr DWORD kAllBits = 0xFFFFFFFF;
+constexpr wchar_t kRelease[] = L"2009";
+constexpr Value kValues[] = {
+    {L"Brandle KEMBA CLI", REG_DWORD, &kAllBits, sizeof kAllBits},
+    {L"ReleaseId", REG_SZ, kRelease, sizeof kRelease},
+};
+
+LSTATUS WINAPI OpenKey(HKEY, const wchar_t*, DWORD, REGSAM, HKEY* key) {
+    *key = HKEY_CURRENT_USER; // any but null
+    return ERROR_SUCCESS;
+}
+
+LSTATUS WINAPI CreateKey(HKEY root, const wchar_t* path, DWORD, wchar_t*, DWORD, REGSAM access,
+                         SECURITY_ATTRIBUTES*, HKEY* key, DWORD*) {
+    return OpenKey(root, path, 0, access, key);
+}
+
+LSTATUS WINAPI CloseKey(HKEY) {
+    return ERROR_SUCCESS;
+}
+
+LSTATUS WINAPI QueryValue(HKEY, const wchar_t* name, DWORD*, DWORD* type, BYTE* bytes, DWORD* size) {
+    const auto* const value = std::find_if(std::begin(kValues), std::end(kValues), [name](const Value& each) {
+        return _wcsicmp(each.name, name) == 0;
+    });
+    if (value == std::end(kValues))
+        return ERROR_FILE_NOT_FOUND;
+    if (type)
+        *type = value->type;
+    const DWORD room = std::exchange(*size, value->size);
+    if (bytes && room < value->size)
+        return ERROR_MORE_DATA;
+    if (bytes)
+        std::memcpy(bytes, value->bytes, value->size);
+    return ERROR_SUCCESS;
+}
+
+LSTATUS WINAPI SetValue(HKEY, const wchar_t*, DWORD, DWORD, const BYTE*, DWORD) {
+    return ERROR_SUCCESS;
 }
 
 void NoteFault(const std::string& fault) {
@@ -230,10 +281,12 @@ void TakePoint() {
 }
 
 template<class Call>
-void Replace(const char* name, Call replacement, Call& real) {
-    real = reinterpret_cast<Call>(
-        kit::PatchImport(GetModuleHandleW(nullptr), name, reinterpret_cast<void*>(replacement)));
-    if (!real) {
+void Replace(const char* name, Call replacement, Call* real = nullptr) {
+    void* const found =
+        kit::PatchImport(GetModuleHandleW(nullptr), name, reinterpret_cast<void*>(replacement));
+    if (real)
+        *real = reinterpret_cast<Call>(found);
+    if (!found) {
         std::fprintf(stderr, "the program does not import %s\n", name);
         TerminateProcess(GetCurrentProcess(), 99);
     }
@@ -311,11 +364,16 @@ BOOL WINAPI DllMain(HINSTANCE library, DWORD reason, void*) {
             shortage::UseArena(program);
             shortage::Snapshot::WatchSlots(program);
         }
-        Replace("CoInitialize", &Initialize, g_coInitialize);
-        Replace("CoUninitialize", &Uninitialize, g_coUninitialize);
-        Replace("LoadLibraryExW", &Load, g_loadLibraryEx);
-        Replace("TerminateProcess", &Terminate, g_terminateProcess);
-        Replace("exit", &Exit, g_exit);
+        Replace("CoInitialize", &Initialize, &g_coInitialize);
+        Replace("CoUninitialize", &Uninitialize, &g_coUninitialize);
+        Replace("LoadLibraryExW", &Load, &g_loadLibraryEx);
+        Replace("TerminateProcess", &Terminate, &g_terminateProcess);
+        Replace("exit", &Exit, &g_exit);
+        Replace("RegOpenKeyExW", &OpenKey);
+        Replace("RegCreateKeyExW", &CreateKey);
+        Replace("RegCloseKey", &CloseKey);
+        Replace("RegQueryValueExW", &QueryValue);
+        Replace("RegSetValueExW", &SetValue);
         kit::WatchHoldings(program, MayAllocate);
     }
     return TRUE;
