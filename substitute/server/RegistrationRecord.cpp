@@ -55,7 +55,7 @@ KeyPlace RegistrationRecord::RecordPlace() const {
 
 KeyPlace RegistrationRecord::StepPlace(DWORD index) const {
     wchar_t name[16] = {};
-    std::swprintf(name, std::size(name), L"\\%06lu", static_cast<unsigned long>(index));
+    static_cast<void>(std::swprintf(name, std::size(name), L"\\%06lu", static_cast<unsigned long>(index)));
     return {m_root, View::Bits64, std::wstring(kRecord) + name};
 }
 
