@@ -229,11 +229,12 @@ TEST_F(SettingsStoreTest, AReaderWaitsForAHalfAppliedChange) {
 
 TEST_F(SettingsStoreTest, AReaderWaitsForAHalfDoneReset) {
     std::thread reader;
+    std::atomic<bool> started{false};
     std::optional<Settings> read;
-    int changes = 0;
+    std::atomic<int> changes{0};
     spooler.before = [&](FakeSpooler::Call call) {
         changes += call == FakeSpooler::Call::SetRecord ? 1 : 0;
-        if (changes == 2 && !reader.joinable()) { // the printer's mode is set, the user's is not
+        if (changes == 2 && !started.exchange(true)) { // the printer's mode is set, the user's is not
             reader = std::thread([&] { read = ReadSettings(*printer); });
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
         }
