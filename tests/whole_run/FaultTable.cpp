@@ -1,6 +1,8 @@
 // Faults from a clean run's journal.
 #include "tests/whole_run/FaultTable.h"
 
+#include <rpc.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <map>
@@ -80,6 +82,14 @@ struct RefusalRow {
 
 const RefusalRow kRefusals[] = {
     {"refused without information", E_ACCESSDENIED, false, {}, {}, kit::ErrorInfoSupport::Yes, {}},
+    {"the server is gone",
+     HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE),
+     false,
+     {},
+     {},
+     kit::ErrorInfoSupport::Absent,
+     {}},
+    {"the object is cut off", RPC_E_DISCONNECTED, false, {}, {}, kit::ErrorInfoSupport::Absent, {}},
     {"refused with information",
      kOwnStatus,
      true,
