@@ -1,6 +1,8 @@
 // Calls by name with what scripts pass: untyped variables by reference, or no place for the result at all.
 #include <gtest/gtest.h>
 
+#include <windows.h>
+
 #include <psapi.h>
 
 #include "substitute/objects/DriverActionsObject.h"
