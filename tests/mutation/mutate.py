@@ -129,9 +129,9 @@ def run(chosen, texts, jobs, results, quota):
         return
     benches = [Bench(PLACE / f"job-{number}") for number in range(1, jobs + 1)]
     try:
-        reach = measured_reach(benches[0])
+        reach = measured_reach(benches[0], {mutant.file for mutant in chosen})
         for bench in benches:
-            bench.prepare(reach.tests, PLACE / "baseline.json")
+            bench.prepare([test for test in reach.tests if test.suite in reach.known], PLACE / "baseline.json")
         while True:
             batch = [mutant for folder, needed in quota.items()
                      for mutant in waiting[folder][:max(0, needed - counted[folder])]]
@@ -147,14 +147,14 @@ def run(chosen, texts, jobs, results, quota):
             bench.wine.stop()
 
 
-def measured_reach(bench):
+def measured_reach(bench, files):
     build = Build(ROOT, PLACE / "coverage", "mingw-coverage", "-DCMAKE_CXX_FLAGS=-w")
     build.configure()
     say("building with line counters")
     build.make(needed=True)
     bench.wine.renew()
     reach = Reach(PLACE / "reach.json")
-    reach.measure(build, bench.wine, set(THRESHOLDS))
+    reach.measure(build, bench.wine, set(THRESHOLDS), files)
     reach.prepare()
     return reach
 

@@ -241,22 +241,22 @@ class Reached(unittest.TestCase):
         found.prepare()
         return found
 
-    def keys_for(self, *regions, file="core/X.cpp"):
+    def suites_for(self, *regions, file="core/X.cpp"):
         one = mutants.mutants_of(file, "int a = 1;\n")[0]
-        return self.reach().tests_for(one._replace(regions=list(regions)))
+        return self.reach().suites_for(one._replace(regions=list(regions)))
 
     def test_tests_that_ran_the_line_reach_it(self):
-        self.assertEqual(self.keys_for((20, 20), (5, 40)), {"two"})
+        self.assertEqual(self.suites_for((20, 20), (5, 40)), {"two"})
 
     def test_code_that_nothing_runs_is_not_reached(self):
-        self.assertEqual(self.keys_for((30, 30), (5, 40)), set())
+        self.assertEqual(self.suites_for((30, 30), (5, 40)), set())
 
     def test_lines_without_code_are_reached_with_what_stands_around(self):
-        self.assertEqual(self.keys_for((11, 12), (9, 11)), {"one", "two"})
-        self.assertEqual(self.keys_for(), {"one", "two"})
+        self.assertEqual(self.suites_for((11, 12), (9, 11)), {"one", "two"})
+        self.assertEqual(self.suites_for(), {"one", "two"})
 
     def test_of_a_file_without_code_nothing_is_known(self):
-        self.assertIsNone(self.keys_for(file="core/Y.h"))
+        self.assertIsNone(self.suites_for(file="core/Y.h"))
 
 
 class Logs(unittest.TestCase):

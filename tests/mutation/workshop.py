@@ -53,8 +53,9 @@ class Test:
         self.environment = environment
 
     @property
-    def key(self):
-        return f"{self.program} {self.selection}"
+    def suite(self):
+        """What is measured as one: a class of tests, with a set of its parameters."""
+        return f"{self.program} {self.selection.split('.')[0]}"
 
 
 # The registration that comes before the tests which need it is a test as well.
@@ -252,59 +253,66 @@ class Reach:
         self.tests = []
         self.known = load(path, {})
 
-    def measure(self, build, wine, folders):
+    def measure(self, build, wine, folders, files):
+        """Measures what is not known yet of the programs that can reach one of the files."""
         self.tests = tests_of(build, wine)
-        registered = False
-        idle, idle_program = Counters(), None
-        for number, test in enumerate([*self.tests, REGISTER], 1):
-            served = test.served and test is not REGISTER
-            programs = [test.program] + (["kemba", "kemba-dal"] if test.served else [])
-            digest = digest_of(*(build.bin / f"{program}.exe" for program in programs))
-            if self.known.get(test.key, {}).get("digest") == digest:
+        suites = defaultdict(list)
+        for test in [*self.tests, REGISTER]:
+            suites[test.suite].append(test)
+        self.known = {suite: value for suite, value in self.known.items() if suite in suites}
+        registered, idle, idle_program = False, Counters(), None
+        for suite, tests in suites.items():
+            program, served = tests[0].program, tests[0].served
+            programs = [program] + (["kemba", "kemba-dal"] if served else [])
+            digest = digest_of(*(build.bin / f"{name}.exe" for name in programs))
+            if self.known.get(suite, {}).get("digest") == digest:
                 continue
-            if served and not registered:
-                self._run(build, wine, REGISTER)
+            if served and not registered and tests != [REGISTER]:
+                self._run(build, wine, [REGISTER])
                 registered = True
-            if test.program != idle_program:  # what it counts without a test is the same in each of its tests
-                say(f"which lines the tests of {test.program} reach")
-                idle_program = test.program
-                idle = Counters()
-                if test is not REGISTER:
-                    Counters.clear(build)
-                    self._run(build, wine, Test(test.program, "NONE", served, test.environment))
+            if program != idle_program:  # what it counts without a test is the same in each of its tests
+                say(f"which lines the tests of {program} reach")
+                idle_program, idle = program, Counters()
+                Counters.clear(build)
+                if tests != [REGISTER]:
+                    self._run(build, wine, [Test(program, "NONE", served, tests[0].environment)])
                     idle = Counters.read(build, folders)
+            if not served and not files & set(idle.code):
+                continue  # it is not made of them
             Counters.clear(build)
             begin = time.monotonic()
-            self._run(build, wine, test)
+            if self._run(build, wine, tests) not in (0, 1):  # it did not live to write its counters
+                for test in tests:
+                    self._run(build, wine, [test])
             seconds = time.monotonic() - begin
-            if test.served:
+            if served:
                 wine.await_end("kemba-dal.exe", 30)  # the server writes its counters when it ends
             counters = Counters.read(build, folders, idle)
-            self.known[test.key] = {"digest": digest, "seconds": seconds, "hits": counters.hits, "code": counters.code}
-            if number % 50 == 0:
-                save(self.path, self.known)
+            self.known[suite] = {"digest": digest, "seconds": seconds, "hits": counters.hits, "code": counters.code}
+            save(self.path, self.known)
         if registered:
             wine.run(build.bin / "kemba-dal.exe", ["/unregserver"], build.log, build.source, 60)
-        keys = {test.key for test in self.tests} | {REGISTER.key}
-        self.known = {key: value for key, value in self.known.items() if key in keys}
-        save(self.path, self.known)
 
-    def _run(self, build, wine, test):
-        argument = test.selection if test is REGISTER else f"--gtest_filter={test.selection}"
-        wine.run(build.bin / f"{test.program}.exe", [argument], build.log, build.source, 120, test.environment)
+    def _run(self, build, wine, tests):
+        arguments, environment = [], dict(tests[0].environment)
+        if tests == [REGISTER]:
+            arguments = [REGISTER.selection]
+        else:
+            environment["GTEST_FILTER"] = ":".join(test.selection for test in tests)
+        return wine.run(build.bin / f"{tests[0].program}.exe", arguments, build.log, build.source, 120, environment)
 
     def prepare(self):
         """The measured lines in a form that is quick to ask."""
         self.code, self.hits = defaultdict(set), defaultdict(lambda: defaultdict(set))
-        for key, value in self.known.items():
+        for suite, value in self.known.items():
             for path, lines in value["code"].items():
                 self.code[path].update(lines)
             for path, lines in value["hits"].items():
                 for line in lines:
-                    self.hits[path][line].add(key)
+                    self.hits[path][line].add(suite)
 
-    def tests_for(self, mutant):
-        """The keys of the tests that reach a mutant. Where there is no code on its lines, such as in a table, those
+    def suites_for(self, mutant):
+        """The suites that reach a mutant. Where there is no code on its lines, such as in a table, those
         count that reach the block around it, or the file; None for a file without any code."""
         code, hits = self.code.get(mutant.file, set()), self.hits.get(mutant.file, {})
         for low, high in mutant.regions:
@@ -432,17 +440,17 @@ class Bench:
             path.write_text(text)
 
     def _judge(self, mutant, tests, reach):
-        keys = reach.tests_for(mutant)
-        if keys is not None and not keys:
-            return "unreached", None, ""
-        reaching = [test for test in tests if keys is None or test.key in keys]
+        suites = reach.suites_for(mutant)
+        if suites is None:
+            suites = set(reach.known)
+        reaching = [test for test in tests if test.suite in suites]
         programs = defaultdict(list)
         for test in reaching:
             programs[test.program].append(test)
         top = mutant.file.split("/")[0]
-        cost = {program: sum(reach.known[test.key]["seconds"] for test in members)
+        cost = {program: sum(reach.known[suite]["seconds"] for suite in {test.suite for test in members})
                 for program, members in programs.items()}
-        registering = keys is None or REGISTER.key in keys
+        registering = REGISTER.suite in suites
         order = sorted(programs, key=lambda name: (programs[name][0].served, not name.startswith(top), cost[name]))
         if not order and not registering:
             return "unreached", None, ""
@@ -455,7 +463,7 @@ class Bench:
                 if members[0].served and not served_up:
                     served_up = True
                     if self.register(self.build.bin) != 0:
-                        return "killed", REGISTER.key, "failed"
+                        return "killed", REGISTER.suite, "failed"
                 killer, how = self._run_all(program, members, reach)
                 if killer:
                     return "killed", f"{program} {killer}", how
@@ -464,7 +472,7 @@ class Bench:
                     return "stillborn", None, ""
                 served_up = True
                 if self.register(self.build.bin) != 0:
-                    return "killed", REGISTER.key, "failed"
+                    return "killed", REGISTER.suite, "failed"
         finally:
             if served_up:
                 self.unregister()
@@ -474,7 +482,7 @@ class Bench:
         """The first test that fails with the mutant, twice, and passes without it; and how it fails."""
         baseline = self.baseline[program]
         environment = members[0].environment
-        seconds = {test.selection: reach.known[test.key]["seconds"] for test in members}
+        seconds = {test.selection: reach.known[test.suite]["seconds"] for test in members}
         patience = max(LEAST_PATIENCE, 10 * max(seconds.values()))
         together = [selection for selection in baseline["together"] if selection in seconds]
         while together:
