@@ -1,7 +1,7 @@
 // The command lines that are tried under shortage.
 #pragma once
 
-#include <string_view>
+#include <ostream>
 #include <vector>
 
 #include "tests/shortage/Run.h"
@@ -27,6 +27,11 @@ struct CommandLine {
 
     Words GetWords() const { return {words.begin(), words.end()}; }
 };
+
+/// How test names and failures show it.
+inline void PrintTo(const CommandLine& line, std::ostream* output) {
+    *output << line.name;
+}
 
 /// Every command in its forms, with the program's printers "Dock 1", the default one, and "Dock 2".
 const std::vector<CommandLine>& AllCommandLines();
