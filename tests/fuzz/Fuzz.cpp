@@ -6,11 +6,9 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <mutex>
 #include <thread>
 
 #include "substitute/base/Handles.h"
@@ -72,35 +70,36 @@ void Report() {
 /// Ends the program when a case does not end by itself.
 class Watch {
   public:
-    Watch() : m_thread([this] { Look(); }) {}
+    Watch() : m_thread([this] { Look(); }) {
+        // What the thread library makes for a thread is made before blocks are counted.
+        WaitForSingleObject(m_begun.get(), INFINITE);
+    }
     Watch(const Watch&) = delete;
     Watch& operator=(const Watch&) = delete;
     ~Watch() {
-        {
-            const std::lock_guard hold(m_lock);
-            m_ended = true;
-        }
-        m_end.notify_one();
+        SetEvent(m_ended.get());
         m_thread.join();
     }
 
-    void BeginCase() { ++m_begun; }
+    void BeginCase() { ++m_cases; }
 
   private:
+    using Event = kemba::substitute::UniqueHandle;
+
     void Look() {
-        const std::chrono::seconds patience(NumberFromEnvironment("KEMBA_FUZZ_PATIENCE", 60));
-        std::unique_lock hold(m_lock);
-        while (!m_end.wait_for(hold, patience, [this] { return m_ended; })) {
-            if (m_begun.exchange(0) == 0) {
+        const auto patience =
+            static_cast<DWORD>(1000 * NumberFromEnvironment("KEMBA_FUZZ_PATIENCE", 60)); // milliseconds
+        SetEvent(m_begun.get());
+        while (WaitForSingleObject(m_ended.get(), patience) == WAIT_TIMEOUT) {
+            if (m_cases.exchange(0) == 0) {
                 Crash("the case does not end");
             }
         }
     }
 
-    std::atomic<std::uint64_t> m_begun{0}; // since the last look
-    std::mutex m_lock;
-    std::condition_variable m_end;
-    bool m_ended = false;
+    std::atomic<std::uint64_t> m_cases{0}; // begun since the last look
+    const Event m_begun{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    const Event m_ended{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
     std::thread m_thread; // the last member: it uses the others
 };
 
