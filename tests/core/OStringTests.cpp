@@ -183,7 +183,8 @@ TEST(OString, PartsAreCutWithinTheText) {
     }
     EXPECT_EQ(OString("a\xE4", kWestern).LastCharacter(), 0xE4); // an 8-bit unit by its value
     EXPECT_EQ(OString("a\x83\x5C", kJapanese).LastCharacter(), 0x30BD);
-    EXPECT_EQ(OString("\xC0\x80z", OCore::kCodePageUtf8).LastCharacter(), 0); // its UTF-16 form begins with zero
+    EXPECT_EQ(OString("\xC0\x80z", OCore::kCodePageUtf8).LastCharacter(),
+              0); // its UTF-16 form begins with zero
 }
 
 TEST(OString, PartsKeepTheCodePage) {
