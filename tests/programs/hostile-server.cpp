@@ -27,7 +27,8 @@
 
 namespace {
 
-constexpr UINT kDeath = 9; // exit status
+constexpr UINT kDeath = 9;              // exit status
+constexpr DWORD kLongestLife = 300'000; // milliseconds: a test that was killed does not end its server
 
 /// An operation, and what happens in it.
 struct Hostility {
@@ -97,6 +98,6 @@ int wmain(int count, wchar_t* words[]) {
     const HANDLE ready = OpenEventW(EVENT_MODIFY_STATE, FALSE, (events + L" ready").c_str());
     const HANDLE over = OpenEventW(SYNCHRONIZE, FALSE, (events + L" over").c_str());
     SetEvent(ready);
-    WaitForSingleObject(over, INFINITE);
+    WaitForSingleObject(over, kLongestLife);
     return 0;
 }
