@@ -2,6 +2,8 @@
 // test that counts allocations.
 #include "core/LockOrder.h"
 
+#ifdef KEMBA_LOCK_ORDER
+
 #include <windows.h>
 
 #include <algorithm>
@@ -35,7 +37,7 @@ struct Table {
     Entry* end() { return begin() + count; }
     void Add(const Entry& entry) {
         if (count == Size) {
-            std::fputs("lock order: a table is full\n", stderr);
+            static_cast<void>(std::fputs("lock order: a table is full\n", stderr));
             std::abort();
         }
         entries[count++] = entry;
@@ -92,9 +94,9 @@ void LockIsTaken(const void* lock) noexcept {
             continue;
         }
         if (Leads(lock, held.lock)) {
-            std::fprintf(stderr,
-                         "lock order: %p is taken while %p is held, and was held when that was taken\n", lock,
-                         held.lock);
+            static_cast<void>(std::fprintf(
+                stderr, "lock order: %p is taken while %p is held, and was held when that was taken\n", lock,
+                held.lock));
             std::abort();
         }
         orders.Add({held.lock, lock});
@@ -118,3 +120,5 @@ void LockIsGone(const void* lock) noexcept {
 }
 
 } // namespace OCore
+
+#endif
