@@ -150,8 +150,7 @@ def run(chosen, texts, jobs, results, quota):
 def measured_reach(bench, files):
     build = Build(ROOT, PLACE / "coverage", "mingw-coverage", "-DCMAKE_CXX_FLAGS=-w")
     build.configure()
-    say("building with line counters")
-    build.make(needed=True)
+    build.make_tests()
     bench.wine.renew()
     reach = Reach(PLACE / "reach.json")
     reach.measure(build, bench.wine, set(THRESHOLDS), files)

@@ -18,7 +18,9 @@ GCOV = "x86_64-w64-mingw32-gcov"
 # Test programs that are of no use here: the first tests the tests' own kit, the second takes minutes and the clock.
 LEFT_OUT = {"kit_tests", "load_tests"}
 
-LEAST_PATIENCE = 20  # seconds without a sign of life after which a test counts as hung
+# Seconds without a sign of life after which a test counts as hung: three times what its suite takes, within limits.
+LEAST_PATIENCE = 20
+LONGEST_PATIENCE = 120
 
 
 def say(text):
@@ -68,7 +70,7 @@ class Wine:
     def __init__(self, folder):
         self.folder = folder
         self.environment = dict(os.environ, WINEPREFIX=str(folder), WINEARCH="win64", WINEDEBUG="-all",
-                                WINEDLLOVERRIDES="mscoree,mshtml=")
+                                WINEDLLOVERRIDES="mscoree,mshtml,winedbg.exe=")  # a crash is the end, at once
         self.first_state = folder / "first-state"
 
     def _call(self, *command, wait=True):
@@ -159,6 +161,7 @@ class Build:
         self.preset = preset
         self.definitions = [*definitions, "-DKEMBA_UNIT_TESTS=ON", "-DKEMBA_PROGRAM_TESTS=ON"]
         self.log = folder.parent / f"{folder.name}.log"
+        self.answers = {}
 
     @property
     def bin(self):
@@ -172,6 +175,38 @@ class Build:
     def make(self, *targets, needed=False):
         """Whether the targets could be built."""
         return self._run("ninja", "-C", str(self.folder), *targets, needed=needed)
+
+    def make_part(self, program, suites, folder):
+        """Links a test program with those of its tests alone that are named: the linker takes most of the time."""
+        commands = self._asked("commands", f"bin/{program}.exe").splitlines()
+        command = commands[-1].replace(f"-o bin/{program}.exe", f"-o {folder}/{program}.exe")
+        wanted = {suite.split()[1].split("/")[1 if suite.split()[1].count("/") else 0] for suite in suites}
+        inputs = []
+        for path in re.findall(r"(?<= )[^ ]+\.(?:obj|res|a)(?= )", command):
+            source = self.source / re.sub(r"CMakeFiles/[^/]+\.dir/", "", path.removesuffix(".obj")).replace("__/", "../")
+            tests = set(re.findall(r"^TEST(?:_F|_P)?\((\w+)", source.read_text(), re.MULTILINE)) \
+                if path.startswith("tests/") and source.suffix == ".cpp" and source.exists() else set()
+            if tests and not tests & wanted:
+                command = command.replace(f" {path} ", " ")
+            elif not path.startswith(("/", "-")):
+                inputs.append(path)
+        return self.make(*inputs) and self._run("sh", "-c", f"cd {self.folder} && {command}", needed=False)
+
+    def starts_server(self, program):
+        """Whether tests of the program start the server's, which the build knows as an input."""
+        return "kemba-dal" in self._asked("query", f"bin/{program}.exe")
+
+    def _asked(self, *question):
+        if question not in self.answers:
+            self.answers[question] = subprocess.run(["ninja", "-C", str(self.folder), "-t", *question], check=True,
+                                                    stdout=subprocess.PIPE, text=True).stdout
+        return self.answers[question]
+
+    def make_tests(self):
+        """Builds the test programs that are of use here; and what they start, which they name as needed."""
+        programs = set(re.findall(r"^bin/(\w+_tests)\.exe:", self._asked("targets", "all"), re.MULTILINE)) - LEFT_OUT
+        say(f"building {self.folder}")
+        self.make("kemba", *sorted(programs), needed=True)
 
     def _run(self, *command, needed):
         with open(self.log, "wb") as log:
@@ -351,6 +386,7 @@ class Bench:
         self.build = Build(self.source, folder / "build", "mingw-debug", "-DCMAKE_CXX_FLAGS=-w",
                            "-DCMAKE_CXX_FLAGS_DEBUG=-O0", "-DCMAKE_EXE_LINKER_FLAGS=-static -s")
         self.pristine = folder / "pristine"
+        self.part = folder / "part"
         self.log = folder / "test.log"
         self.baseline = {}
 
@@ -372,9 +408,9 @@ class Bench:
         """Builds without a mutant, and sees which tests pass together in one process and which in one of their own."""
         self.take_sources()
         self.build.configure()
-        say(f"building {self.build.folder}")
-        self.build.make(needed=True)
-        shutil.copytree(self.build.bin, self.pristine, dirs_exist_ok=True)
+        self.build.make_tests()
+        for folder in (self.pristine, self.part):
+            shutil.copytree(self.build.bin, folder, dirs_exist_ok=True)
         self.wine.renew()
         known = load(path, {})
         programs = defaultdict(list)
@@ -457,14 +493,22 @@ class Bench:
         served_up = False
         try:
             for program in order:
+                members = programs[program]
+                if not members[0].served:
+                    if not self.build.make_part(program, {test.suite for test in members}, self.part):
+                        return "stillborn", None, ""
+                    killer, how = self._run_all(self.part, program, members, reach)
+                    if killer:
+                        return "killed", f"{program} {killer}", how
+                    if not self.build.starts_server(program):
+                        continue
                 if not self.build.make(program):
                     return "stillborn", None, ""
-                members = programs[program]
                 if members[0].served and not served_up:
                     served_up = True
                     if self.register(self.build.bin) != 0:
                         return "killed", REGISTER.suite, "failed"
-                killer, how = self._run_all(program, members, reach)
+                killer, how = self._run_all(self.build.bin, program, members, reach)
                 if killer:
                     return "killed", f"{program} {killer}", how
             if registering and not served_up:
@@ -478,40 +522,39 @@ class Bench:
                 self.unregister()
         return "survived", None, ""
 
-    def _run_all(self, program, members, reach):
+    def _run_all(self, folder, program, members, reach):
         """The first test that fails with the mutant, twice, and passes without it; and how it fails."""
         baseline = self.baseline[program]
         environment = members[0].environment
         seconds = {test.selection: reach.known[test.suite]["seconds"] for test in members}
-        patience = max(LEAST_PATIENCE, 10 * max(seconds.values()))
+        patience = min(max(LEAST_PATIENCE, 3 * max(seconds.values())), LONGEST_PATIENCE)
         together = [selection for selection in baseline["together"] if selection in seconds]
         while together:
-            if self._gtest(self.build.bin, program, together, patience, environment) == 0:
+            if self._gtest(folder, program, together, patience, environment) == 0:
                 break
             suspects = read_log(self.log)[1] & set(together)
             if not suspects:  # it failed before or after the tests
                 suspects = {together[0]}
             for suspect in sorted(suspects):
-                how = self._confirm(program, suspect, patience, environment, members[0].served)
+                how = self._confirm(folder, program, suspect, patience, environment, members[0].served)
                 if how:
                     return suspect, how
             together = [selection for selection in together if selection not in suspects]
         for selection in sorted((name for name in baseline["alone"] if name in seconds), key=seconds.get):
-            if self._gtest(self.build.bin, program, [selection], patience, environment) != 0:
-                how = self._confirm(program, selection, patience, environment, members[0].served)
+            if self._gtest(folder, program, [selection], patience, environment) != 0:
+                how = self._confirm(folder, program, selection, patience, environment, members[0].served)
                 if how:
                     return selection, how
         return None, ""
 
-    def _confirm(self, program, selection, patience, environment, served):
-        for _ in range(2):
-            status = self._gtest(self.build.bin, program, [selection], patience, environment)
-            if status == 0:
-                return None
-            how = "hung" if status is None else "failed" if status == 1 else "crashed"
-            # Without the mutant it passes at the same place; else something was left there that is to be cleared away.
-            # Programs that need the registered server would meet the mutant's again.
-            if served or self._gtest(self.pristine, program, [selection], patience, environment) == 0:
-                return how
+    def _confirm(self, folder, program, selection, patience, environment, served):
+        """How a test fails that has just failed, if it does so again, alone, and not without the mutant."""
+        status = self._gtest(folder, program, [selection], patience, environment)
+        if status == 0:
+            return None
+        # Without the mutant it passes at the same place; else something was left there that is to be cleared away.
+        # Programs that need the registered server would meet the mutant's again.
+        if not served and self._gtest(self.pristine, program, [selection], patience, environment) != 0:
             self.wine.renew()
-        return None
+            return None
+        return "hung" if status is None else "failed" if status == 1 else "crashed"
