@@ -15,8 +15,9 @@ ROOT = Path(__file__).resolve().parents[2]
 WINESERVER = "/usr/lib/wine/wineserver64"
 GCOV = "x86_64-w64-mingw32-gcov"
 
-# Test programs that are of no use here: the first tests the tests' own kit, the second takes minutes and the clock.
-LEFT_OUT = {"kit_tests", "load_tests"}
+# Test programs that are left out: the first tests the tests' own kit; the others take long, with sweeps, random input,
+# and servers that answer late.
+LEFT_OUT = {"kit_tests", "fuzz_tests", "hostile_server_tests", "load_tests", "shortage_tests"}
 
 # Seconds without a sign of life after which a test counts as hung: three times what its suite takes, within limits.
 LEAST_PATIENCE = 20
