@@ -395,7 +395,7 @@ def _make_statements(maker):
             continue
         if head.text == "return":
             value = source.text_of(first + 1, end) if end > first + 1 else ""
-            if value not in ("", "{}", "0", "true", "false", "nullptr", "*this"):
+            if value not in ("", "{}", "0", "true", "false", "nullptr", "*this", "S_OK", "ERROR_SUCCESS"):
                 maker.add("result", first + 1, end, "{}")
         elif head.text in ("break", "continue", "throw", "goto"):
             maker.add("deletion", first, end, "")

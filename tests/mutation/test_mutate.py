@@ -126,6 +126,7 @@ class Statements(unittest.TestCase):
     def test_results_become_empty(self):
         self.assertEqual(made(in_function("return a;"), "result"), ["a -> {}"])
         self.assertEqual(made(in_function("return {};"), "result"), [])
+        self.assertEqual(made(in_function("return S_OK;"), "result"), [])
 
     def test_members_and_functions_in_classes_are_told_apart(self):
         text = "class A : public B<C> {\n  public:\n    int F() const { return m_a; }\n\n  private:\n    int m_a = 0;\n};\n"
