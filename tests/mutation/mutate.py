@@ -200,16 +200,16 @@ def report(chosen, texts, results, explanations, quota):
     """Says what became of the mutants; whether every folder reaches its threshold."""
     tests = tests_digest()
     good = True
-    shown = set()
     counts = defaultdict(Counter)
     for mutant in chosen:
         folder = folder_of(mutant)
+        if sum(counts[folder].values()) - counts[folder]["stillborn"] >= quota[folder]:
+            continue
         row = results.of(mutant, texts[mutant.file], tests)
-        if not row or sum(counts[folder][kind] for kind in ("killed", "survived", "equivalent", "accepted")) >= \
-                quota[folder]:
+        if not row:
+            counts[folder]["untried"] += 1
             continue
         identity, kind = row["id"], row["status"]
-        shown.add(identity)
         explained = explanations.kind(identity)
         if kind in ("survived", "unreached"):
             if not explained:
@@ -224,11 +224,12 @@ def report(chosen, texts, results, explanations, quota):
         # What nobody could notice is not counted against the tests.
         judged_ = count["killed"] + count["survived"] + count["accepted"]
         score = 100 * count["killed"] / judged_ if judged_ else 100
-        enough = score >= THRESHOLDS[folder]
+        enough = score >= THRESHOLDS[folder] and not count["untried"]
         good = good and enough
         print(f"{folder}: {count['killed']} of {judged_} noticed, {score:.1f} % ({THRESHOLDS[folder]} % wanted"
               f"{'' if enough else ', NOT REACHED'}); {count['survived']} not explained, {count['accepted']} accepted; "
-              f"besides {count['equivalent']} that change nothing, {count['stillborn']} that do not compile")
+              f"besides {count['equivalent']} that change nothing, {count['stillborn']} that do not compile"
+              f"{'; ' + str(count['untried']) + ' not tried with these sources and tests' if count['untried'] else ''}")
     return good
 
 
