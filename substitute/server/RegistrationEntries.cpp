@@ -54,8 +54,8 @@ LibraryDescription DescribeLibrary(ITypeLib& library) {
     wchar_t version[16] = {};
     static_cast<void>(
         std::swprintf(version, std::size(version), L"%x.%x", held->wMajorVerNum, held->wMinorVerNum));
-    LibraryDescription described{
-        Braced(held->guid), name.Text(), version, std::to_wstring(held->wLibFlags), {}};
+    const int flags = held->wLibFlags & ~LIBFLAG_FHASDISKIMAGE; // the loader's, not the library's
+    LibraryDescription described{Braced(held->guid), name.Text(), version, std::to_wstring(flags), {}};
     for (UINT index = 0; index < library.GetTypeInfoCount(); ++index) {
         ComPtr<ITypeInfo> information;
         ThrowIfFailed(library.GetTypeInfo(index, information.Put()), L"reading the type library failed");

@@ -15,8 +15,9 @@ std::wstring DateText(const FILETIME& date) {
         return {};
     }
     wchar_t text[16] = {};
-    std::swprintf(text, std::size(text), L"%04u-%02u-%02u", static_cast<unsigned>(day.wYear),
-                  static_cast<unsigned>(day.wMonth), static_cast<unsigned>(day.wDay));
+    static_cast<void>(std::swprintf(text, std::size(text), L"%04u-%02u-%02u",
+                                    static_cast<unsigned>(day.wYear), static_cast<unsigned>(day.wMonth),
+                                    static_cast<unsigned>(day.wDay)));
     return text;
 }
 

@@ -5,9 +5,12 @@
 
 #include <oleauto.h>
 
+#include <new>
 #include <string>
+#include <string_view>
 
 #include "automation/Owners.h"
+#include "tests/kit/Holdings.h"
 
 namespace {
 
@@ -64,6 +67,17 @@ TEST(ComError, TheNumberIsNotPadded) {
 TEST(ComError, TheTextIsMadeOnceAndKept) {
     const ComError error(E_ACCESSDENIED);
     EXPECT_EQ(error.GetMessageText(), error.GetMessageText());
+}
+
+TEST(ComError, ANumberWithoutTheMemoryForItsTextIsToldByAnException) {
+    static bool refused = false;
+    kit::WatchHoldings(GetModuleHandleW(nullptr),
+                       [](const char* call) { return !refused || std::string_view(call) != "LocalAlloc"; });
+    const ComError error(static_cast<HRESULT>(0x80041234));
+    refused = true;
+    EXPECT_THROW(error.GetMessageText(), std::bad_alloc);
+    refused = false;
+    EXPECT_STREQ(error.GetMessageText(), L"IDispatch error #4148");
 }
 
 TEST(ComError, CopiesCarryStatusAndInformation) {

@@ -29,6 +29,12 @@ class ClassFactoryTest : public ObjectFixture {
     }
 };
 
+TEST_F(ClassFactoryTest, CountsItsReferences) {
+    const auto factory = MakeFactory();
+    EXPECT_EQ(factory->AddRef(), 2u);
+    EXPECT_EQ(factory->Release(), 1u);
+}
+
 TEST_F(ClassFactoryTest, AnObjectIsAUseUntilItIsReleased) {
     const auto factory = MakeFactory();
     ComPtr<IUnknown> object;

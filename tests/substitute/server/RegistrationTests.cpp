@@ -308,6 +308,11 @@ TEST_F(RegistrationTest, SaysWhatItDid) {
          "removed by /unregserver /user\r\n"},
         {{L"/unregserver", L"/user"},
          "kemba-dal: removed the registration of " + program + " for this user\r\n"},
+        {{L"/regserver"}, "kemba-dal: registered " + program + " for all users\r\n"},
+        {{L"/unregserver", L"/user"},
+         "kemba-dal: nothing is registered for this user that could be removed; the registration for all "
+         "users is removed by /unregserver\r\n"},
+        {{L"/unregserver"}, "kemba-dal: removed the registration of " + program + " for all users\r\n"},
     };
     for (const auto& row : rows) {
         kit::ProcessOptions options;
