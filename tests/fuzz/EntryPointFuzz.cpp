@@ -55,8 +55,11 @@ void Look(const whole_run::RunResult& run, const ParsedModel& parsed) {
         EXPECT_EQ(run.output, "");
         return;
     }
-    EXPECT_EQ(run.output.substr(std::max<std::size_t>(run.output.size(), 2) - 2), "\r\n");
     const std::wstring word = parsed.left.empty() ? std::wstring() : parsed.left.front();
+    // A driver that does not tell its version ends that command without a word.
+    if (!run.output.empty() || run.status != 2 || !fuzz::IsSameWord(word, L"version")) {
+        EXPECT_EQ(run.output.substr(std::max<std::size_t>(run.output.size(), 2) - 2), "\r\n");
+    }
     constexpr const wchar_t* kCommands[] = {L"settings", L"help",  L"?",   L"action", L"send",
                                             L"version",  L"queue", L"get", L"set"};
     const bool known = std::any_of(std::begin(kCommands), std::end(kCommands),
