@@ -187,6 +187,18 @@ TEST(OString, PartsAreCutWithinTheText) {
               0); // its UTF-16 form begins with zero
 }
 
+TEST(OString, PartsOfADoubleByteTextAreCutByCharacter) {
+    const OString text("\x95\x5C"
+                       "a\x83\x68z",
+                       932);
+    EXPECT_EQ(text.GetLength(), 4U);
+    EXPECT_STREQ(text.Middle(1, 2).Wide(), L"a\x30C9");
+    EXPECT_STREQ(text.Left(1).Wide(), L"\x8868");
+    EXPECT_STREQ(text.From(3).Wide(), L"z");
+    // ... and those of a single-byte text by byte, which keeps what has no character.
+    EXPECT_STREQ(OString("a\x81z", 1252).Middle(1, 1).GetBody()->narrow.get(), "\x81");
+}
+
 TEST(OString, PartsKeepTheCodePage) {
     EXPECT_EQ(OString("abc", OCore::kCodePageUtf8).Left(1).GetCodePage(), OCore::kCodePageUtf8);
     EXPECT_EQ(OString("abc", kWestern).From(1).GetCodePage(), kWestern);

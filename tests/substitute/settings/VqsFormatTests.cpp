@@ -91,6 +91,26 @@ TEST(VqsFormat, WhatFollowsTheLastValueIsRefused) {
     EXPECT_EQ(DecodeStatus(Sealed(bytes)), kBadData);
 }
 
+TEST(VqsFormat, ASizeThatIsNotTheFilesIsRefused) {
+    const Bytes good = EncodeVqs(SettingsOf(MakeRichState()));
+    for (const std::size_t size : {good.size() - 1, good.size() + 1}) {
+        Bytes bytes = good;
+        PutNumber(bytes, 12, static_cast<std::uint32_t>(size));
+        PutNumber(bytes, bytes.size() - 4, OCore::Crc32(std::span(bytes).first(bytes.size() - 4)));
+        EXPECT_EQ(DecodeStatus(bytes), kBadData) << size;
+    }
+}
+
+TEST(VqsFormat, AFileHoldsAsManyValuesAsDocumented) {
+    Settings settings = SettingsOf({});
+    for (std::uint32_t index = 0; index < 4096; ++index) {
+        settings.values.push_back({kDriverDataKey, std::to_wstring(100000 + index), REG_NONE, {}});
+    }
+    EXPECT_EQ(EncodeStatus(settings), S_OK);
+    settings.values.push_back({kDriverDataKey, L"200000", REG_NONE, {}});
+    EXPECT_EQ(EncodeStatus(settings), kBadData);
+}
+
 TEST(VqsFormat, AnotherFormatVersionIsRefusedAsSuch) {
     Bytes bytes = EncodeVqs(SettingsOf(MakeRichState()));
     PutNumber(bytes, 8, 2);

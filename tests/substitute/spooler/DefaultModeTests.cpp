@@ -8,6 +8,7 @@
 
 namespace {
 
+using kemba::substitute::Bytes;
 using kemba::substitute::Failure;
 using kemba::substitute::PrinterHandle;
 using kemba::substitute::ReadDefaultMode;
@@ -47,6 +48,13 @@ TEST_F(DefaultModeTest, ALibraryWithoutTheFunctionLeavesItToTheSpooler) {
     EXPECT_EQ(spooler.printers.size(), 1u);
     spooler.failure = ERROR_ACCESS_DENIED;
     EXPECT_EQ(FailureOf([&] { Copies(); }).status, E_ACCESSDENIED);
+}
+
+TEST_F(DefaultModeTest, WhatIsNoWholeModeIsNone) {
+    for (const Bytes& none : {Bytes(), Bytes(1), Bytes(1000)}) {
+        spooler.defaultMode = none;
+        EXPECT_EQ(FailureOf([&] { Copies(); }).status, HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
+    }
 }
 
 TEST_F(DefaultModeTest, LeftOversOfEarlierProcessesAreNotTouched) {
