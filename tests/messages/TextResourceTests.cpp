@@ -199,6 +199,14 @@ TEST(TextResource, AHeaderLineWithATrailingBlankIsNotFound) {
     EXPECT_EQ(Lookup()("#a \r\nwrong\r\n#a\r\nright\r\n", "a"), "right");
 }
 
+TEST(TextResource, NothingElseIsTakenOffAHeaderOrABody) {
+    for (char byte = '!'; byte <= '~'; ++byte) {
+        SCOPED_TRACE(byte);
+        EXPECT_EQ(Lookup()(std::string("#a") + byte + "\r\nwrong\r\n#a\r\nright\r\n", "a"), "right");
+        EXPECT_EQ(Lookup()(std::string("#a\r\none") + byte + " \t\r\n\r\n", "a"), std::string("one") + byte);
+    }
+}
+
 TEST(TextResource, ALineOfALoneHashEndsABody) {
     EXPECT_EQ(Lookup()("#a\r\none\r\n#\r\ntwo\r\n", "a"), "one");
 }
