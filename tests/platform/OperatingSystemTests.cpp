@@ -117,6 +117,20 @@ TEST(NameOfSystem, FollowsTheTable) {
     }
 }
 
+TEST(NameOfSystem, BeforeVersion10DependsOnNoBuild) {
+    for (const NameRow& row : kNames) {
+        if (row.major >= 10) {
+            continue;
+        }
+        for (const DWORD build : {0UL, 1UL, 0xFFFFFFFFUL}) {
+            SCOPED_TRACE(testing::Message() << row.major << "." << row.minor << " build " << build);
+            EXPECT_STREQ(NameOfSystem(Version(row.major, row.minor, kWorkstation, build)).Narrow(),
+                         row.workstation);
+            EXPECT_STREQ(NameOfSystem(Version(row.major, row.minor, kServer, build)).Narrow(), row.other);
+        }
+    }
+}
+
 struct SuiteRow {
     WORD suite;
     const char* edition;
