@@ -65,7 +65,8 @@ std::wstring StatusText(DWORD status, DWORD attributes, DWORD jobs) {
     }
     if (unknown != 0) {
         wchar_t item[32] = {};
-        std::swprintf(item, std::size(item), L"Unknown status 0x%lX", static_cast<unsigned long>(unknown));
+        static_cast<void>(std::swprintf(item, std::size(item), L"Unknown status 0x%lX",
+                                        static_cast<unsigned long>(unknown)));
         AppendItem(text, item);
     }
     if (text.empty()) {
