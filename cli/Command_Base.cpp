@@ -12,7 +12,7 @@ namespace kemba {
 Command_Base::Command_Base(const ApplicationSettings& settings, ConsoleOutput& console,
                            const Arguments& arguments)
     : m_settings(&settings), m_arguments(arguments), m_console(&console) {
-    m_runtimeStatus = CoInitialize(nullptr); // after what may fail: the destructor makes it undone
+    m_runtimeStatus = CoInitialize(nullptr); // after what may fail, for only the destructor undoes it
 }
 
 Command_Base::~Command_Base() {
