@@ -3,7 +3,6 @@
 #pragma once
 
 #include <windows.h>
-
 #include <oleauto.h>
 #include <unknwn.h>
 

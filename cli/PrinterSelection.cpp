@@ -2,7 +2,6 @@
 #include "cli/PrinterSelection.h"
 
 #include <windows.h>
-
 #include <winspool.h>
 
 #include <cstddef>

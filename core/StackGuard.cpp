@@ -1,7 +1,6 @@
 // What functions compiled with a stack protector refer to, without the library that would write to the
 // console.
 #include <windows.h>
-
 #include <ntsecapi.h>
 
 #include <cstdint>

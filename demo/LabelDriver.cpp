@@ -1,11 +1,7 @@
 // Installation of the label printers' driver.
 #include "demo/LabelDriver.h"
 
-#include "demo/SpoolerError.h"
-#include "demo/SpoolerLock.h"
-
 #include <windows.h>
-
 #include <winspool.h>
 
 #include <algorithm>
@@ -14,6 +10,9 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "demo/SpoolerError.h"
+#include "demo/SpoolerLock.h"
 
 namespace demo {
 namespace {
@@ -62,8 +61,9 @@ std::filesystem::path DriverFolder() {
     wchar_t folder[MAX_PATH];
     DWORD size = 0;
     if (!GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(folder), sizeof folder,
-                                    &size))
+                                    &size)) {
         throw SpoolerError("GetPrinterDriverDirectory", GetLastError());
+    }
     return std::filesystem::path(folder) / std::to_wstring(kDriverVersion);
 }
 
@@ -72,8 +72,9 @@ bool IsListed() {
     DWORD count = 0;
     EnumPrinterDriversW(nullptr, nullptr, 1, nullptr, 0, &size, &count);
     std::vector<BYTE> buffer(size);
-    if (!EnumPrinterDriversW(nullptr, nullptr, 1, buffer.data(), size, &size, &count))
+    if (!EnumPrinterDriversW(nullptr, nullptr, 1, buffer.data(), size, &size, &count)) {
         return false;
+    }
     const auto* const drivers = reinterpret_cast<const DRIVER_INFO_1W*>(buffer.data());
     return std::any_of(drivers, drivers + count, [](const DRIVER_INFO_1W& driver) {
         return std::wstring_view(driver.pName) == kLabelDriver;
@@ -83,8 +84,9 @@ bool IsListed() {
 void WriteDescription(const std::filesystem::path& path) {
     std::ofstream file(path, std::ios::binary);
     file << kDescription;
-    if (!file.flush())
+    if (!file.flush()) {
         throw SpoolerError("writing the printer description", GetLastError());
+    }
 }
 
 } // namespace
@@ -93,8 +95,9 @@ void InstallLabelDriver() {
     const SpoolerLock lock(L"kemba label driver");
     std::wstring description = L"docklabl.ppd";
     const std::filesystem::path path = DriverFolder() / description;
-    if (std::filesystem::exists(path) && IsListed())
+    if (std::filesystem::exists(path) && IsListed()) {
         return;
+    }
     // Wine's spooler copies no files: the description has to be in its place.
     WriteDescription(path);
     std::wstring name = kLabelDriver;
@@ -105,8 +108,9 @@ void InstallLabelDriver() {
     info.pDriverPath = driver.data();
     info.pDataFile = description.data();
     info.pConfigFile = driver.data();
-    if (!AddPrinterDriverW(nullptr, 3, reinterpret_cast<BYTE*>(&info)))
+    if (!AddPrinterDriverW(nullptr, 3, reinterpret_cast<BYTE*>(&info))) {
         throw SpoolerError("AddPrinterDriver", GetLastError());
+    }
 }
 
 } // namespace demo

@@ -6,8 +6,9 @@
 namespace demo {
 
 SpoolerLock::SpoolerLock(const wchar_t* name) : m_mutex(CreateMutexW(nullptr, FALSE, name)) {
-    if (!m_mutex)
+    if (!m_mutex) {
         throw SpoolerError("CreateMutex", GetLastError());
+    }
     // A holder that died leaves the lock abandoned, and to us.
     if (WaitForSingleObject(m_mutex, INFINITE) == WAIT_FAILED) {
         const DWORD error = GetLastError();

@@ -1,13 +1,13 @@
 // Printers on Wine's own spooler.
 #include "demo/WinePrinters.h"
 
-#include "demo/LabelDriver.h"
-#include "demo/SpoolerError.h"
-
 #include <winspool.h>
 
 #include <atomic>
 #include <utility>
+
+#include "demo/LabelDriver.h"
+#include "demo/SpoolerError.h"
 
 namespace demo {
 namespace {
@@ -31,8 +31,9 @@ HANDLE Open(const std::wstring& name, DWORD access) {
 
 void MakePrinter(const std::wstring& name, const PrinterSettings& settings) {
     // Wine's spooler would take a second one of the same name.
-    if (PrinterExists(name))
+    if (PrinterExists(name)) {
         throw SpoolerError("AddPrinter", ERROR_PRINTER_ALREADY_EXISTS);
+    }
     InstallLabelDriver();
     std::wstring printerName = name;
     PrinterSettings texts = settings;
@@ -50,8 +51,9 @@ void MakePrinter(const std::wstring& name, const PrinterSettings& settings) {
     info.pDatatype = datatype.data();
     info.Attributes = settings.attributes | (settings.shareName.empty() ? 0 : PRINTER_ATTRIBUTE_SHARED);
     const HANDLE printer = AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&info));
-    if (!printer)
+    if (!printer) {
         throw SpoolerError("AddPrinter", GetLastError());
+    }
     ClosePrinter(printer);
 }
 
@@ -64,8 +66,9 @@ void RemovePrinter(const std::wstring& name) {
 
 bool PrinterExists(const std::wstring& name) {
     const HANDLE printer = Open(name, PRINTER_ACCESS_USE);
-    if (printer)
+    if (printer) {
         ClosePrinter(printer);
+    }
     return printer != nullptr;
 }
 
@@ -77,14 +80,16 @@ std::vector<std::wstring> PrinterNames() {
     // Others add printers meanwhile: the size asked for may be too small by the time it is used.
     while (
         !EnumPrintersW(kFlags, nullptr, 4, buffer.data(), static_cast<DWORD>(buffer.size()), &size, &count)) {
-        if (GetLastError() != ERROR_INSUFFICIENT_BUFFER)
+        if (GetLastError() != ERROR_INSUFFICIENT_BUFFER) {
             throw SpoolerError("EnumPrinters", GetLastError());
+        }
         buffer.resize(size);
     }
     const auto* const printers = reinterpret_cast<const PRINTER_INFO_4W*>(buffer.data());
     std::vector<std::wstring> names;
-    for (DWORD i = 0; i < count; ++i)
+    for (DWORD i = 0; i < count; ++i) {
         names.emplace_back(printers[i].pPrinterName);
+    }
     return names;
 }
 
@@ -104,18 +109,20 @@ std::optional<std::wstring> GetDefaultPrinterName() {
     DWORD size = 0;
     GetDefaultPrinterW(nullptr, &size);
     std::wstring name(size, L'\0');
-    if (size == 0 || !GetDefaultPrinterW(name.data(), &size))
+    if (size == 0 || !GetDefaultPrinterW(name.data(), &size)) {
         return std::nullopt;
+    }
     name.resize(size - 1); // the size counts the zero
     return name;
 }
 
 void SetDefaultPrinterName(const std::optional<std::wstring>& name) {
     // Clearing what is clear already counts as a failure, which is none here.
-    if (!name)
+    if (!name) {
         WriteProfileStringW(kProfileSection, kProfileDevice, nullptr);
-    else if (!SetDefaultPrinterW(name->c_str()))
+    } else if (!SetDefaultPrinterW(name->c_str())) {
         throw SpoolerError("SetDefaultPrinter", GetLastError());
+    }
 }
 
 DefaultPrinter::DefaultPrinter(const std::optional<std::wstring>& name) : m_former(GetDefaultPrinterName()) {

@@ -9,13 +9,13 @@
 // queues to itself.
 #pragma once
 
-#include "demo/SpoolerLock.h"
-
 #include <windows.h>
 
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "demo/SpoolerLock.h"
 
 namespace demo {
 

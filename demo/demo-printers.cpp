@@ -1,11 +1,11 @@
 // demo-printers: sees to it that two label printers are there to try kemba on, and shows where their output
 // goes.
+#include <cstdio>
+#include <exception>
+
 #include "demo/PortTarget.h"
 #include "demo/SpoolerLock.h"
 #include "demo/WinePrinters.h"
-
-#include <cstdio>
-#include <exception>
 
 namespace {
 
@@ -39,8 +39,9 @@ void ProvidePrinters() {
         std::printf("%ls prints to %ls\n", printer.name, file.c_str());
     }
     // A default that the user chose later is left alone.
-    if (anyMade || !demo::GetDefaultPrinterName())
+    if (anyMade || !demo::GetDefaultPrinterName()) {
         demo::SetDefaultPrinterName(kPrinters[0].name);
+    }
 }
 
 } // namespace

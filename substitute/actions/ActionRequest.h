@@ -2,7 +2,6 @@
 #pragma once
 
 #include <windows.h>
-
 #include <unknwn.h>
 
 namespace kemba::substitute {

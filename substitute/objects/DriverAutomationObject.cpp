@@ -151,7 +151,7 @@ std::shared_ptr<const Printer> DriverAutomationObject::NeedPrinter() const {
 }
 
 HRESULT DriverAutomationObject::AnswerText(const wchar_t* operation, BSTR* out,
-                                           std::wstring PrinterDescription::*text) const noexcept {
+                                           std::wstring PrinterDescription::* text) const noexcept {
     return Answer(operation, out, [&] { HandOut(NeedPrinter()->Describe().*text, out); });
 }
 

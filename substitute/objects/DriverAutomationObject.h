@@ -49,7 +49,7 @@ class DriverAutomationObject final : public AutomationObject<IDriverAutomation> 
     /// The bound printer, never null. Throws Failure.
     std::shared_ptr<const Printer> NeedPrinter() const;
     HRESULT AnswerText(const wchar_t* operation, BSTR* out,
-                       std::wstring PrinterDescription::*text) const noexcept;
+                       std::wstring PrinterDescription::* text) const noexcept;
 
     const ServerContext m_context;
     mutable OCriticalSection m_lock; // guards the pointer, not the printer

@@ -2,7 +2,6 @@
 #include "substitute/server/InterfaceHold.h"
 
 #include <windows.h>
-
 #include <DriverAutomation.h>
 
 #include <algorithm>

@@ -2,7 +2,6 @@
 #include "substitute/server/Program.h"
 
 #include <windows.h>
-
 #include <objbase.h>
 
 #include <string>

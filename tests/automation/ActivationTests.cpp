@@ -1,12 +1,11 @@
 // Activation, binding and calls against the scripted server, through the system's own activation.
-#include "automation/Activation.h"
-
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <optional>
 #include <string>
 
+#include "automation/Activation.h"
 #include "tests/kit/FakeServer.h"
 
 namespace {

@@ -1,14 +1,13 @@
 // The automation exception: message texts and ownership.
-#include "automation/ComError.h"
+#include <oleauto.h>
 
 #include <gtest/gtest.h>
-
-#include <oleauto.h>
 
 #include <new>
 #include <string>
 #include <string_view>
 
+#include "automation/ComError.h"
 #include "automation/Owners.h"
 #include "tests/kit/Holdings.h"
 

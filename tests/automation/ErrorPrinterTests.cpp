@@ -1,12 +1,11 @@
 // The automation error printer: which lines are printed, and the description that is not.
-#include "automation/ErrorPrinter.h"
+#include <oleauto.h>
 
 #include <gtest/gtest.h>
 
-#include <oleauto.h>
-
 #include <string>
 
+#include "automation/ErrorPrinter.h"
 #include "automation/Owners.h"
 #include "tests/kit/StdoutCapture.h"
 

@@ -1,11 +1,11 @@
 // Owners of interface pointers, BSTRs and VARIANTs.
-#include "automation/Owners.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 #include <type_traits>
 #include <utility>
+
+#include "automation/Owners.h"
 
 namespace {
 
@@ -37,7 +37,9 @@ static_assert(!std::is_copy_constructible_v<OwnedVariant> && !std::is_copy_assig
 
 TEST(ComPtr, TakesAReferenceOverAndReleasesItOnce) {
     Counted object;
-    { const ComPtr<IDispatch> pointer(&object); }
+    {
+        const ComPtr<IDispatch> pointer(&object);
+    }
     EXPECT_EQ(object.references, 0U);
 }
 

@@ -1,9 +1,7 @@
 // The command base: defaults, lifetime of the component object runtime, and the loop over the printers.
-#include "cli/Command_Base.h"
+#include <objbase.h>
 
 #include <gtest/gtest.h>
-
-#include <objbase.h>
 
 #include <functional>
 #include <memory>
@@ -12,6 +10,7 @@
 #include <vector>
 
 #include "automation/ComError.h"
+#include "cli/Command_Base.h"
 #include "demo/WinePrinters.h"
 #include "tests/cli/Console.h"
 
@@ -130,7 +129,9 @@ TEST(CommandLifetime, TheRuntimeIsInitialisedWhileACommandLives) {
     {
         const Command_Base outer(settings, console, {});
         EXPECT_TRUE(RuntimeIsInitialised());
-        { const Command_Base inner(settings, console, {}); }
+        {
+            const Command_Base inner(settings, console, {});
+        }
         EXPECT_TRUE(RuntimeIsInitialised()) << "a nested command undoes its own initialisation only";
     }
     EXPECT_FALSE(RuntimeIsInitialised());
@@ -149,7 +150,9 @@ TEST(CommandLifetime, AFailedInitialisationIsNotLookedAtAndUndoneAllTheSame) {
     ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
     const ApplicationSettings settings;
     CapturedConsole console;
-    { const Command_Base command(settings, console, {}); }
+    {
+        const Command_Base command(settings, console, {});
+    }
     EXPECT_FALSE(RuntimeIsInitialised());
 }
 

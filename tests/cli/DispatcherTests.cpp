@@ -1,12 +1,11 @@
 // The dispatcher: it walks the table it is given.
-#include "cli/Dispatcher.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
 #include "automation/ComError.h"
+#include "cli/Dispatcher.h"
 #include "tests/cli/Console.h"
 
 namespace {

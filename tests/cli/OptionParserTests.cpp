@@ -1,10 +1,10 @@
 // The global options: what is taken out of the words, what is recorded, what is left for the command.
-#include "cli/OptionParser.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
+
+#include "cli/OptionParser.h"
 
 namespace {
 

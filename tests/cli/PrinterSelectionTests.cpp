@@ -1,7 +1,5 @@
 // Selection: all, named and default printers, on Wine's spooler and, for systems of the past, behind the
 // seam.
-#include "cli/PrinterSelection.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/PrinterSelection.h"
 #include "core/SystemCalls.h"
 #include "demo/SpoolerLock.h"
 #include "demo/WinePrinters.h"
@@ -63,7 +62,7 @@ struct FakeSpooler {
 };
 FakeSpooler spooler;
 
-template<class Entry, wchar_t* Entry::*Name>
+template<class Entry, wchar_t* Entry::* Name>
 BOOL WINAPI FakeEnumPrinters(DWORD flags, wchar_t* server, DWORD level, BYTE* buffer, DWORD size,
                              DWORD* needed, DWORD* count) {
     ++spooler.calls;

@@ -1,6 +1,4 @@
 // The command table: words, order and classes.
-#include "commands/CommandTable.h"
-
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -9,6 +7,7 @@
 #include <typeinfo>
 #include <vector>
 
+#include "commands/CommandTable.h"
 #include "commands/Command_Action.h"
 #include "commands/Command_Get.h"
 #include "commands/Command_Help.h"

@@ -1,11 +1,11 @@
 // The checksum against values computed elsewhere.
-#include "core/Crc32.h"
-
 #include <gtest/gtest.h>
 
 #include <numeric>
 #include <string_view>
 #include <vector>
+
+#include "core/Crc32.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Registry values of every type and of sizes that nobody expects, and keys that may not be used.
-#include <gtest/gtest.h>
-
 #include <windows.h>
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>

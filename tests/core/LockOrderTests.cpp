@@ -1,12 +1,11 @@
 // The debug build's watch over the order in which locks are taken.
-#include "core/OSynchronizer.h"
-
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <thread>
 #include <vector>
 
+#include "core/OSynchronizer.h"
 #include "tests/kit/AtOnce.h"
 
 namespace {

@@ -1,10 +1,10 @@
 // Arrays: growth, zero-filling, and elements that own something.
-#include "core/OArray.h"
-
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <memory>
+
+#include "core/OArray.h"
 
 namespace {
 
@@ -19,9 +19,7 @@ struct OpenArray : OBaseArray<ElementSize> {
 
 /// Whether anybody may change the size.
 template<class Array>
-concept Resizable = requires(Array array) {
-    array.SetSize(0);
-};
+concept Resizable = requires(Array array) { array.SetSize(0); };
 
 // By its base an array would drop elements that it should destroy.
 static_assert(!Resizable<OBaseArray<sizeof(void*)>>);

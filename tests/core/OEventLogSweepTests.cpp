@@ -116,8 +116,12 @@ TEST_F(EventLogSweep, RemovesSeveralBasesAtOnce) {
     m_otherLog.reset();
     const StoredMask third(L"third");
     const StoredMask fourth(L"fourth");
-    { const OEventLog log(third.GetSource()); }
-    { const OEventLog log(fourth.GetSource()); }
+    {
+        const OEventLog log(third.GetSource());
+    }
+    {
+        const OEventLog log(fourth.GetSource());
+    }
     EXPECT_EQ(OEventLogBase::CountBases(), 4);
     AskAt(530'000);
     EXPECT_EQ(OEventLogBase::CountBases(), 1);

@@ -1,11 +1,10 @@
 // The event log: masks in the registry, refreshing, sharing, parents.
-#include "core/OEventLog.h"
-
 #include <gtest/gtest.h>
 
 #include <thread>
 #include <vector>
 
+#include "core/OEventLog.h"
 #include "tests/core/EventLogKit.h"
 
 namespace {
@@ -232,9 +231,13 @@ TEST(OEventLogBase, GivesItsEventSourceBackWhenItHasOne) {
     calls->deregisterEventSource = RecordDeregistering;
     const StoredMask stored;
     int source = 0;
-    { const OEventLogBase without(stored.GetSource()); }
+    {
+        const OEventLogBase without(stored.GetSource());
+    }
     EXPECT_TRUE(g_deregistered.empty());
-    { const BaseWithEventSource with(stored.GetSource(), &source); }
+    {
+        const BaseWithEventSource with(stored.GetSource(), &source);
+    }
     EXPECT_EQ(g_deregistered, std::vector<HANDLE>{&source});
 }
 

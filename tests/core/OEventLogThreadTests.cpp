@@ -1,7 +1,5 @@
 // The event log of several threads. What is made at its first use needs a process of its own, as ctest gives
 // it.
-#include "core/OEventLog.h"
-
 #include <gtest/gtest.h>
 
 #include <array>
@@ -9,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "core/OEventLog.h"
 #include "core/ORegistry.h"
 #include "tests/core/EventLogKit.h"
 #include "tests/kit/AtOnce.h"

@@ -1,10 +1,9 @@
 // Files: open modes, sharing, positions, buffering, and the closed file.
-#include "core/OFile.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "core/OFile.h"
 #include "tests/core/TemporaryFile.h"
 #include "tests/core/VirtualSlots.h"
 

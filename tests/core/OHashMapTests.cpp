@@ -1,10 +1,9 @@
 // Maps sorted by hash: the hash itself, positions, equal hashes.
-#include "core/OHashMap.h"
-
 #include <gtest/gtest.h>
 
 #include <memory>
 
+#include "core/OHashMap.h"
 #include "tests/core/FailingGrowth.h"
 
 namespace {

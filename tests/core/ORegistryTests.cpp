@@ -1,12 +1,11 @@
 // ORegistry's calls on real keys: opening, reading, writing, result codes and bounds.
-#include "core/ORegistry.h"
-
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <string>
 #include <vector>
 
+#include "core/ORegistry.h"
 #include "tests/kit/KeyRights.h"
 #include "tests/kit/RegistryPreset.h"
 

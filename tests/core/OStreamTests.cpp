@@ -1,6 +1,4 @@
 // Streams: buffering, growth, and text in the stream's code page.
-#include "core/OStream.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "core/OStream.h"
 #include "tests/core/VirtualSlots.h"
 
 namespace {

@@ -1,10 +1,9 @@
 // OString: appending, inserting, replacing, trimming, deleting, upper-casing and formatting.
-#include "core/OString.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "core/OString.h"
 #include "tests/core/SystemCallsPreset.h"
 
 namespace {

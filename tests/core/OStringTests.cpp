@@ -1,11 +1,11 @@
 // OString: the shared body, lengths, parts and searches.
-#include "core/OString.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "core/OString.h"
 
 namespace {
 

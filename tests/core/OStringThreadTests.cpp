@@ -1,12 +1,11 @@
 // Texts that several threads share.
-#include "core/OString.h"
-
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <string>
 #include <vector>
 
+#include "core/OString.h"
 #include "tests/kit/AtOnce.h"
 
 namespace {

@@ -1,11 +1,10 @@
 // Locks: recursion, exclusion, and the scoped holder's early release.
-#include "core/OSynchronizer.h"
-
 #include <gtest/gtest.h>
 
 #include <thread>
 #include <vector>
 
+#include "core/OSynchronizer.h"
 #include "tests/core/VirtualSlots.h"
 
 namespace {

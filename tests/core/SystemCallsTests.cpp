@@ -1,8 +1,7 @@
 // The seam to the platform: what stands behind it by default.
-#include "core/SystemCalls.h"
-
 #include <gtest/gtest.h>
 
+#include "core/SystemCalls.h"
 #include "core/SystemLibraries.h"
 
 namespace {

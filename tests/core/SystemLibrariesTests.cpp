@@ -1,11 +1,11 @@
 // Libraries of the system by full path, and the imports that wait for their first call.
-#include "core/SystemLibraries.h"
+#include <delayimp.h>
 
 #include <gtest/gtest.h>
 
-#include <delayimp.h>
-
 #include <string>
+
+#include "core/SystemLibraries.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // UTF-8: the decoder's fixed rules, bad bytes included, and the encoder.
-#include "core/Utf8.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
+
+#include "core/Utf8.h"
 
 namespace {
 

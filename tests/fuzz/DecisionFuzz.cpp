@@ -1,7 +1,6 @@
 // What the server decides on records that come from outside: states, versions, device modes, paths, plans of
 // changes.
 #include <windows.h>
-
 #include <winspool.h>
 
 #include <algorithm>

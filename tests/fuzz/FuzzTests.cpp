@@ -1,6 +1,4 @@
 // The source of the cases.
-#include "tests/fuzz/Fuzz.h"
-
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -11,6 +9,8 @@
 #include <memory>
 #include <set>
 #include <vector>
+
+#include "tests/fuzz/Fuzz.h"
 
 namespace {
 

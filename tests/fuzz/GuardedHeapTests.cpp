@@ -1,6 +1,4 @@
 // What the guarded heap notices; each in a process of its own, which it ends.
-#include "tests/fuzz/GuardedHeap.h"
-
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -13,6 +11,7 @@
 #include <vector>
 
 #include "tests/fuzz/Crash.h"
+#include "tests/fuzz/GuardedHeap.h"
 
 namespace {
 

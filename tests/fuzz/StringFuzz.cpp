@@ -236,7 +236,7 @@ class Bench {
         Say(Name(left), ".Compare(", Name(right), ")");
         const int order = m_models[left].Compare(m_models[right]);
         EXPECT_EQ(m_texts[left].Compare(m_texts[right]), order);
-        EXPECT_EQ(m_texts[right]<m_texts[left], order> 0);
+        EXPECT_EQ(m_texts[right] < m_texts[left], order > 0);
         EXPECT_EQ(m_texts[right] == m_texts[left], order == 0);
     }
     void LookAtNarrow(std::size_t of) {

@@ -1,8 +1,7 @@
 // The UTF-8 converter.
-#include "core/Utf8.h"
-
 #include <string>
 
+#include "core/Utf8.h"
 #include "tests/fuzz/Fuzz.h"
 #include "tests/fuzz/Utf8Model.h"
 

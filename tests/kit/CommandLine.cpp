@@ -4,8 +4,9 @@
 namespace kit {
 
 std::wstring QuoteWord(std::wstring_view word) {
-    if (!word.empty() && word.find_first_of(L" \t\n\v\"") == std::wstring_view::npos)
+    if (!word.empty() && word.find_first_of(L" \t\n\v\"") == std::wstring_view::npos) {
         return std::wstring(word);
+    }
     std::wstring quoted = L"\"";
     std::size_t backslashes = 0; // in front of the present character
     for (const wchar_t character : word) {
@@ -25,8 +26,9 @@ std::wstring QuoteWord(std::wstring_view word) {
 std::wstring MakeCommandLine(const std::vector<std::wstring>& words) {
     std::wstring line;
     for (const std::wstring& word : words) {
-        if (!line.empty())
+        if (!line.empty()) {
             line += L' ';
+        }
         line += QuoteWord(word);
     }
     return line;

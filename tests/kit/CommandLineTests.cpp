@@ -1,7 +1,7 @@
 // Quoting of words: the written form. What a program reads back is tested with started programs.
-#include "tests/kit/CommandLine.h"
-
 #include <gtest/gtest.h>
+
+#include "tests/kit/CommandLine.h"
 
 namespace {
 

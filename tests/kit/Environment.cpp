@@ -18,8 +18,9 @@ struct LessIgnoringCase {
 
 std::wstring EnvironmentVariable(const wchar_t* name) {
     const DWORD size = GetEnvironmentVariableW(name, nullptr, 0);
-    if (size == 0)
+    if (size == 0) {
         return {};
+    }
     std::wstring value(size, L'\0');
     value.resize(GetEnvironmentVariableW(name, value.data(), size));
     return value;
@@ -35,12 +36,14 @@ std::wstring EnvironmentBlock(const std::map<std::wstring, std::wstring>& change
         next += entry.size() + 1;
     }
     FreeEnvironmentStringsW(own);
-    for (const auto& [name, value] : changes)
+    for (const auto& [name, value] : changes) {
         variables[name] = value;
+    }
 
     std::wstring block;
-    for (const auto& [name, value] : variables)
+    for (const auto& [name, value] : variables) {
         block += name + L'=' + value + L'\0';
+    }
     return block + L'\0';
 }
 

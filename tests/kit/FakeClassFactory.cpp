@@ -1,13 +1,13 @@
 // The class factories of the fake server.
 #include "tests/kit/FakeClassFactory.h"
 
-#include "tests/kit/FakeObjects.h"
-#include "tests/kit/OneInterface.h"
-
 #include <objbase.h>
 
 #include <stdexcept>
 #include <utility>
+
+#include "tests/kit/FakeObjects.h"
+#include "tests/kit/OneInterface.h"
 
 namespace kit {
 namespace {
@@ -39,8 +39,9 @@ DWORD RegisterFakeClass(std::shared_ptr<ServerState> state, FakeClass which) {
     const HRESULT status = CoRegisterClassObject(ClassIdOf(which), factory, CLSCTX_INPROC_SERVER,
                                                  REGCLS_MULTIPLEUSE, &registration);
     factory->Release();
-    if (FAILED(status))
+    if (FAILED(status)) {
         throw std::runtime_error("a class of the fake server cannot be registered");
+    }
     return registration;
 }
 

@@ -1,12 +1,12 @@
 // The class factories of the fake server.
 #pragma once
 
-#include "tests/kit/Operations.h"
-#include "tests/kit/ServerState.h"
-
 #include <windows.h>
 
 #include <memory>
+
+#include "tests/kit/Operations.h"
+#include "tests/kit/ServerState.h"
 
 namespace kit {
 

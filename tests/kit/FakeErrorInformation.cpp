@@ -1,12 +1,12 @@
 // An error information object with a journal, whose texts are watched.
 #include "tests/kit/FakeErrorInformation.h"
 
-#include "tests/kit/OneInterface.h"
-#include "tests/kit/TextWatch.h"
-
 #include <oaidl.h>
 
 #include <utility>
+
+#include "tests/kit/OneInterface.h"
+#include "tests/kit/TextWatch.h"
 
 namespace kit {
 namespace {
@@ -44,8 +44,9 @@ class FakeErrorInformation final : public OneInterface<IErrorInfo> {
     HRESULT Give(const std::string& operation, const Text& text, BSTR* out) const {
         *out = nullptr;
         m_state->journal.AddEvent(m_label + "." + operation + "()");
-        if (!text)
+        if (!text) {
             return E_FAIL;
+        }
         *out = TextWatch::Give(*text, m_label + "." + operation);
         return S_OK;
     }

@@ -1,11 +1,11 @@
 // Error information as a server leaves it for its client.
 #pragma once
 
-#include "tests/kit/ServerState.h"
-
 #include <memory>
 #include <optional>
 #include <string>
+
+#include "tests/kit/ServerState.h"
 
 namespace kit {
 

@@ -1,16 +1,16 @@
 // Journal and script of the fake server's objects.
 #include "tests/kit/FakeIdentity.h"
 
-#include "tests/kit/FakeErrorInformation.h"
-#include "tests/kit/Narrow.h"
-#include "tests/kit/TextWatch.h"
-
 #include <DriverAutomation.h>
 
 #include <cstdio>
 #include <memory>
 #include <stdexcept>
 #include <utility>
+
+#include "tests/kit/FakeErrorInformation.h"
+#include "tests/kit/Narrow.h"
+#include "tests/kit/TextWatch.h"
 
 namespace kit {
 namespace {
@@ -36,8 +36,9 @@ std::string_view ContractInterfaceName(REFIID id) {
         {&__uuidof(IVersionInformation), "IVersionInformation"},
     };
     for (const auto& [known, name] : rows) {
-        if (IsEqualIID(id, *known))
+        if (IsEqualIID(id, *known)) {
             return name;
+        }
     }
     return {};
 }
@@ -59,20 +60,23 @@ ULONG FakeIdentity::AddReference() {
 ULONG FakeIdentity::DropReference(IUnknown* identity) {
     CheckAlive("Release");
     const ULONG left = m_references == 0 ? 0 : --m_references;
-    if (left > 0 || m_isReleased)
+    if (left > 0 || m_isReleased) {
         return left;
+    }
     m_isReleased = true;
     m_state->objects.erase(identity);
     m_state->journal.AddEvent("~" + m_label);
     std::unique_ptr<FakeIdentity> self(this);
-    if (m_state->isOpen)
+    if (m_state->isOpen) {
         m_state->released.push_back(std::move(self));
+    }
     return 0;
 }
 
 void FakeIdentity::CheckAlive(std::string_view use) {
-    if (m_isReleased)
+    if (m_isReleased) {
         m_state->problems.push_back("used after its last release: " + m_label + "." + std::string(use));
+    }
 }
 
 HRESULT FakeIdentity::EventStatus(std::string_view event) {
@@ -93,14 +97,17 @@ Answer FakeIdentity::Call(std::string_view operation, std::string_view arguments
     const Answer* const scripted =
         m_state->script.Find(m_interfaceName + "." + std::string(operation), {m_printer, m_number, call});
     const Answer answer = scripted ? *scripted : Answer{};
-    if (answer.hasInformation)
+    if (answer.hasInformation) {
         SetFakeErrorInformation(m_state, answer.source, answer.description);
-    else
+    } else {
         SetErrorInfo(0, nullptr);
-    if (answer.work)
+    }
+    if (answer.work) {
         answer.work();
-    if (answer.throws)
+    }
+    if (answer.throws) {
         throw std::runtime_error("scripted exception");
+    }
     return answer;
 }
 
@@ -111,12 +118,14 @@ HRESULT FakeIdentity::CallPlain(std::string_view operation, std::string_view arg
 HRESULT FakeIdentity::CallForText(std::string_view operation, BSTR* text) {
     *text = nullptr;
     const Answer answer = Call(operation);
-    if (FAILED(answer.status) || answer.givesNull)
+    if (FAILED(answer.status) || answer.givesNull) {
         return answer.status;
+    }
     const std::string_view noun = operation.substr(std::string_view("Get").size());
     std::wstring given(noun.begin(), noun.end());
-    if (!m_printer.empty())
+    if (!m_printer.empty()) {
         given += L" of " + m_printer;
+    }
     *text = TextWatch::Give(answer.text.value_or(given), m_label + "." + std::string(operation));
     return answer.status;
 }
@@ -124,8 +133,9 @@ HRESULT FakeIdentity::CallForText(std::string_view operation, BSTR* text) {
 HRESULT FakeIdentity::CallForFlag(std::string_view operation, VARIANT_BOOL defaultFlag, VARIANT_BOOL* flag) {
     *flag = VARIANT_FALSE;
     const Answer answer = Call(operation);
-    if (SUCCEEDED(answer.status))
+    if (SUCCEEDED(answer.status)) {
         *flag = answer.flag.value_or(defaultFlag);
+    }
     return answer.status;
 }
 
@@ -135,8 +145,9 @@ HRESULT FakeIdentity::CallReserved(std::string_view operation) {
 }
 
 std::string FakeIdentity::Show(BSTR text, std::string_view operation) {
-    if (!text)
+    if (!text) {
         return "null";
+    }
     const std::string label = m_label + "." + std::string(operation);
     if (!TextWatch::Receive(text, label + " (argument)")) {
         m_state->problems.push_back(label + ": the argument is no BSTR");
@@ -146,11 +157,13 @@ std::string FakeIdentity::Show(BSTR text, std::string_view operation) {
 }
 
 FakeIdentity* FakeIdentity::FindObject(const VARIANT& value) {
-    if (value.vt != VT_DISPATCH || !value.pdispVal)
+    if (value.vt != VT_DISPATCH || !value.pdispVal) {
         return nullptr;
+    }
     void* identity = nullptr;
-    if (FAILED(value.pdispVal->QueryInterface(__uuidof(IUnknown), &identity)))
+    if (FAILED(value.pdispVal->QueryInterface(__uuidof(IUnknown), &identity))) {
         return nullptr;
+    }
     static_cast<IUnknown*>(identity)->Release();
     const auto found = m_state->objects.find(static_cast<IUnknown*>(identity));
     return found == m_state->objects.end() ? nullptr : found->second;

@@ -1,16 +1,15 @@
 // What all objects of the fake server have in common: name, binding, journal and script.
 #pragma once
 
-#include "tests/kit/ServerState.h"
-
 #include <windows.h>
-
 #include <oaidl.h>
 
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+
+#include "tests/kit/ServerState.h"
 
 namespace kit {
 

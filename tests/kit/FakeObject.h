@@ -1,10 +1,7 @@
 // The COM side of the fake server's objects: one contract interface, error information, the running state.
 #pragma once
 
-#include "tests/kit/FakeIdentity.h"
-
 #include <windows.h>
-
 #include <oaidl.h>
 #include <objidl.h>
 
@@ -12,6 +9,8 @@
 #include <string>
 #include <string_view>
 #include <utility>
+
+#include "tests/kit/FakeIdentity.h"
 
 namespace kit {
 
@@ -26,8 +25,9 @@ class FakeObject : public Interface, public ISupportErrorInfo, public IRunnableO
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
         *object = Find(id);
-        if (!*object)
+        if (!*object) {
             return E_NOINTERFACE;
+        }
         AddRef();
         return S_OK;
     }
@@ -73,15 +73,19 @@ class FakeObject : public Interface, public ISupportErrorInfo, public IRunnableO
 
     /// The interface without a reference of its own, or null.
     void* Find(REFIID id) {
-        if (IsEqualIID(id, __uuidof(IUnknown)) || IsEqualIID(id, __uuidof(IDispatch)))
+        if (IsEqualIID(id, __uuidof(IUnknown)) || IsEqualIID(id, __uuidof(IDispatch))) {
             return static_cast<Interface*>(this);
-        if (IsEqualIID(id, __uuidof(IRunnableObject)))
+        }
+        if (IsEqualIID(id, __uuidof(IRunnableObject))) {
             return static_cast<IRunnableObject*>(this);
-        if (IsEqualIID(id, __uuidof(ISupportErrorInfo)))
+        }
+        if (IsEqualIID(id, __uuidof(ISupportErrorInfo))) {
             return Support() == ErrorInfoSupport::Absent ? nullptr : static_cast<ISupportErrorInfo*>(this);
+        }
         const std::string_view name = ContractInterfaceName(id);
-        if (name.empty())
+        if (name.empty()) {
             return nullptr;
+        }
         AddEvent("QueryInterface(" + std::string(name) + ")");
         const bool offered = IsEqualIID(id, __uuidof(Interface)) && SUCCEEDED(EventStatus("QueryInterface"));
         return offered ? static_cast<Interface*>(this) : nullptr;

@@ -1,12 +1,12 @@
 // The objects that clients activate.
 #include "tests/kit/FakeObjects.h"
 
-#include "tests/kit/FakeObject.h"
-#include "tests/kit/FakeParts.h"
-
 #include <DriverAutomation.h>
 
 #include <string>
+
+#include "tests/kit/FakeObject.h"
+#include "tests/kit/FakeParts.h"
 
 namespace kit {
 namespace {
@@ -57,8 +57,9 @@ class FakeDriverAutomation final : public FakeObject<IDriverAutomation> {
         return CallPlain("SendFile", Show(path, "SendFile") + ", " + Show(documentName, "SendFile"));
     }
     HRESULT STDMETHODCALLTYPE PerformAction(long action, VARIANT request) override {
-        if (FakeIdentity* const actions = FindObject(request))
+        if (FakeIdentity* const actions = FindObject(request)) {
             actions->Bind(Printer());
+        }
         return CallPlain("PerformAction", std::to_string(action) + ", " + Show(request));
     }
     HRESULT STDMETHODCALLTYPE Reserved4() override { return CallReserved("Reserved4"); }
@@ -105,8 +106,9 @@ class FakeDriverAutomation final : public FakeObject<IDriverAutomation> {
     HRESULT CallForPart(std::string_view operation, Make make, Part** part) {
         *part = nullptr;
         const Answer answer = Call(operation);
-        if (SUCCEEDED(answer.status) && !answer.givesNull)
+        if (SUCCEEDED(answer.status) && !answer.givesNull) {
             *part = make(SharedState(), Printer());
+        }
         return answer.status;
     }
 };
@@ -129,8 +131,9 @@ HRESULT MakeFakeObject(const std::shared_ptr<ServerState>& state, FakeClass whic
     const int number = state->NextNumber(name);
     state->journal.AddEvent("new " + name + "#" + std::to_string(number));
     const Answer* const answer = state->script.Find(name + ".CreateInstance", {{}, number, 1});
-    if (answer)
+    if (answer) {
         return answer->status; // a success too: without an object
+    }
     switch (which) {
     case FakeClass::DriverAutomation: return MakeAs<FakeDriverAutomation>(state, which, number, id, object);
     case FakeClass::DriverActions: return MakeAs<FakeDriverActions>(state, which, number, id, object);

@@ -1,12 +1,12 @@
 // Making of the fake server's objects.
 #pragma once
 
-#include "tests/kit/Operations.h"
-#include "tests/kit/ServerState.h"
-
 #include <windows.h>
 
 #include <memory>
+
+#include "tests/kit/Operations.h"
+#include "tests/kit/ServerState.h"
 
 namespace kit {
 

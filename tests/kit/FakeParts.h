@@ -1,12 +1,12 @@
 // Making of the objects that a client gets from a DriverAutomation object.
 #pragma once
 
-#include "tests/kit/ServerState.h"
-
 #include <DriverAutomation.h>
 
 #include <memory>
 #include <string>
+
+#include "tests/kit/ServerState.h"
 
 namespace kit {
 

@@ -1,17 +1,17 @@
 // Registration, script and verdict of the fake server.
 #include "tests/kit/FakeServer.h"
 
-#include "tests/kit/FakeClassFactory.h"
-#include "tests/kit/FakeIdentity.h"
-#include "tests/kit/TextWatch.h"
-
-#include <gtest/gtest.h>
-
 #include <objbase.h>
 #include <oleauto.h>
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <utility>
+
+#include "tests/kit/FakeClassFactory.h"
+#include "tests/kit/FakeIdentity.h"
+#include "tests/kit/TextWatch.h"
 
 namespace kit {
 namespace {
@@ -30,13 +30,15 @@ Answer Failing(HRESULT status) {
 
 FakeServer::FakeServer() : m_state(std::make_shared<ServerState>()), m_runtime(m_state) {
     TextWatch::Start();
-    for (const FakeClass which : kAllClasses)
+    for (const FakeClass which : kAllClasses) {
         m_registrations[static_cast<std::size_t>(which)] = RegisterFakeClass(m_state, which);
+    }
 }
 
 FakeServer::~FakeServer() {
-    for (const FakeClass which : kAllClasses)
+    for (const FakeClass which : kAllClasses) {
         Unregister(which);
+    }
     SetErrorInfo(0, nullptr);
     m_state->isOpen = false;
     TextWatch::Forget();
@@ -45,10 +47,11 @@ FakeServer::~FakeServer() {
 
 Rule& FakeServer::AddRule(std::string_view operation, std::initializer_list<Gives> kinds, Answer answer) {
     const Operation* const known = FindOperation(operation);
-    if (!known)
+    if (!known) {
         ADD_FAILURE() << operation << " is no operation of the contract";
-    else if (kinds.size() > 0 && std::ranges::find(kinds, known->gives) == kinds.end())
+    } else if (kinds.size() > 0 && std::ranges::find(kinds, known->gives) == kinds.end()) {
         ADD_FAILURE() << operation << " gives nothing of that kind";
+    }
     return m_state->script.Add(std::string(operation), std::move(answer));
 }
 
@@ -100,8 +103,9 @@ Rule& FakeServer::LackInterface(FakeClass which) {
 
 void FakeServer::Unregister(FakeClass which) {
     DWORD& registration = m_registrations[static_cast<std::size_t>(which)];
-    if (registration != 0)
+    if (registration != 0) {
         CoRevokeClassObject(std::exchange(registration, 0));
+    }
 }
 
 void FakeServer::SupportErrorInfo(ErrorInfoSupport support) {
@@ -109,26 +113,33 @@ void FakeServer::SupportErrorInfo(ErrorInfoSupport support) {
 }
 
 void FakeServer::SupportErrorInfo(std::string_view interfaceName, ErrorInfoSupport support) {
-    if (std::ranges::find(AllOperations(), interfaceName, &Operation::Interface) == AllOperations().end())
+    if (std::ranges::find(AllOperations(), interfaceName, &Operation::Interface) == AllOperations().end()) {
         ADD_FAILURE() << interfaceName << " is no interface of the contract";
+    }
     m_state->supportOf[std::string(interfaceName)] = support;
 }
 
 Lines FakeServer::Faults() {
     SetErrorInfo(0, nullptr);
     Lines faults = m_state->problems;
-    for (const auto& [identity, object] : m_state->objects)
+    for (const auto& [identity, object] : m_state->objects) {
         faults.push_back("not released: " + object->Label());
-    for (const std::string& label : m_state->errorInformation)
+    }
+    for (const std::string& label : m_state->errorInformation) {
         faults.push_back("not released: " + label);
-    for (const std::string& label : TextWatch::Live())
+    }
+    for (const std::string& label : TextWatch::Live()) {
         faults.push_back("not freed: text of " + label);
-    for (const std::string& label : TextWatch::FreedTwice())
+    }
+    for (const std::string& label : TextWatch::FreedTwice()) {
         faults.push_back("freed twice: text of " + label);
-    if (m_state->factoryLocks != 0)
+    }
+    if (m_state->factoryLocks != 0) {
         faults.push_back("locks of class factories: " + std::to_string(m_state->factoryLocks));
-    if (m_runtime.Balance() != 0)
+    }
+    if (m_runtime.Balance() != 0) {
         faults.push_back("initialisations of the runtime not undone: " + std::to_string(m_runtime.Balance()));
+    }
     return faults;
 }
 

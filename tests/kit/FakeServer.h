@@ -16,11 +16,6 @@
 // Label A", "Version" where no printer is bound), every action is supported and none displays an interface.
 #pragma once
 
-#include "tests/kit/Operations.h"
-#include "tests/kit/RuntimeWatch.h"
-#include "tests/kit/Script.h"
-#include "tests/kit/ServerState.h"
-
 #include <windows.h>
 
 #include <array>
@@ -30,6 +25,11 @@
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include "tests/kit/Operations.h"
+#include "tests/kit/RuntimeWatch.h"
+#include "tests/kit/Script.h"
+#include "tests/kit/ServerState.h"
 
 namespace kit {
 

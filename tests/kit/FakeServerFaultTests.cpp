@@ -1,8 +1,8 @@
 // The fake server's error information, and its verdict on clients that leak.
+#include <gtest/gtest.h>
+
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/TestClient.h"
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -12,8 +12,9 @@ using kit::Lines;
 /// "source/description" of the thread's error information; "none" without any.
 std::wstring TakeErrorInformation() {
     IErrorInfo* information = nullptr;
-    if (GetErrorInfo(0, &information) != S_OK)
+    if (GetErrorInfo(0, &information) != S_OK) {
         return L"none";
+    }
     BSTR source = nullptr;
     BSTR description = nullptr;
     const HRESULT sourceStatus = information->GetSource(&source);
@@ -26,8 +27,9 @@ std::wstring TakeErrorInformation() {
 /// How the object answers for its own interface; E_NOINTERFACE without the interface to ask.
 HRESULT AskSupport(IDriverAutomation* automation, REFIID id) {
     ISupportErrorInfo* support = nullptr;
-    if (FAILED(automation->QueryInterface(__uuidof(ISupportErrorInfo), reinterpret_cast<void**>(&support))))
+    if (FAILED(automation->QueryInterface(__uuidof(ISupportErrorInfo), reinterpret_cast<void**>(&support)))) {
         return E_NOINTERFACE;
+    }
     const HRESULT answer = support->InterfaceSupportsErrorInfo(id);
     support->Release();
     return answer;

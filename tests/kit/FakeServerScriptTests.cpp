@@ -1,11 +1,11 @@
 // The fake server's script: failures, values and their conditions.
-#include "tests/kit/FakeServer.h"
-#include "tests/kit/TestClient.h"
-
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+
+#include "tests/kit/FakeServer.h"
+#include "tests/kit/TestClient.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // The fake server: activation, journal and defaults, seen by a small client.
+#include <gtest/gtest.h>
+
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/TestClient.h"
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -120,7 +120,9 @@ TEST(FakeServer, ReservedPlacesAndLateBindingAreRefusedButJournaled) {
 
 TEST(FakeServer, NothingIsRegisteredAfterwards) {
     CoInitialize(nullptr);
-    { const kit::FakeServer server; }
+    {
+        const kit::FakeServer server;
+    }
     HRESULT status = S_OK;
     EXPECT_EQ(ActivateAutomation(&status), nullptr);
     EXPECT_EQ(status, REGDB_E_CLASSNOTREG);

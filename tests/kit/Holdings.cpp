@@ -1,8 +1,6 @@
 // Counting imports.
 #include "tests/kit/Holdings.h"
 
-#include "tests/kit/ImportPatch.h"
-
 #include <oleauto.h>
 #include <winspool.h>
 
@@ -12,6 +10,8 @@
 #include <cstring>
 #include <iterator>
 #include <string_view>
+
+#include "tests/kit/ImportPatch.h"
 
 namespace kit {
 namespace {
@@ -53,8 +53,9 @@ template<Name name, Kind kind, class Result, class... Arguments>
 struct Opening<name, kind, Result (*)(Arguments...)> {
     static Result Do(Arguments... arguments) {
         const Result result = reinterpret_cast<Result (*)(Arguments...)>(g_real<name>)(arguments...);
-        if (IsMade(result))
+        if (IsMade(result)) {
             Count(kind, 1);
+        }
         return result;
     }
 };
@@ -66,8 +67,9 @@ template<Name name, Kind kind, class Result, class Argument>
 struct Closing<name, kind, Result (*)(Argument)> {
     static Result Do(Argument argument) {
         const Result result = reinterpret_cast<Result (*)(Argument)>(g_real<name>)(argument);
-        if (IsMade(result))
+        if (IsMade(result)) {
             Count(kind, -1);
+        }
         return result;
     }
 };
@@ -83,8 +85,9 @@ struct Allocating<name, kind, Result (*)(Arguments...)> {
             return nullptr;
         }
         const Result result = reinterpret_cast<Result (*)(Arguments...)>(g_real<name>)(arguments...);
-        if (result)
+        if (result) {
             Count(kind, 1);
+        }
         return result;
     }
 };
@@ -95,8 +98,9 @@ using HeapAllocating = Allocating<name, &Holdings::heapBlocks, void* (*)(std::si
 constexpr Name kRealloc("realloc");
 using Realloc = void* (*)(void*, std::size_t);
 void* CountingRealloc(void* block, std::size_t size) {
-    if (g_gate && size > 0 && !g_gate("realloc"))
+    if (g_gate && size > 0 && !g_gate("realloc")) {
         return nullptr;
+    }
     void* const result = reinterpret_cast<Realloc>(g_real<kRealloc>)(block, size);
     const long made = result && !block ? 1 : 0;
     const long freed = block && size == 0 ? 1 : 0;
@@ -107,16 +111,18 @@ void* CountingRealloc(void* block, std::size_t size) {
 constexpr Name kFree("free");
 using Free = void (*)(void*);
 void CountingFree(void* block) {
-    if (block)
+    if (block) {
         Count(&Holdings::heapBlocks, -1);
+    }
     reinterpret_cast<Free>(g_real<kFree>)(block);
 }
 
 constexpr Name kLocalFree("LocalFree");
 using LocalFreeCall = decltype(&::LocalFree);
 HLOCAL CountingLocalFree(HLOCAL block) {
-    if (block)
+    if (block) {
         Count(&Holdings::localBlocks, -1);
+    }
     return reinterpret_cast<LocalFreeCall>(g_real<kLocalFree>)(block);
 }
 
@@ -131,16 +137,18 @@ DWORD CountingFormatMessage(DWORD flags, const void* source, DWORD message, DWOR
     }
     const DWORD length = reinterpret_cast<FormatMessageCall>(g_real<kFormatMessage>)(
         flags, source, message, language, buffer, size, arguments);
-    if (allocates && length > 0)
+    if (allocates && length > 0) {
         Count(&Holdings::localBlocks, 1);
+    }
     return length;
 }
 
 constexpr Name kSysFreeString("SysFreeString");
 using SysFreeStringCall = decltype(&::SysFreeString);
 void CountingSysFreeString(BSTR text) {
-    if (text)
+    if (text) {
         Count(&Holdings::texts, -1);
+    }
     reinterpret_cast<SysFreeStringCall>(g_real<kSysFreeString>)(text);
 }
 
@@ -203,11 +211,13 @@ FARPROC WatchedGetProcAddress(HMODULE library, const char* name) {
     const FARPROC found =
         reinterpret_cast<decltype(&WatchedGetProcAddress)>(g_real<kGetProcAddress>)(library, name);
     const bool isOrdinal = (reinterpret_cast<ULONG_PTR>(name) >> 16) == 0;
-    if (!found || isOrdinal)
+    if (!found || isOrdinal) {
         return found;
+    }
     const auto row = std::ranges::find(TheRows(), std::string_view(name), &Row::name);
-    if (row == TheRows().end())
+    if (row == TheRows().end()) {
         return found;
+    }
     *row->real = reinterpret_cast<void*>(found);
     return reinterpret_cast<FARPROC>(row->replacement);
 }
@@ -218,8 +228,9 @@ void WatchHoldings(HMODULE module, AllocationGate gate) {
     TheRows(); // made before anything counts
     g_gate = gate;
     for (const Row& row : TheRows()) {
-        if (void* const real = PatchImport(module, row.name, row.replacement))
+        if (void* const real = PatchImport(module, row.name, row.replacement)) {
             *row.real = real;
+        }
     }
 }
 
@@ -246,10 +257,12 @@ std::vector<std::string> Differences(const Holdings& before, const Holdings& aft
     std::vector<std::string> lines;
     for (const auto& [name, kind] : kKinds) {
         const long change = after.*kind - before.*kind;
-        if (change > 0)
+        if (change > 0) {
             lines.push_back("not given back: " + std::to_string(change) + " " + name);
-        if (change < 0)
+        }
+        if (change < 0) {
             lines.push_back("given back once too often: " + std::to_string(-change) + " " + name);
+        }
     }
     return lines;
 }

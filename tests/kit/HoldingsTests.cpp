@@ -1,20 +1,17 @@
 // The watch over what the program holds sees every kind of thing that is kept, and what is given back twice.
-#include "tests/kit/Holdings.h"
-
-#include "demo/WinePrinters.h"
-
-#include <gtest/gtest.h>
-
 #include <windows.h>
-
 #include <oleauto.h>
 #include <winspool.h>
+
+#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <cstring>
 #include <string>
 
+#include "demo/WinePrinters.h"
 #include "tests/kit/FakeServer.h"
+#include "tests/kit/Holdings.h"
 
 namespace {
 
@@ -35,7 +32,7 @@ class HoldingsWatch : public testing::Test {
     ~HoldingsWatch() override { refusedCall = nullptr; }
 
     /// How many of the kind came since the test began.
-    long Since(long Holdings::*kind) const { return Held().*kind - m_before.*kind; }
+    long Since(long Holdings::* kind) const { return Held().*kind - m_before.*kind; }
 
     static inline const char* refusedCall = nullptr;
 
@@ -150,7 +147,9 @@ TEST_F(HoldingsWatch, RefusesWhatTheGateDoesNotLetThrough) {
 }
 
 TEST_F(HoldingsWatch, AFakeServerAndItsRunLeaveNothing) {
-    { const kit::FakeServer first; } // the process-wide parts of the runtime and of the kit
+    {
+        const kit::FakeServer first;
+    } // the process-wide parts of the runtime and of the kit
     const Holdings before = Held();
     {
         kit::FakeServer server;

@@ -13,16 +13,19 @@ void* PatchImport(HMODULE module, std::string_view name, void* replacement) {
         const auto* named = reinterpret_cast<const IMAGE_THUNK_DATA*>(base + library->OriginalFirstThunk);
         auto* bound = reinterpret_cast<void**>(base + library->FirstThunk);
         for (; named->u1.AddressOfData != 0; ++named, ++bound) {
-            if (IMAGE_SNAP_BY_ORDINAL(named->u1.Ordinal))
+            if (IMAGE_SNAP_BY_ORDINAL(named->u1.Ordinal)) {
                 continue;
+            }
             const auto* const entry =
                 reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + named->u1.AddressOfData);
-            if (name != reinterpret_cast<const char*>(entry->Name))
+            if (name != reinterpret_cast<const char*>(entry->Name)) {
                 continue;
+            }
             void* const before = *bound;
             DWORD protection = 0;
-            if (!VirtualProtect(bound, sizeof *bound, PAGE_READWRITE, &protection))
+            if (!VirtualProtect(bound, sizeof *bound, PAGE_READWRITE, &protection)) {
                 return nullptr;
+            }
             *bound = replacement;
             VirtualProtect(bound, sizeof *bound, protection, &protection);
             return before;

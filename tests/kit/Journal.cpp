@@ -6,8 +6,9 @@ namespace kit {
 std::vector<std::string> Journal::Select(bool callsOnly) const {
     std::vector<std::string> lines;
     for (const auto& [isCall, line] : m_entries) {
-        if (isCall || !callsOnly)
+        if (isCall || !callsOnly) {
             lines.push_back(line);
+        }
     }
     return lines;
 }

@@ -23,8 +23,9 @@ class Journal {
     std::vector<std::string> Calls() const { return Select(true); }
 
     void AddCall(std::string line) {
-        if (m_follower)
+        if (m_follower) {
             m_follower(line);
+        }
         m_entries.emplace_back(true, std::move(line));
     }
     void AddEvent(std::string line) { m_entries.emplace_back(false, std::move(line)); }

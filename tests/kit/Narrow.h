@@ -1,10 +1,10 @@
 // Conversion between wide texts and the journal's UTF-8.
 #pragma once
 
-#include "core/Utf8.h"
-
 #include <string>
 #include <string_view>
+
+#include "core/Utf8.h"
 
 namespace kit {
 

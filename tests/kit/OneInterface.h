@@ -2,7 +2,6 @@
 #pragma once
 
 #include <windows.h>
-
 #include <unknwn.h>
 
 namespace kit {
@@ -17,15 +16,17 @@ class OneInterface : public Interface {
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
         const bool known = IsEqualIID(id, __uuidof(IUnknown)) || IsEqualIID(id, __uuidof(Interface));
         *object = known ? static_cast<Interface*>(this) : nullptr;
-        if (known)
+        if (known) {
             AddRef();
+        }
         return known ? S_OK : E_NOINTERFACE;
     }
     ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
     ULONG STDMETHODCALLTYPE Release() override {
         const ULONG left = --m_references;
-        if (left == 0)
+        if (left == 0) {
             delete this;
+        }
         return left;
     }
 

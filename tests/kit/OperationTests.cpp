@@ -1,12 +1,12 @@
 // The operations by name: the table against the objects, operation by operation.
-#include "tests/kit/FakeServer.h"
-#include "tests/kit/TestClient.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <functional>
 #include <map>
+
+#include "tests/kit/FakeServer.h"
+#include "tests/kit/TestClient.h"
 
 namespace {
 
@@ -24,8 +24,9 @@ struct Objects {
     Objects& operator=(const Objects&) = delete;
     ~Objects() {
         for (IUnknown* const object :
-             std::initializer_list<IUnknown*>{automation, settings, actions, queue, information, version})
+             std::initializer_list<IUnknown*>{automation, settings, actions, queue, information, version}) {
             object->Release();
+        }
     }
 
     IDriverAutomation* automation = Bound(L"A");
@@ -43,8 +44,9 @@ struct Out {
     Out& operator=(const Out&) = delete;
     ~Out() {
         SysFreeString(text);
-        if (object)
+        if (object) {
             object->Release();
+        }
     }
 
     template<class Part>
@@ -159,8 +161,9 @@ TEST(Operations, EveryOneFailsWhenToldAndGivesNothing) {
 
 TEST(Operations, TextsAndObjectsCanBeNull) {
     for (const kit::Operation& operation : kit::AllOperations()) {
-        if (operation.gives != Gives::Text && operation.gives != Gives::Object)
+        if (operation.gives != Gives::Text && operation.gives != Gives::Object) {
             continue;
+        }
         SCOPED_TRACE(operation.name);
         kit::FakeServer server;
         Objects objects;

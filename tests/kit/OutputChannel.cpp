@@ -16,8 +16,9 @@ SECURITY_ATTRIBUTES Inheritable() {
 Handle Open(const wchar_t* path, DWORD access, DWORD share) {
     SECURITY_ATTRIBUTES attributes = Inheritable();
     Handle file(CreateFileW(path, access, share, &attributes, OPEN_EXISTING, 0, nullptr));
-    if (file.Get() == INVALID_HANDLE_VALUE)
+    if (file.Get() == INVALID_HANDLE_VALUE) {
         throw std::runtime_error("a file for a program's input or output cannot be opened");
+    }
     return file;
 }
 
@@ -36,8 +37,9 @@ OutputChannel::OutputChannel(bool toFile) {
     SECURITY_ATTRIBUTES attributes = Inheritable();
     HANDLE read = nullptr;
     HANDLE write = nullptr;
-    if (!CreatePipe(&read, &write, &attributes, 0))
+    if (!CreatePipe(&read, &write, &attributes, 0)) {
         throw std::runtime_error("a pipe cannot be made");
+    }
     m_read = Handle(read);
     m_write = Handle(write);
     SetHandleInformation(read, HANDLE_FLAG_INHERIT, 0);
@@ -49,16 +51,18 @@ void OutputChannel::Drain() {
     while (m_read.Get() && PeekNamedPipe(m_read.Get(), nullptr, 0, nullptr, &waiting, nullptr) &&
            waiting > 0) {
         DWORD taken = 0;
-        if (!ReadFile(m_read.Get(), buffer, sizeof buffer, &taken, nullptr))
+        if (!ReadFile(m_read.Get(), buffer, sizeof buffer, &taken, nullptr)) {
             return;
+        }
         m_bytes.append(buffer, taken);
     }
 }
 
 std::string OutputChannel::Finish() {
     m_write.Close();
-    if (m_file)
+    if (m_file) {
         return m_file->Read();
+    }
     Drain();
     return std::move(m_bytes);
 }

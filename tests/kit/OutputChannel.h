@@ -1,13 +1,13 @@
 // Where a started program's output goes.
 #pragma once
 
-#include "tests/kit/TemporaryFile.h"
-
 #include <windows.h>
 
 #include <optional>
 #include <string>
 #include <utility>
+
+#include "tests/kit/TemporaryFile.h"
 
 namespace kit {
 
@@ -25,8 +25,9 @@ class Handle {
 
     HANDLE Get() const { return m_handle; }
     void Close() {
-        if (m_handle && m_handle != INVALID_HANDLE_VALUE)
+        if (m_handle && m_handle != INVALID_HANDLE_VALUE) {
             CloseHandle(m_handle);
+        }
         m_handle = nullptr;
     }
 

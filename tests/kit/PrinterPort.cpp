@@ -1,11 +1,11 @@
 // A printer port of a test's own whose other end is a file.
 #include "tests/kit/PrinterPort.h"
 
-#include "demo/PortTarget.h"
-
 #include <windows.h>
 
 #include <atomic>
+
+#include "demo/PortTarget.h"
 
 namespace kit {
 namespace {

@@ -1,10 +1,10 @@
 // A printer port of a test's own whose other end is a file.
 #pragma once
 
-#include "tests/kit/TemporaryFile.h"
-
 #include <cstddef>
 #include <string>
+
+#include "tests/kit/TemporaryFile.h"
 
 namespace kit {
 

@@ -1,12 +1,12 @@
 // Runs of built programs as processes of their own.
 #include "tests/kit/ProcessRun.h"
 
+#include <filesystem>
+#include <stdexcept>
+
 #include "tests/kit/CommandLine.h"
 #include "tests/kit/Environment.h"
 #include "tests/kit/OutputChannel.h"
-
-#include <filesystem>
-#include <stdexcept>
 
 namespace kit {
 namespace {
@@ -21,8 +21,9 @@ std::wstring FolderOfThisProgram() {
 } // namespace
 
 std::wstring ProgramPath(std::wstring_view name) {
-    if (std::filesystem::path(name).is_absolute())
+    if (std::filesystem::path(name).is_absolute()) {
         return std::wstring(name);
+    }
     const std::wstring folder = EnvironmentVariable(L"KEMBA_PROGRAMS");
     return (folder.empty() ? FolderOfThisProgram() : folder) + L"\\" + std::wstring(name);
 }
@@ -31,8 +32,9 @@ ProcessResult RunProgram(std::wstring_view name, const std::vector<std::wstring>
                          const ProcessOptions& options) {
     const std::wstring path = ProgramPath(name);
     std::wstring line = L"\"" + path + L"\"";
-    if (!words.empty())
+    if (!words.empty()) {
         line += L" " + MakeCommandLine(words);
+    }
     std::wstring environment = EnvironmentBlock(options.environment);
 
     OutputChannel output(options.outputToFile);
@@ -46,8 +48,9 @@ ProcessResult RunProgram(std::wstring_view name, const std::vector<std::wstring>
     startup.hStdError = errors.WriteEnd();
     PROCESS_INFORMATION started{};
     if (!CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE, CREATE_UNICODE_ENVIRONMENT,
-                        environment.data(), nullptr, &startup, &started))
+                        environment.data(), nullptr, &startup, &started)) {
         throw std::runtime_error("the program cannot be started, error " + std::to_string(GetLastError()));
+    }
     const Handle process(started.hProcess);
     const Handle thread(started.hThread);
 

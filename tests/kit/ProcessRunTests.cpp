@@ -1,9 +1,9 @@
 // Started programs: words, environment, output, status, timeout.
-#include "tests/kit/ProcessRun.h"
-
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+
+#include "tests/kit/ProcessRun.h"
 
 namespace {
 
@@ -15,10 +15,11 @@ std::vector<std::wstring> WordsOf(const std::string& bytes) {
     for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
         const auto low = static_cast<unsigned char>(bytes[i]);
         const auto high = static_cast<unsigned char>(bytes[i + 1]);
-        if (const auto unit = static_cast<wchar_t>(low | high << 8))
+        if (const auto unit = static_cast<wchar_t>(low | high << 8)) {
             words.back() += unit;
-        else
+        } else {
             words.emplace_back();
+        }
     }
     words.pop_back();
     return words;

@@ -1,14 +1,14 @@
 // A spy on the initialisation of the component runtime.
 #include "tests/kit/RuntimeWatch.h"
 
-#include "tests/kit/OneInterface.h"
-
 #include <objbase.h>
 #include <objidl.h>
 
 #include <stdexcept>
 #include <string>
 #include <utility>
+
+#include "tests/kit/OneInterface.h"
 
 namespace kit {
 
@@ -21,8 +21,9 @@ class RuntimeWatch::Spy final : public OneInterface<IInitializeSpy> {
     HRESULT STDMETHODCALLTYPE PreInitialize(DWORD, DWORD) override { return S_OK; }
     HRESULT STDMETHODCALLTYPE PostInitialize(HRESULT status, DWORD apartment, DWORD) override {
         m_state->journal.AddEvent("CoInitialize(" + std::to_string(apartment) + ")");
-        if (SUCCEEDED(status))
+        if (SUCCEEDED(status)) {
             ++m_balance;
+        }
         return status;
     }
     HRESULT STDMETHODCALLTYPE PreUninitialize(DWORD) override {

@@ -1,11 +1,11 @@
 // The component runtime of the test's thread, and how a client initialises it.
 #pragma once
 
-#include "tests/kit/ServerState.h"
-
 #include <windows.h>
 
 #include <memory>
+
+#include "tests/kit/ServerState.h"
 
 namespace kit {
 

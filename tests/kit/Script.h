@@ -1,10 +1,7 @@
 // The fake server's script: which operation answers what, and when.
 #pragma once
 
-#include "tests/kit/Operations.h"
-
 #include <windows.h>
-
 #include <wtypes.h>
 
 #include <deque>
@@ -12,6 +9,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "tests/kit/Operations.h"
 
 namespace kit {
 

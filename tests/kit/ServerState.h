@@ -1,11 +1,7 @@
 // What the parts of the fake server share.
 #pragma once
 
-#include "tests/kit/Journal.h"
-#include "tests/kit/Script.h"
-
 #include <windows.h>
-
 #include <unknwn.h>
 
 #include <map>
@@ -13,6 +9,9 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "tests/kit/Journal.h"
+#include "tests/kit/Script.h"
 
 namespace kit {
 

@@ -16,8 +16,9 @@ constexpr int kStandardOutput = 1;
 /// The mode of a descriptor can only be asked for by setting another.
 int ModeOf(int descriptor) {
     const int mode = _setmode(descriptor, _O_BINARY);
-    if (mode != -1)
+    if (mode != -1) {
         _setmode(descriptor, mode);
+    }
     return mode;
 }
 
@@ -28,8 +29,9 @@ StdoutCapture::StdoutCapture() {
     m_mode = ModeOf(kStandardOutput);
     const int file =
         _wopen(m_file.Path().c_str(), _O_WRONLY | _O_CREAT | _O_TRUNC | _O_BINARY, _S_IREAD | _S_IWRITE);
-    if (file == -1 || m_mode == -1)
+    if (file == -1 || m_mode == -1) {
         throw std::runtime_error("standard output cannot be captured");
+    }
     m_original = _dup(kStandardOutput);
     _dup2(file, kStandardOutput);
     _close(file);
@@ -46,8 +48,9 @@ std::string StdoutCapture::Finish() {
 }
 
 void StdoutCapture::Restore() {
-    if (m_original == -1)
+    if (m_original == -1) {
         return;
+    }
     std::fflush(stdout);
     _dup2(m_original, kStandardOutput);
     _close(m_original);

@@ -1,9 +1,9 @@
 // Captures the bytes that leave the C runtime's standard output.
 #pragma once
 
-#include "tests/kit/TemporaryFile.h"
-
 #include <string>
+
+#include "tests/kit/TemporaryFile.h"
 
 namespace kit {
 

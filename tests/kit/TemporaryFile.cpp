@@ -13,8 +13,9 @@ namespace kit {
 TemporaryFile::TemporaryFile() {
     wchar_t folder[MAX_PATH + 1];
     wchar_t path[MAX_PATH + 1];
-    if (GetTempPathW(MAX_PATH + 1, folder) == 0 || GetTempFileNameW(folder, L"kmb", 0, path) == 0)
+    if (GetTempPathW(MAX_PATH + 1, folder) == 0 || GetTempFileNameW(folder, L"kmb", 0, path) == 0) {
         throw std::runtime_error("a temporary file cannot be made");
+    }
     m_path = path;
 }
 

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <windows.h>
-
 #include <DriverAutomation.h>
 #include <objbase.h>
 #include <oleauto.h>
@@ -17,14 +16,18 @@ Interface* Activate(REFCLSID classId, HRESULT* status = nullptr) {
     void* wanted = nullptr;
     HRESULT result = CoCreateInstance(classId, nullptr, kAnyContext, __uuidof(IUnknown),
                                       reinterpret_cast<void**>(&unknown));
-    if (SUCCEEDED(result))
+    if (SUCCEEDED(result)) {
         result = OleRun(unknown);
-    if (SUCCEEDED(result))
+    }
+    if (SUCCEEDED(result)) {
         result = unknown->QueryInterface(__uuidof(Interface), &wanted);
-    if (unknown)
+    }
+    if (unknown) {
         unknown->Release();
-    if (status)
+    }
+    if (status) {
         *status = result;
+    }
     return static_cast<Interface*>(wanted);
 }
 

@@ -27,8 +27,9 @@ struct SystemAllocator {
 
     T* allocate(std::size_t count) {
         void* const memory = HeapAlloc(GetProcessHeap(), 0, count * sizeof(T));
-        if (!memory)
+        if (!memory) {
             throw std::bad_alloc();
+        }
         return static_cast<T*>(memory);
     }
     void deallocate(T* memory, std::size_t) { HeapFree(GetProcessHeap(), 0, memory); }
@@ -52,11 +53,13 @@ class AllocatorSpy final : public IMallocSpy {
         const std::scoped_lock lock(m_mutex);
         const char* const position = static_cast<const char*>(address);
         auto next = m_blocks.upper_bound(position);
-        if (next == m_blocks.begin())
+        if (next == m_blocks.begin()) {
             return false;
+        }
         auto& [start, block] = *--next;
-        if (position >= start + block.size)
+        if (position >= start + block.size) {
             return false;
+        }
         block.label = label;
         return true;
     }
@@ -65,8 +68,9 @@ class AllocatorSpy final : public IMallocSpy {
         const std::scoped_lock lock(m_mutex);
         std::vector<std::string> labels;
         for (const auto& [start, block] : m_blocks) {
-            if (block.label)
+            if (block.label) {
                 labels.push_back(*block.label);
+            }
         }
         return labels;
     }
@@ -80,8 +84,9 @@ class AllocatorSpy final : public IMallocSpy {
         const std::scoped_lock lock(m_mutex);
         m_freed.clear();
         m_freedTwice.clear();
-        for (auto& [start, block] : m_blocks)
+        for (auto& [start, block] : m_blocks) {
             block.label.reset();
+        }
     }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
@@ -98,8 +103,9 @@ class AllocatorSpy final : public IMallocSpy {
         return size;
     }
     void* STDMETHODCALLTYPE PostAlloc(void* block) override {
-        if (block)
+        if (block) {
             Enter(block, {m_size, std::nullopt});
+        }
         m_mutex.unlock();
         return block;
     }
@@ -111,8 +117,9 @@ class AllocatorSpy final : public IMallocSpy {
             return nullptr; // which frees nothing
         }
         if (const auto found = m_blocks.find(start); found != m_blocks.end()) {
-            if (found->second.label)
+            if (found->second.label) {
                 m_freed[start] = *found->second.label;
+            }
             m_blocks.erase(found);
         }
         return block;
@@ -127,12 +134,14 @@ class AllocatorSpy final : public IMallocSpy {
     }
     void* STDMETHODCALLTYPE PostRealloc(void* block, WINBOOL) override {
         Block moved{m_size, std::nullopt};
-        if (m_moving)
+        if (m_moving) {
             moved.label = m_moving.mapped().label;
-        if (block)
+        }
+        if (block) {
             Enter(block, std::move(moved));
-        else if (m_moving && m_size > 0)
+        } else if (m_moving && m_size > 0) {
             m_blocks.insert(std::move(m_moving)); // a failed growth leaves the block as it was
+        }
         m_moving = {};
         m_mutex.unlock();
         return block;
@@ -175,8 +184,9 @@ void TextWatch::Start() {
         SetOaNoCache();
         return SUCCEEDED(CoRegisterMallocSpy(&TheSpy()));
     }();
-    if (!registered)
+    if (!registered) {
         throw std::runtime_error("the task allocator has a spy already");
+    }
     TheSpy().ForgetLabels();
 }
 

@@ -9,8 +9,9 @@ RunResult RunWords(const EntryPoint& entryPoint, const std::vector<std::wstring>
     std::vector<std::wstring> texts{L"kemba"};
     texts.insert(texts.end(), words.begin(), words.end());
     std::vector<wchar_t*> arguments;
-    for (std::wstring& text : texts)
+    for (std::wstring& text : texts) {
         arguments.push_back(text.data());
+    }
     arguments.push_back(nullptr); // the C runtime ends the array so
 
     StdoutCapture capture;

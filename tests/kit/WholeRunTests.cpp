@@ -1,15 +1,15 @@
 // Runs inside the test process: words, status, bytes of standard output.
-#include "tests/kit/StdoutCapture.h"
-#include "tests/kit/WholeRun.h"
-
-#include <gtest/gtest.h>
-
 #include <fcntl.h>
 #include <io.h>
+
+#include <gtest/gtest.h>
 
 #include <cstdio>
 #include <iostream>
 #include <stdexcept>
+
+#include "tests/kit/StdoutCapture.h"
+#include "tests/kit/WholeRun.h"
 
 namespace {
 

@@ -1,14 +1,7 @@
 // Printers made on the spooler: what others see of them, jobs, the default printer, many processes at once.
-#include "demo/PortTarget.h"
-#include "demo/SpoolerError.h"
-#include "demo/SpoolerLock.h"
-#include "demo/WinePrinters.h"
-#include "tests/kit/PrinterPort.h"
-#include "tests/kit/ProcessRun.h"
+#include <winspool.h>
 
 #include <gtest/gtest.h>
-
-#include <winspool.h>
 
 #include <algorithm>
 #include <atomic>
@@ -16,6 +9,13 @@
 #include <fstream>
 #include <iterator>
 #include <thread>
+
+#include "demo/PortTarget.h"
+#include "demo/SpoolerError.h"
+#include "demo/SpoolerLock.h"
+#include "demo/WinePrinters.h"
+#include "tests/kit/PrinterPort.h"
+#include "tests/kit/ProcessRun.h"
 
 namespace {
 
@@ -41,8 +41,9 @@ std::wstring TextOf(const wchar_t* text) {
 
 bool SendRaw(std::wstring name, std::string bytes) {
     HANDLE printer = nullptr;
-    if (!OpenPrinterW(name.data(), &printer, nullptr))
+    if (!OpenPrinterW(name.data(), &printer, nullptr)) {
         return false;
+    }
     wchar_t title[] = L"labels";
     wchar_t datatype[] = L"RAW";
     DOC_INFO_1W document{title, nullptr, datatype};
@@ -113,8 +114,9 @@ TEST(WinePrinters, ARawJobArrivesByteForByte) {
     const kit::PrinterPort port;
     const demo::Printer printer({.port = port.Name()});
     std::string bytes;
-    for (int i = 0; i < 1024; ++i)
+    for (int i = 0; i < 1024; ++i) {
         bytes += static_cast<char>(i);
+    }
     ASSERT_TRUE(SendRaw(printer.Name(), bytes));
     EXPECT_EQ(port.Received(bytes.size()), bytes);
     ASSERT_TRUE(SendRaw(printer.Name(), "more"));
@@ -163,10 +165,12 @@ class DemoPrinters : public testing::Test {
     static kit::ProcessResult Provide() { return kit::RunProgram(L"demo-printers.exe", {}); }
 
     static void RemoveAll() {
-        for (const wchar_t* const name : {L"Dock 1", L"Dock 2"})
+        for (const wchar_t* const name : {L"Dock 1", L"Dock 2"}) {
             demo::RemovePrinter(name);
-        for (const wchar_t* const port : {L"LPT1:", L"LPT2:"})
+        }
+        for (const wchar_t* const port : {L"LPT1:", L"LPT2:"}) {
             demo::DisconnectPort(port);
+        }
     }
 
     demo::SpoolerLock m_lock;

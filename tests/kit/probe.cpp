@@ -14,19 +14,22 @@ void WriteBytes(DWORD stream, const void* bytes, DWORD count) {
 
 /// The UTF-16 units with a zero after each word.
 void ShowWords(int count, wchar_t* words[]) {
-    for (int i = 2; i < count; ++i)
+    for (int i = 2; i < count; ++i) {
         WriteBytes(STD_OUTPUT_HANDLE, words[i],
                    static_cast<DWORD>((std::wcslen(words[i]) + 1) * sizeof(wchar_t)));
+    }
 }
 
 } // namespace
 
 int wmain(int count, wchar_t* words[]) {
     const std::wstring_view verb = count > 1 ? words[1] : L"";
-    if (verb == L"words")
+    if (verb == L"words") {
         ShowWords(count, words);
-    if (verb == L"status")
+    }
+    if (verb == L"status") {
         return static_cast<int>(std::wcstoul(words[2], nullptr, 0));
+    }
     if (verb == L"variable") {
         wchar_t value[256];
         const DWORD length = GetEnvironmentVariableW(words[2], value, 256);
@@ -37,12 +40,15 @@ int wmain(int count, wchar_t* words[]) {
         WriteBytes(STD_ERROR_HANDLE, "err\r\n", 5);
     }
     if (verb == L"much") {
-        for (int i = 0; i < 100'000; ++i)
+        for (int i = 0; i < 100'000; ++i) {
             std::fputs("0123456789", stdout);
+        }
     }
-    if (verb == L"input")
+    if (verb == L"input") {
         return std::getchar() == EOF ? 0 : 1;
-    if (verb == L"sleep")
+    }
+    if (verb == L"sleep") {
         Sleep(60'000);
+    }
     return 0;
 }

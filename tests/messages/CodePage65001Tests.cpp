@@ -1,12 +1,12 @@
 // The catalogue under an ANSI code page of UTF-8.
-#include "messages/TextResource.h"
+#include <windows.h>
 
 #include <gtest/gtest.h>
 
-#include <windows.h>
-
 #include <string>
 #include <string_view>
+
+#include "messages/TextResource.h"
 
 namespace {
 

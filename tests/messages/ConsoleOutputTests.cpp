@@ -1,15 +1,14 @@
 // The console writer: exact bytes, substitution, quiet mode, whatever the mode of the runtime's stream.
-#include "messages/ConsoleOutput.h"
-
-#include <gtest/gtest.h>
-
 #include <fcntl.h>
 #include <io.h>
+
+#include <gtest/gtest.h>
 
 #include <cstdio>
 #include <functional>
 #include <string>
 
+#include "messages/ConsoleOutput.h"
 #include "tests/kit/StdoutCapture.h"
 
 namespace {

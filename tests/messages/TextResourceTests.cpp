@@ -1,15 +1,15 @@
 // The catalogue: every text as it must read, and the rules of the lookup.
-#include "messages/TextResource.h"
+#include <windows.h>
 
 #include <gtest/gtest.h>
-
-#include <windows.h>
 
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <string>
 #include <string_view>
+
+#include "messages/TextResource.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
 // Names, editions and build texts: the decisions on a version record.
-#include "platform/OperatingSystem.h"
-
 #include <gtest/gtest.h>
 
 #include <cwchar>
 #include <string>
 #include <vector>
+
+#include "platform/OperatingSystem.h"
 
 namespace {
 

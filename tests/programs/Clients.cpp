@@ -22,12 +22,14 @@ class Inheritance {
         SIZE_T size = 0;
         InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
         m_bytes.resize(size);
-        if (!InitializeProcThreadAttributeList(Get(), 1, 0, &size))
+        if (!InitializeProcThreadAttributeList(Get(), 1, 0, &size)) {
             Fail("a list of attributes cannot be made");
+        }
         m_made.reset(Get());
         if (!UpdateProcThreadAttribute(Get(), 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, handles.data(),
-                                       handles.size() * sizeof(HANDLE), nullptr, nullptr))
+                                       handles.size() * sizeof(HANDLE), nullptr, nullptr)) {
             Fail("a list of handles cannot be made");
+        }
     }
 
     LPPROC_THREAD_ATTRIBUTE_LIST Get() {

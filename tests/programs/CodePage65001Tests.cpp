@@ -1,10 +1,9 @@
 // The programs where UTF-8 is the system's code page. A line's 8-bit form has room for two bytes for each of
 // its characters and no more: a long line whose characters take three is cut.
-#include <gtest/gtest.h>
-
 #include <windows.h>
-
 #include <winspool.h>
+
+#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>

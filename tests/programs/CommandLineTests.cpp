@@ -1,7 +1,7 @@
 // kemba.exe alone: words, bytes and exit status as they cross the process boundary.
-#include <gtest/gtest.h>
-
 #include <windows.h>
+
+#include <gtest/gtest.h>
 
 #include <string>
 

@@ -1,9 +1,8 @@
 // kemba.exe and a server that dies in the middle of an operation, takes its time, or never comes.
-#include <gtest/gtest.h>
-
 #include <windows.h>
-
 #include <rpc.h>
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>

@@ -1,7 +1,7 @@
 // kemba.exe where the registry holds for its log what it never wrote there, or lets nobody in.
-#include <gtest/gtest.h>
-
 #include <windows.h>
+
+#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>

@@ -1,11 +1,10 @@
 // Many clients at once on many printers: no failure, no object left, and no more memory than marshalling
 // takes.
-#include <gtest/gtest.h>
-
 #include <windows.h>
-
 #include <objbase.h>
 #include <psapi.h>
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>

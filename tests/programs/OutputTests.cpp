@@ -1,7 +1,7 @@
 // kemba.exe where nothing can be written: the exit status is what it always is, and nobody is told.
-#include <gtest/gtest.h>
-
 #include <windows.h>
+
+#include <gtest/gtest.h>
 
 #include <memory>
 #include <ostream>

@@ -1,9 +1,8 @@
 // Making classes, and replacing those in a program's file.
 #include "tests/programs/OwnClasses.h"
 
-#include <objbase.h>
-
 #include <DriverAutomation.h>
+#include <objbase.h>
 
 #include <filesystem>
 #include <fstream>

@@ -1,7 +1,6 @@
 // A library that is to be mistaken for one of the system's: it leaves a mark beside itself when it is loaded,
 // and knows of no file's version.
 #include <windows.h>
-
 #include <winver.h>
 
 extern "C" {

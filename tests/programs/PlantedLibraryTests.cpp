@@ -2,11 +2,10 @@
 //
 // Windows does so with every library that is no "known DLL"; Wine does it with those that WINEDLLOVERRIDES
 // names.
-#include <gtest/gtest.h>
-
 #include <windows.h>
-
 #include <DriverAutomation.h>
+
+#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <stdexcept>

@@ -1,11 +1,10 @@
 // What a read through the server costs, beside what the spooler and the way to the server cost by themselves.
-#include <gtest/gtest.h>
-
 #include <windows.h>
-
 #include <DriverAutomation.h>
 #include <objbase.h>
 #include <winspool.h>
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>

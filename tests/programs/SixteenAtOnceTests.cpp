@@ -1,9 +1,8 @@
 // Sixteen runs of kemba.exe at the same time, each as if it were alone.
-#include <gtest/gtest.h>
-
 #include <windows.h>
-
 #include <objbase.h>
+
+#include <gtest/gtest.h>
 
 #include <chrono>
 #include <memory>

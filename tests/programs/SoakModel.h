@@ -7,7 +7,6 @@
 #pragma once
 
 #include <windows.h>
-
 #include <DriverAutomation.h>
 
 #include <iterator>

@@ -1,10 +1,9 @@
 // Many clients that read, change, import, export and send at once, and a model of what must be there.
-#include <gtest/gtest.h>
-
 #include <windows.h>
-
 #include <DriverAutomation.h>
 #include <objbase.h>
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>

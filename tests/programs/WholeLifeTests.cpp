@@ -1,9 +1,8 @@
 // A printer's whole life through kemba.exe and kemba-dal.exe on Wine's real spooler.
-#include <gtest/gtest.h>
-
 #include <windows.h>
-
 #include <winspool.h>
+
+#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>

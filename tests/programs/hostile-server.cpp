@@ -9,7 +9,6 @@
 // HOW is "die" or a number of milliseconds. Everything else it answers as the test kit's server does, to one
 // client. It has no window, so that nobody's broadcast waits for it.
 #include <windows.h>
-
 #include <objbase.h>
 
 #include <cwchar>

@@ -1,7 +1,6 @@
 // planted-victim LIBRARY ...: imports the spooler's library and VERSION.dll as programs commonly do, and asks
 // for the libraries by name alone.
 #include <windows.h>
-
 #include <winspool.h>
 
 int wmain(int count, wchar_t* words[]) {

@@ -6,7 +6,6 @@
 // COUNT", and the last of its changes, "change PRINTER FIELD NUMBER", "state PRINTER STATE", "jobs PRINTER
 // COUNT". Exit status 0: no failure.
 #include <windows.h>
-
 #include <DriverAutomation.h>
 #include <objbase.h>
 

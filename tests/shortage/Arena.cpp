@@ -1,11 +1,11 @@
 // A heap that only grows.
 #include "tests/shortage/Arena.h"
 
-#include "tests/kit/ImportPatch.h"
-
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+
+#include "tests/kit/ImportPatch.h"
 
 namespace shortage {
 namespace {
@@ -35,8 +35,9 @@ Header* HeaderOf(void* block) {
 
 void* Allocate(std::size_t size) {
     const std::size_t whole = sizeof(Header) + (size + 15) / 16 * 16;
-    if (whole > kBytes - g_used)
+    if (whole > kBytes - g_used) {
         TerminateProcess(GetCurrentProcess(), kExhausted);
+    }
     auto* const header = reinterpret_cast<Header*>(g_start + g_used);
     g_used += whole;
     header->size = size;
@@ -48,18 +49,21 @@ void* AllocateZeroed(std::size_t count, std::size_t size) {
 }
 
 void Free(void* block) {
-    if (!block || !IsOurs(block))
+    if (!block || !IsOurs(block)) {
         g_realFree(block);
-    else
+    } else {
         std::memset(block, kFreed, HeaderOf(block)->size);
+    }
 }
 
 void* Reallocate(void* block, std::size_t size) {
-    if (block && !IsOurs(block))
+    if (block && !IsOurs(block)) {
         return g_realRealloc(block, size);
+    }
     void* const grown = size > 0 ? Allocate(size) : nullptr;
-    if (block && grown)
+    if (block && grown) {
         std::memcpy(grown, block, std::min(size, HeaderOf(block)->size));
+    }
     Free(block);
     return grown;
 }
@@ -78,8 +82,9 @@ Call Replace(HMODULE module, const char* name, Call replacement) {
 
 void UseArena(HMODULE module) {
     g_start = static_cast<char*>(VirtualAlloc(nullptr, kBytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
-    if (!g_start)
+    if (!g_start) {
         TerminateProcess(GetCurrentProcess(), kExhausted);
+    }
     Replace(module, "malloc", &Allocate);
     Replace(module, "calloc", &AllocateZeroed);
     Replace(module, "_strdup", &Duplicate);

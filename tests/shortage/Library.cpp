@@ -5,7 +5,6 @@
 // The printers are "Dock 1", the default one, and "Dock 2". Everything is logged, and the system has a
 // release.
 #include <windows.h>
-
 #include <io.h>
 #include <objbase.h>
 #include <winspool.h>
@@ -61,8 +60,9 @@ bool MayAllocate(const char* call) {
     const LONG number = InterlockedIncrement(&g_record->allocations);
     const LONG first = g_record->firstRefused;
     const bool refused = first > 0 && (number == first || (g_record->isLasting && number > first));
-    if (refused && g_record->refusedCall[0] == 0)
+    if (refused && g_record->refusedCall[0] == 0) {
         lstrcpynA(g_record->refusedCall, call, sizeof g_record->refusedCall);
+    }
     return !refused;
 }
 
@@ -86,10 +86,12 @@ void FailingCalls(kit::FakeServer& server) {
         const std::size_t number = std::min(entry.find('#'), equals);
         const auto status = static_cast<HRESULT>(std::strtoul(entry.c_str() + equals + 1, nullptr, 16));
         kit::Rule& rule = server.Fail(entry.substr(0, number), status);
-        if (number < equals)
+        if (number < equals) {
             rule.ForObject(std::atoi(entry.c_str() + number + 1));
-        if (entry.back() == '+')
+        }
+        if (entry.back() == '+') {
             rule.WithInformation(L"Driver", L"Out of paper");
+        }
     }
 }
 
@@ -149,15 +151,19 @@ LSTATUS WINAPI QueryValue(HKEY, const wchar_t* name, DWORD*, DWORD* type, BYTE* 
     const auto* const value = std::find_if(std::begin(kValues), std::end(kValues), [name](const Value& each) {
         return _wcsicmp(each.name, name) == 0;
     });
-    if (value == std::end(kValues))
+    if (value == std::end(kValues)) {
         return ERROR_FILE_NOT_FOUND;
-    if (type)
+    }
+    if (type) {
         *type = value->type;
+    }
     const DWORD room = std::exchange(*size, value->size);
-    if (bytes && room < value->size)
+    if (bytes && room < value->size) {
         return ERROR_MORE_DATA;
-    if (bytes)
+    }
+    if (bytes) {
         std::memcpy(bytes, value->bytes, value->size);
+    }
     return ERROR_SUCCESS;
 }
 
@@ -179,11 +185,13 @@ void NoteReturn() {
     g_record->handles = held.handles;
     held.heapBlocks = held.handles = 0; // of which process-wide objects hold some
     held.texts += kit::TextWatch::Given();
-    for (const std::string& fault : kit::Differences({}, held))
+    for (const std::string& fault : kit::Differences({}, held)) {
         NoteFault(fault);
+    }
     if (g_server) {
-        for (const std::string& fault : g_server->Faults())
+        for (const std::string& fault : g_server->Faults()) {
             NoteFault(fault);
+        }
     }
     g_record->isComplete = 1;
 }
@@ -195,15 +203,17 @@ void NoteReturn() {
 
 [[noreturn]] void Exit(int status) {
     NoteReturn();
-    if (g_repeated)
+    if (g_repeated) {
         EndRepeated(static_cast<UINT>(status));
+    }
     g_exit(status);
     std::abort();
 }
 
 BOOL WINAPI Terminate(HANDLE process, UINT status) {
-    if (g_repeated && process == GetCurrentProcess())
+    if (g_repeated && process == GetCurrentProcess()) {
         EndRepeated(status);
+    }
     return g_terminateProcess(process, status);
 }
 
@@ -214,16 +224,18 @@ LONG OutputSize() {
 
 /// What one of several runs leaves in the process, beside the program's own state.
 void CleanUp() {
-    for (; g_initialisations > 0; --g_initialisations)
+    for (; g_initialisations > 0; --g_initialisations) {
         g_coUninitialize();
+    }
     delete g_server;
     g_server = nullptr;
 }
 
 /// One of several runs. The frame stays while the program runs above it, and is where its end leads back to.
 [[gnu::noinline]] void RunOnce(int (*program)(int, wchar_t*[]), int argumentCount, wchar_t* arguments[]) {
-    if (__builtin_setjmp(g_restart) == 0)
+    if (__builtin_setjmp(g_restart) == 0) {
         Exit(program(argumentCount, arguments));
+    }
 }
 
 /// Runs the program for each point on the board, each time from the state in which it is now.
@@ -255,18 +267,21 @@ LONG WINAPI EndAtCrash(EXCEPTION_POINTERS* exception) {
     const bool isCrash = code == EXCEPTION_ACCESS_VIOLATION || code == EXCEPTION_STACK_OVERFLOW ||
                          code == EXCEPTION_ILLEGAL_INSTRUCTION || code == EXCEPTION_PRIV_INSTRUCTION ||
                          code == EXCEPTION_INT_DIVIDE_BY_ZERO;
-    if (isCrash)
+    if (isCrash) {
         TerminateProcess(GetCurrentProcess(), code);
+    }
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
 void ShareBoard() {
     const std::string name = Variable(shortage::kBoardVariable);
     const HANDLE memory = OpenFileMappingA(FILE_MAP_WRITE, FALSE, name.c_str());
-    if (!memory)
+    if (!memory) {
         return;
-    if (void* const view = MapViewOfFile(memory, FILE_MAP_WRITE, 0, 0, sizeof(Board)))
+    }
+    if (void* const view = MapViewOfFile(memory, FILE_MAP_WRITE, 0, 0, sizeof(Board))) {
         g_board = static_cast<Board*>(view);
+    }
     CloseHandle(memory);
     g_record = &g_board->single;
 }
@@ -276,16 +291,18 @@ void TakePoint() {
     constexpr std::string_view kLasting = "lasting:";
     const std::string point = Variable(shortage::kPointVariable);
     g_record->isLasting = point.starts_with(kLasting);
-    if (g_record->isLasting || point.starts_with(kOnce))
+    if (g_record->isLasting || point.starts_with(kOnce)) {
         g_record->firstRefused = std::atoi(point.c_str() + (g_record->isLasting ? kLasting : kOnce).size());
+    }
 }
 
 template<class Call>
 void Replace(const char* name, Call replacement, Call* real = nullptr) {
     void* const found =
         kit::PatchImport(GetModuleHandleW(nullptr), name, reinterpret_cast<void*>(replacement));
-    if (real)
+    if (real) {
         *real = reinterpret_cast<Call>(found);
+    }
     if (!found) {
         std::fprintf(stderr, "the program does not import %s\n", name);
         TerminateProcess(GetCurrentProcess(), 99);
@@ -294,7 +311,7 @@ void Replace(const char* name, Call replacement, Call* real = nullptr) {
 
 /// How both enumerations of printers answer: one entry per printer, with its name where the level has it.
 template<class Entry>
-BOOL List(wchar_t* Entry::*name, std::size_t count, BYTE* buffer, DWORD size, DWORD* needed, DWORD* given) {
+BOOL List(wchar_t* Entry::* name, std::size_t count, BYTE* buffer, DWORD size, DWORD* needed, DWORD* given) {
     *needed = static_cast<DWORD>(count * sizeof(Entry));
     *given = 0;
     if (size < *needed) {
@@ -317,8 +334,9 @@ extern "C" {
 /// What the program's first line is replaced by.
 int ShortageMain(int (*program)(int, wchar_t*[]), int argumentCount, wchar_t* arguments[]) {
     g_record->allocationsAtStart = g_record->allocations;
-    if (g_board->runs > 0)
+    if (g_board->runs > 0) {
         RunRepeatedly(program, argumentCount, arguments);
+    }
     return program(argumentCount, arguments);
 }
 

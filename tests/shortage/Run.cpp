@@ -29,8 +29,9 @@ class SharedBoard {
                                                   sizeof(Board), m_name.c_str()));
         m_view =
             m_memory.Get() ? MapViewOfFile(m_memory.Get(), FILE_MAP_WRITE, 0, 0, sizeof(Board)) : nullptr;
-        if (!m_view)
+        if (!m_view) {
             throw std::runtime_error("memory cannot be shared");
+        }
     }
     SharedBoard(const SharedBoard&) = delete;
     SharedBoard& operator=(const SharedBoard&) = delete;
@@ -48,8 +49,9 @@ class SharedBoard {
 std::vector<std::string> LinesOf(const std::string& text) {
     std::vector<std::string> lines;
     std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);)
+    for (std::string line; std::getline(stream, line);) {
         lines.push_back(line);
+    }
     return lines;
 }
 
@@ -74,8 +76,9 @@ kit::ProcessResult Start(const Words& words, const SharedBoard& board, const Poi
                            {Widened(kServerVariable), Widened(failing)},
                            {Widened(kBoardVariable), Widened(board.Name())}};
     options.outputToFile = outputToFile;
-    if (board.Get().runs > 0)
+    if (board.Get().runs > 0) {
         options.timeout = std::chrono::minutes(2);
+    }
     return kit::RunProgram(kProgram, words, options);
 }
 
@@ -129,11 +132,13 @@ std::vector<Outcome> RunAllShort(const Words& words, const std::vector<Point>& p
 
 std::string Repetition(const Words& words, const Point& point, const std::string& failing) {
     std::string line = std::string(kPointVariable) + "=" + point.Text();
-    if (!failing.empty())
+    if (!failing.empty()) {
         line += " " + std::string(kServerVariable) + "='" + failing + "'";
+    }
     line += " cmake/start-wine build/mingw-release/bin/kemba-short.exe";
-    for (const std::wstring& word : words)
+    for (const std::wstring& word : words) {
         line += " '" + std::string(word.begin(), word.end()) + "'";
+    }
     return line;
 }
 

@@ -33,8 +33,9 @@ constexpr std::size_t kComparedOneIn = 256;
 std::string Seen(const Outcome& run) {
     std::string seen =
         "status " + std::to_string(run.status) + ", refused: " + run.refusedCall + "\n" + run.output;
-    for (const std::string& call : run.calls)
+    for (const std::string& call : run.calls) {
         seen += call + "\n";
+    }
     return seen;
 }
 
@@ -58,16 +59,18 @@ class Shortage : public testing::TestWithParam<CommandLine> {
         static const std::wstring seed = kit::EnvironmentVariable(L"KEMBA_SHORTAGE_SEED");
         std::uint32_t hash = 2166136261; // FNV-1a
         const std::string text = line.name + point.Text() + std::string(seed.begin(), seed.end());
-        for (const char each : text)
+        for (const char each : text) {
             hash = (hash ^ static_cast<unsigned char>(each)) * 16777619;
+        }
         return all || hash % 10 == 0;
     }
 
     /// Judges the run and counts it.
     void Check(const Point& point, const Outcome& run, const std::vector<Outcome>& ways) {
         Verdict verdict = Judge(run, ways, line.handling);
-        if (run.refusedCall.empty())
+        if (run.refusedCall.empty()) {
             verdict = {Wrong::WrongStatus, "the allocation was never asked for"};
+        }
         ++tried;
         ++counts[static_cast<std::size_t>(verdict.wrong)];
         EXPECT_EQ(verdict.wrong, Wrong::Nothing)
@@ -100,16 +103,19 @@ TEST_P(Shortage, EndsAsSpecifiedOrAtOnceWithAStatus) {
             first > undisturbed.allocationsAtStart && first <= undisturbed.allocationsAtReturn;
         for (const bool lasts : {false, true}) {
             const Point point{first, lasts};
-            if (!IsChosen(point))
+            if (!IsChosen(point)) {
                 continue;
+            }
             (isWithinProgram ? repeated : alone).push_back(point);
-            if (isWithinProgram && repeated.size() % kComparedOneIn == 1)
+            if (isWithinProgram && repeated.size() % kComparedOneIn == 1) {
                 alone.push_back(point);
+            }
         }
     }
     const std::vector<Outcome> outcomes = RunAllShort(words, repeated, line.failing);
-    for (std::size_t index = 0; index < repeated.size(); ++index)
+    for (std::size_t index = 0; index < repeated.size(); ++index) {
         Check(repeated[index], outcomes[index], ways);
+    }
     for (const Point& point : alone) {
         const Outcome run = RunShort(words, point, line.failing);
         const auto same = std::ranges::find(repeated, point);
@@ -122,8 +128,9 @@ TEST_P(Shortage, EndsAsSpecifiedOrAtOnceWithAStatus) {
     }
     std::cout << line.name << ": " << tried << " of " << 2 * undisturbed.allocations << " points";
     for (std::size_t wrong = 1; wrong < counts.size(); ++wrong) {
-        if (counts[wrong] > 0)
+        if (counts[wrong] > 0) {
             std::cout << ", " << counts[wrong] << " " << kWrongNames[wrong];
+        }
     }
     std::cout << "\n";
 }

@@ -1,10 +1,10 @@
 // Copies of sections, arena and slots.
 #include "tests/shortage/Snapshot.h"
 
+#include <cstring>
+
 #include "tests/kit/ImportPatch.h"
 #include "tests/shortage/Arena.h"
-
-#include <cstring>
 
 namespace shortage {
 namespace {
@@ -13,8 +13,9 @@ std::vector<DWORD> g_slots; // taken by the program and not freed
 
 DWORD WINAPI TakeSlot() {
     const DWORD slot = TlsAlloc();
-    if (slot != TLS_OUT_OF_INDEXES)
+    if (slot != TLS_OUT_OF_INDEXES) {
         g_slots.push_back(slot);
+    }
     return slot;
 }
 
@@ -31,22 +32,27 @@ Snapshot::Snapshot(HMODULE module) {
     const IMAGE_SECTION_HEADER* section = IMAGE_FIRST_SECTION(headers);
     for (int left = headers->FileHeader.NumberOfSections; left > 0; --left, ++section) {
         char* const first = base + section->VirtualAddress;
-        if ((section->Characteristics & IMAGE_SCN_MEM_WRITE) != 0)
+        if ((section->Characteristics & IMAGE_SCN_MEM_WRITE) != 0) {
             m_parts.push_back({first, {first, first + section->Misc.VirtualSize}});
+        }
     }
     m_parts.push_back({ArenaStart(), {ArenaStart(), ArenaStart() + ArenaSize()}});
-    for (const DWORD slot : g_slots)
+    for (const DWORD slot : g_slots) {
         m_slots.push_back(TlsGetValue(slot));
+    }
 }
 
 void Snapshot::Restore() const {
-    for (const Part& part : m_parts)
+    for (const Part& part : m_parts) {
         std::memcpy(part.start, part.bytes.data(), part.bytes.size());
+    }
     ShrinkArena(m_parts.back().bytes.size());
-    for (; g_slots.size() > m_slots.size(); g_slots.pop_back())
+    for (; g_slots.size() > m_slots.size(); g_slots.pop_back()) {
         TlsFree(g_slots.back());
-    for (std::size_t index = 0; index < m_slots.size(); ++index)
+    }
+    for (std::size_t index = 0; index < m_slots.size(); ++index) {
         TlsSetValue(g_slots[index], m_slots[index]);
+    }
 }
 
 } // namespace shortage

@@ -58,8 +58,9 @@ bool IsHandled(const Outcome& run, const std::vector<Outcome>& specified, Handli
 std::string WithErrorText(const std::string& output, std::string_view text) {
     constexpr std::string_view kStart = "Error: ";
     const std::size_t start = output.find(kStart);
-    if (start == std::string::npos)
+    if (start == std::string::npos) {
         return output;
+    }
     const std::size_t end = output.find("\r\n", start);
     return output.substr(0, start + kStart.size()) + std::string(text) + output.substr(end);
 }
@@ -67,8 +68,9 @@ std::string WithErrorText(const std::string& output, std::string_view text) {
 /// A status's text is made by the system; without memory for that it is the status's number, and without
 /// memory for that none.
 bool IsOutputOf(const Outcome& run, const Outcome& specified) {
-    if (run.output == specified.output)
+    if (run.output == specified.output) {
         return true;
+    }
     return (run.refusedCall == "FormatMessageW" || run.refusedCall == "LocalAlloc") &&
            (run.output == WithErrorText(specified.output, "") ||
             run.output == WithErrorText(specified.output, "Unknown error 0x80070005"));
@@ -80,7 +82,7 @@ std::vector<std::string> NotGivenBack(const Outcome& run, const std::vector<Outc
     // What the runtime library makes for the first exception that is thrown, and keeps.
     constexpr long kBlocksOfExceptions = 10;
     constexpr long kHandlesOfExceptions = 2;
-    const auto most = [&](long Outcome::*held) {
+    const auto most = [&](long Outcome::* held) {
         return (*std::ranges::max_element(specified, {}, held)).*held;
     };
     long blocks = run.heapBlocks - most(&Outcome::heapBlocks);
@@ -92,13 +94,16 @@ std::vector<std::string> NotGivenBack(const Outcome& run, const std::vector<Outc
     // Where the first exception is thrown, the thread library loses what it cannot enter in a list of its
     // own: the one case in which a run goes on as if it had got the memory.
     constexpr long kLostByThreadLibrary = 3;
-    if (!IsText(run.refusedCall) && IsSame(run, specified.front()))
+    if (!IsText(run.refusedCall) && IsSame(run, specified.front())) {
         blocks -= kLostByThreadLibrary;
+    }
     std::vector<std::string> faults = run.faults;
-    if (blocks > 0)
+    if (blocks > 0) {
         faults.push_back("not given back: " + std::to_string(blocks) + " heap blocks");
-    if (handles > 0)
+    }
+    if (handles > 0) {
         faults.push_back("not given back: " + std::to_string(handles) + " handles");
+    }
     return faults;
 }
 
@@ -106,23 +111,28 @@ Verdict JudgeEnd(const Outcome& run, const std::vector<Outcome>& specified, Hand
     const bool isAsSpecified = std::ranges::any_of(specified, [&](const Outcome& way) {
         return run.status == way.status && run.calls == way.calls && IsOutputOf(run, way);
     });
-    if (isAsSpecified)
+    if (isAsSpecified) {
         return {};
+    }
     const bool callsAreRight =
         std::ranges::any_of(specified, [&](const Outcome& way) { return Begins(run.calls, way.calls); });
-    if (!callsAreRight)
+    if (!callsAreRight) {
         return {Wrong::WrongWork, "the server was asked for something else"};
-    if (run.status == specified.front().status && run.status == 0)
+    }
+    if (run.status == specified.front().status && run.status == 0) {
         return {Wrong::WrongWork, "status 0, but not all was done and said"};
+    }
     if (run.status == kAbnormalEnd) {
         return BeginsAnyOutput(run.output, specified)
                    ? Verdict{}
                    : Verdict{Wrong::WrongOutput, "output that no ordinary run begins with"};
     }
-    if (IsHandled(run, specified, handling))
+    if (IsHandled(run, specified, handling)) {
         return {};
-    if (run.status == kFailed)
+    }
+    if (run.status == kFailed) {
         return {Wrong::WrongOutput, "status 2 with the wrong words"};
+    }
     return {Wrong::WrongStatus, "neither the ordinary status nor that of an abnormal end"};
 }
 
@@ -135,8 +145,9 @@ std::vector<RefusedArgument> ArgumentsOf(const Outcome& undisturbed) {
         const std::size_t number = call.find('#');
         const std::size_t operation = call.find('.', number);
         const std::size_t argument = call.find('(', operation);
-        if (call[argument + 1] != '"')
+        if (call[argument + 1] != '"') {
             continue;
+        }
         const std::string name = "I" + call.substr(0, number) + call.substr(operation, argument - operation);
         arguments.push_back({call, name + call.substr(number, operation - number) + "=8007000E"});
     }
@@ -145,23 +156,28 @@ std::vector<RefusedArgument> ArgumentsOf(const Outcome& undisturbed) {
 
 Outcome WithoutCall(Outcome refused, const std::string& call) {
     const auto made = std::ranges::find(refused.calls, call);
-    if (made != refused.calls.end())
+    if (made != refused.calls.end()) {
         refused.calls.erase(made);
+    }
     return refused;
 }
 
 Verdict Judge(const Outcome& run, const std::vector<Outcome>& ways, Handling handling) {
-    if (run.timedOut)
+    if (run.timedOut) {
         return {Wrong::Hang, "did not end"};
-    if (run.status >= kFirstException)
+    }
+    if (run.status >= kFirstException) {
         return {Wrong::Crash, "crashed"};
-    if (!run.errors.empty())
+    }
+    if (!run.errors.empty()) {
         return {Wrong::Word, "words on standard error: " + run.errors};
+    }
     const std::vector<Outcome> specified(ways.begin(),
                                          IsText(run.refusedCall) ? ways.end() : ways.begin() + 1);
     const Verdict verdict = JudgeEnd(run, specified, handling);
-    if (verdict.wrong != Wrong::Nothing || !run.isComplete)
+    if (verdict.wrong != Wrong::Nothing || !run.isComplete) {
         return verdict;
+    }
     const std::vector<std::string> faults = NotGivenBack(run, specified);
     return faults.empty() ? Verdict{} : Verdict{Wrong::NotGivenBack, faults.front()};
 }

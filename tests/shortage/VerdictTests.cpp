@@ -1,10 +1,10 @@
 // The judge of the sweep sees each kind of wrong.
-#include "tests/shortage/Verdict.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 #include <utility>
+
+#include "tests/shortage/Verdict.h"
 
 namespace shortage {
 namespace {

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <windows.h>
+#include <oleauto.h>
 
 #include <gtest/gtest.h>
-#include <oleauto.h>
 
 #include <string>
 #include <vector>

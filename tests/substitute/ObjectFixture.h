@@ -2,8 +2,8 @@
 #pragma once
 
 #include <windows.h>
-
 #include <DriverAutomation.h>
+
 #include <gtest/gtest.h>
 
 #include <string>

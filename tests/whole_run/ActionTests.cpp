@@ -1,7 +1,7 @@
 // action: words and codes, the question option, messages and failures.
-#include "tests/whole_run/WholeRunTest.h"
-
 #include <cwctype>
+
+#include "tests/whole_run/WholeRunTest.h"
 
 namespace {
 

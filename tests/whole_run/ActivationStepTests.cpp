@@ -1,9 +1,6 @@
 // Whole runs against classes whose activation fails at one of its steps, or succeeds without anything to show
 // for it.
-#include "tests/whole_run/WholeRunTest.h"
-
 #include <windows.h>
-
 #include <DriverAutomation.h>
 #include <objbase.h>
 #include <oleidl.h>
@@ -14,6 +11,7 @@
 
 #include "tests/kit/OneInterface.h"
 #include "tests/whole_run/FaultTable.h"
+#include "tests/whole_run/WholeRunTest.h"
 
 namespace whole_run {
 namespace {

@@ -1,8 +1,8 @@
 // Words that nobody should type: they are met as any other, and nothing else happens.
-#include "tests/whole_run/WholeRunTest.h"
-
 #include <cstddef>
 #include <string>
+
+#include "tests/whole_run/WholeRunTest.h"
 
 namespace {
 

@@ -1,6 +1,4 @@
 // The entry point: exit status, the order of things, and failures that reach it.
-#include "tests/whole_run/WholeRunTest.h"
-
 #include <memory>
 #include <stdexcept>
 
@@ -8,6 +6,7 @@
 #include "core/SystemCalls.h"
 #include "messages/TextResource.h"
 #include "tests/kit/RegistryPreset.h"
+#include "tests/whole_run/WholeRunTest.h"
 
 namespace {
 

@@ -1,6 +1,4 @@
 // What every command does about every fault at every call that it makes.
-#include "tests/whole_run/FaultTable.h"
-
 #include <algorithm>
 #include <optional>
 #include <set>
@@ -9,6 +7,7 @@
 #include "tests/kit/Operations.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/kit/TemporaryFile.h"
+#include "tests/whole_run/FaultTable.h"
 #include "tests/whole_run/WholeRunTest.h"
 
 namespace whole_run {

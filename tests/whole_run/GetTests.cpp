@@ -1,7 +1,7 @@
 // get: one line per printer, and what happens when the server does not play along.
-#include "tests/whole_run/WholeRunTest.h"
-
 #include <algorithm>
+
+#include "tests/whole_run/WholeRunTest.h"
 
 namespace {
 

@@ -1,7 +1,6 @@
 // help: which page which topic shows.
-#include "tests/whole_run/WholeRunTest.h"
-
 #include "messages/TextResource.h"
+#include "tests/whole_run/WholeRunTest.h"
 
 namespace {
 

@@ -1,8 +1,7 @@
 // settings import and settings export.
-#include "tests/whole_run/WholeRunTest.h"
-
 #include "tests/kit/Narrow.h"
 #include "tests/kit/TemporaryFile.h"
+#include "tests/whole_run/WholeRunTest.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <windows.h>
+#include <winspool.h>
 
 #include <gtest/gtest.h>
-#include <winspool.h>
 
 #include <cstddef>
 #include <cstring>

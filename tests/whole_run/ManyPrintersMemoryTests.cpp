@@ -1,9 +1,6 @@
 // What a run over thousands of printers takes of memory. It needs a process of its own, as ctest gives it: a
 // process's peak never falls.
-#include "tests/whole_run/WholeRunTest.h"
-
 #include <windows.h>
-
 #include <DriverAutomation.h>
 #include <objbase.h>
 #include <psapi.h>
@@ -17,6 +14,7 @@
 #include "tests/kit/OneInterface.h"
 #include "tests/kit/ServerState.h"
 #include "tests/whole_run/ListedPrinters.h"
+#include "tests/whole_run/WholeRunTest.h"
 
 namespace {
 

@@ -1,11 +1,10 @@
 // One, two and many printers, and names and values that are hard to carry.
-#include "tests/whole_run/WholeRunTest.h"
-
 #include <algorithm>
 
 #include "tests/kit/Narrow.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/whole_run/ListedPrinters.h"
+#include "tests/whole_run/WholeRunTest.h"
 
 namespace {
 

@@ -1,8 +1,7 @@
 // Selection in whole runs: which printers a command line works on.
-#include "tests/whole_run/WholeRunTest.h"
-
 #include "core/SystemCalls.h"
 #include "demo/SpoolerLock.h"
+#include "tests/whole_run/WholeRunTest.h"
 
 namespace {
 

@@ -1,8 +1,7 @@
 // send: which files count as there, what is passed on, and failures.
-#include "tests/whole_run/WholeRunTest.h"
-
 #include "tests/kit/Narrow.h"
 #include "tests/kit/TemporaryFile.h"
+#include "tests/whole_run/WholeRunTest.h"
 
 namespace {
 

@@ -1,7 +1,6 @@
 // set: fields, values and failures.
-#include "tests/whole_run/WholeRunTest.h"
-
 #include "tests/kit/Narrow.h"
+#include "tests/whole_run/WholeRunTest.h"
 
 namespace {
 

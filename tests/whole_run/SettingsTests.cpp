@@ -1,7 +1,6 @@
 // settings: the sub-action words, and reset.
-#include "tests/whole_run/WholeRunTest.h"
-
 #include "tests/kit/TemporaryFile.h"
+#include "tests/whole_run/WholeRunTest.h"
 
 namespace {
 

@@ -1,12 +1,11 @@
 // version: its sections, missing texts, and failures that the entry point or nobody prints.
-#include "tests/whole_run/WholeRunTest.h"
-
 #include <algorithm>
 #include <cwchar>
 
 #include "tests/core/SystemCallsPreset.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/whole_run/FaultTable.h"
+#include "tests/whole_run/WholeRunTest.h"
 
 namespace {
 

@@ -1,11 +1,10 @@
 // Action profiles: their text, their folder, which one counts.
-#include "substitute/actions/ActionProfile.h"
-
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 
+#include "substitute/actions/ActionProfile.h"
 #include "substitute/base/Paths.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/substitute/FailureOf.h"

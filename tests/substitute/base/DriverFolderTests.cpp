@@ -1,9 +1,9 @@
 // Which paths lie below a folder.
-#include "substitute/base/DriverFolder.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
+
+#include "substitute/base/DriverFolder.h"
 
 namespace {
 

@@ -1,11 +1,10 @@
 // Reading real files.
-#include "substitute/base/InputFile.h"
-
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <vector>
 
+#include "substitute/base/InputFile.h"
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/TemporaryFolder.h"
 #include "tests/substitute/Texts.h"

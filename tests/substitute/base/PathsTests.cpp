@@ -1,8 +1,7 @@
 // Paths as the system takes them; mostly decisions on texts alone.
-#include "substitute/base/Paths.h"
-
 #include <gtest/gtest.h>
 
+#include "substitute/base/Paths.h"
 #include "tests/substitute/FailureOf.h"
 
 namespace {

@@ -1,12 +1,11 @@
 // What all objects share: identity, late binding, error information; and the two small classes.
-#include "substitute/objects/AutomationObject.h"
-
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <stdexcept>
 #include <utility>
 
+#include "substitute/objects/AutomationObject.h"
 #include "substitute/objects/DriverActionsObject.h"
 #include "substitute/objects/VersionInformationObject.h"
 #include "substitute/server/ServerClasses.h"

@@ -1,6 +1,4 @@
 // The main object: binding, reading, and what it tells when something fails.
-#include "substitute/objects/DriverAutomationObject.h"
-
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -9,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "substitute/objects/DriverAutomationObject.h"
 #include "tests/substitute/ObjectFixture.h"
 
 namespace {

@@ -1,6 +1,4 @@
 // Exporting, importing and resetting as a client sees it, on a spooler in memory.
-#include "substitute/objects/DriverSettingsObject.h"
-
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -9,6 +7,7 @@
 #include <thread>
 
 #include "substitute/base/Handles.h"
+#include "substitute/objects/DriverSettingsObject.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
 #include "tests/substitute/LateCalls.h"

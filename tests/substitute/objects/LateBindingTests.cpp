@@ -1,9 +1,8 @@
 // Calls by name with what scripts pass: untyped variables by reference, or no place for the result at all.
-#include <gtest/gtest.h>
-
 #include <windows.h>
-
 #include <psapi.h>
+
+#include <gtest/gtest.h>
 
 #include "substitute/objects/DriverActionsObject.h"
 #include "tests/substitute/LateCalls.h"

@@ -194,7 +194,9 @@ class ServerMemory : public testing::Test {
 /// Blocks that Wine's printer driver keeps for each printer that there ever was.
 std::size_t BlocksOfAFormerPrinter() {
     constexpr std::size_t kPrinters = 5;
-    { const demo::Printer first; }
+    {
+        const demo::Printer first;
+    }
     const std::size_t before = CountBlocks();
     for (std::size_t made = 0; made < kPrinters; ++made) {
         const demo::Printer printer;

@@ -1,11 +1,10 @@
 // Class objects, called as COM calls them.
-#include "substitute/server/ClassFactory.h"
-
 #include <atomic>
 #include <chrono>
 #include <thread>
 #include <vector>
 
+#include "substitute/server/ClassFactory.h"
 #include "tests/substitute/ObjectFixture.h"
 
 namespace {

@@ -1,8 +1,7 @@
 // What command lines and paths say of a program.
-#include "substitute/server/ClassHolders.h"
-
 #include <gtest/gtest.h>
 
+#include "substitute/server/ClassHolders.h"
 #include "tests/kit/TemporaryFile.h"
 
 namespace {

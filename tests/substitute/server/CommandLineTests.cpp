@@ -1,7 +1,7 @@
 // The server program's words.
-#include "substitute/server/CommandLine.h"
-
 #include <gtest/gtest.h>
+
+#include "substitute/server/CommandLine.h"
 
 namespace {
 

@@ -1,11 +1,10 @@
 // Text for consoles, files and pipes.
-#include "substitute/server/Console.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "substitute/base/Handles.h"
+#include "substitute/server/Console.h"
 #include "tests/kit/TemporaryFile.h"
 
 namespace {

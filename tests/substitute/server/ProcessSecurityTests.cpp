@@ -1,14 +1,14 @@
 // On whose behalf the server works, and who may call it.
-#include "substitute/server/ProcessSecurity.h"
+#include <objbase.h>
 
 #include <gtest/gtest.h>
-#include <objbase.h>
 
 #include <array>
 #include <string>
 
 #include "substitute/base/Failure.h"
 #include "substitute/base/Handles.h"
+#include "substitute/server/ProcessSecurity.h"
 #include "substitute/server/ServerIdentity.h"
 
 namespace {

@@ -1,12 +1,11 @@
 // The registry entries, row by row.
-#include "substitute/server/RegistrationEntries.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
 #include "substitute/objects/ContractTypes.h"
+#include "substitute/server/RegistrationEntries.h"
 
 namespace {
 

@@ -1,8 +1,7 @@
 // Steps of a registration and their way back, in a key of the test's own in place of a hive.
-#include "substitute/server/RegistrationRecord.h"
-
 #include <gtest/gtest.h>
 
+#include "substitute/server/RegistrationRecord.h"
 #include "substitute/server/RegistryKeys.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // The server's registry entries, made and removed by the built program.
-#include <gtest/gtest.h>
-
 #include <aclapi.h>
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <iterator>

@@ -1,6 +1,4 @@
 // When the server's process may end.
-#include "substitute/server/ServerProcess.h"
-
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -10,6 +8,7 @@
 #include <utility>
 
 #include "substitute/base/Failure.h"
+#include "substitute/server/ServerProcess.h"
 
 namespace {
 
@@ -81,7 +80,9 @@ TEST_F(ServerProcessTest, WaitsForTheLastUseAndThenForTheGraceTime) {
 TEST_F(ServerProcessTest, ANewUseWithinTheGraceTimeKeepsItAlive) {
     Clock::time_point lastEnd;
     std::thread client([&] {
-        { const Use use(uses); }
+        {
+            const Use use(uses);
+        }
         std::this_thread::sleep_for(50ms);
         const Use use(uses);
         std::this_thread::sleep_for(400ms); // the first use's grace time ends meanwhile

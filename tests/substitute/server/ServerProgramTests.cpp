@@ -1,7 +1,7 @@
 // The built server program as its clients meet it: in a process of its own, through its registration.
 #include <windows.h>
-
 #include <DriverAutomation.h>
+
 #include <gtest/gtest.h>
 
 #include <atomic>

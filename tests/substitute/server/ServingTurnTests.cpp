@@ -1,6 +1,4 @@
 // One server at a time.
-#include "substitute/server/ServingTurn.h"
-
 #include <gtest/gtest.h>
 
 #include <set>
@@ -9,6 +7,7 @@
 
 #include "substitute/base/Failure.h"
 #include "substitute/server/ClassFactory.h"
+#include "substitute/server/ServingTurn.h"
 #include "tests/substitute/ObjectFixture.h"
 
 namespace {

@@ -1,10 +1,10 @@
 // Which access lists let ordinary users write.
-#include "substitute/server/WriteAccess.h"
-
 #include <gtest/gtest.h>
 
 #include <array>
 #include <vector>
+
+#include "substitute/server/WriteAccess.h"
 
 namespace {
 

@@ -1,6 +1,4 @@
 // Settings files on a real disk.
-#include "substitute/settings/SettingsFile.h"
-
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -11,6 +9,7 @@
 #include "substitute/base/Handles.h"
 #include "substitute/base/InputFile.h"
 #include "substitute/base/Paths.h"
+#include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/TemporaryFolder.h"

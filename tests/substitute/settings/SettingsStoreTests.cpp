@@ -1,6 +1,4 @@
 // Reading, applying and resetting settings on a spooler in memory that fails on demand.
-#include "substitute/settings/SettingsStore.h"
-
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -9,6 +7,7 @@
 #include <optional>
 #include <thread>
 
+#include "substitute/settings/SettingsStore.h"
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/SettingsSamples.h"
 

@@ -1,7 +1,7 @@
 // Damaged settings files, many of them; a program of its own because it counts what is allocated.
-#include <gtest/gtest.h>
-
 #include <malloc.h>
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdio>

@@ -1,12 +1,11 @@
 // The settings file's bytes.
-#include "substitute/settings/VqsFormat.h"
-
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <string_view>
 
 #include "core/Crc32.h"
+#include "substitute/settings/VqsFormat.h"
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/SettingsSamples.h"
 

@@ -1,8 +1,7 @@
 // Where a driver's default device mode comes from.
-#include "substitute/spooler/DefaultMode.h"
-
 #include <gtest/gtest.h>
 
+#include "substitute/spooler/DefaultMode.h"
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/FakeSpooler.h"
 

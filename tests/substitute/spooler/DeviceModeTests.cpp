@@ -1,12 +1,12 @@
 // Device modes as bytes.
-#include "substitute/spooler/DeviceMode.h"
+#include <windows.h>
 
 #include <gtest/gtest.h>
 
-#include <windows.h>
-
 #include <algorithm>
 #include <cstddef>
+
+#include "substitute/spooler/DeviceMode.h"
 
 namespace {
 

@@ -1,8 +1,7 @@
 // A driver's version and detail.
-#include "substitute/spooler/DriverVersion.h"
-
 #include <gtest/gtest.h>
 
+#include "substitute/spooler/DriverVersion.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/Texts.h"

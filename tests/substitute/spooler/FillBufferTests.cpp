@@ -1,10 +1,10 @@
 // Buffers for what the spooler tells.
-#include "substitute/spooler/FillBuffer.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <vector>
+
+#include "substitute/spooler/FillBuffer.h"
 
 namespace {
 

@@ -1,6 +1,4 @@
 // Opening a printer and reading its record, on a spooler in memory.
-#include "substitute/spooler/Printer.h"
-
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -8,6 +6,7 @@
 #include <thread>
 #include <utility>
 
+#include "substitute/spooler/Printer.h"
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/FakeSpooler.h"
 

@@ -3,8 +3,8 @@
 
 #include <cwchar>
 
-extern "C" __declspec(dllexport) BOOL WINAPI
-    DrvConvertDevMode(wchar_t* printer, DEVMODEW*, DEVMODEW* mode, LONG* needed, DWORD what) {
+extern "C" __declspec(dllexport) BOOL WINAPI DrvConvertDevMode(wchar_t* printer, DEVMODEW*, DEVMODEW* mode,
+                                                               LONG* needed, DWORD what) {
     constexpr DWORD kDefault = 4; // CDM_DRIVER_DEFAULT
     constexpr WORD kPrivate = 2;
     const LONG size = static_cast<LONG>(sizeof(DEVMODEW) + kPrivate);

@@ -1,7 +1,7 @@
 // The words of a printer's state.
-#include "substitute/spooler/StatusText.h"
-
 #include <gtest/gtest.h>
+
+#include "substitute/spooler/StatusText.h"
 
 namespace {
 
