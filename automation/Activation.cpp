@@ -11,42 +11,42 @@ constexpr DWORD kAnyContext =
     CLSCTX_INPROC_SERVER | CLSCTX_INPROC_HANDLER | CLSCTX_LOCAL_SERVER | CLSCTX_REMOTE_SERVER;
 
 /// The thread's error information if the object keeps any for the interface, else null.
-IErrorInfo* TakeErrorInformation(IUnknown* called, REFIID interfaceId) {
+ComPtr<IErrorInfo> TakeErrorInformation(IUnknown* called, REFIID interfaceId) {
     ComPtr<ISupportErrorInfo> support;
     if (FAILED(called->QueryInterface(IID_ISupportErrorInfo, reinterpret_cast<void**>(support.Put()))) ||
         !support) {
-        return nullptr;
+        return {};
     }
     const bool supported = support->InterfaceSupportsErrorInfo(interfaceId) == S_OK;
     support.Reset();
-    IErrorInfo* information = nullptr;
-    if (supported && FAILED(GetErrorInfo(0, &information))) {
-        return nullptr;
+    ComPtr<IErrorInfo> information;
+    if (supported && FAILED(GetErrorInfo(0, information.Put()))) {
+        return {};
     }
     return information;
 }
 
 } // namespace
 
-IUnknown* ActivateObject(REFCLSID classId, REFIID interfaceId) {
+ComPtr<IUnknown> ActivateObject(REFCLSID classId, REFIID interfaceId) {
     ComPtr<IUnknown> object;
-    IUnknown* result = nullptr;
+    ComPtr<IUnknown> result;
     HRESULT status =
         CoCreateInstance(classId, nullptr, kAnyContext, IID_IUnknown, reinterpret_cast<void**>(object.Put()));
     if (SUCCEEDED(status) && !object) {
-        return nullptr; // a class object's false success
+        return {}; // a class object's false success
     }
     if (SUCCEEDED(status)) {
         status = OleRun(object.Get());
     }
     if (SUCCEEDED(status)) {
-        status = object->QueryInterface(interfaceId, reinterpret_cast<void**>(&result));
+        status = object->QueryInterface(interfaceId, reinterpret_cast<void**>(result.Put()));
     }
     if (FAILED(status)) {
         if (status != E_NOINTERFACE) {
             throw ComError(status);
         }
-        return nullptr;
+        return {};
     }
     return result;
 }

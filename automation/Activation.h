@@ -12,11 +12,10 @@
 
 namespace kemba {
 
-/// Creates an instance of the class in any context, runs it, and asks it for the interface. The caller owns
-/// the result, which is null when the object lacks the interface or a success comes without an object (the
-/// first call through it raises E_POINTER instead); any other failure throws ComError without error
-/// information.
-IUnknown* ActivateObject(REFCLSID classId, REFIID interfaceId);
+/// Creates an instance of the class in any context, runs it, and asks it for the interface, which the result
+/// points to. Null when the object lacks the interface or a success comes without an object (the first call
+/// through it raises E_POINTER instead); any other failure throws ComError without error information.
+ComPtr<IUnknown> ActivateObject(REFCLSID classId, REFIID interfaceId);
 
 /// Throws ComError when `status` is a failure, with the error information that `called` supports for the
 /// interface.
@@ -36,7 +35,8 @@ OwnedBstr TextArgument(std::wstring_view text);
 /// `ActivateObject`, typed.
 template<class Class, class Interface>
 ComPtr<Interface> Activate() {
-    return ComPtr<Interface>(static_cast<Interface*>(ActivateObject(__uuidof(Class), __uuidof(Interface))));
+    return ComPtr<Interface>(
+        static_cast<Interface*>(ActivateObject(__uuidof(Class), __uuidof(Interface)).Detach()));
 }
 
 /// Calls an operation through the interface table; throws ComError for a null pointer and for a failing

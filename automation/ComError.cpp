@@ -3,6 +3,7 @@
 
 #include <cwchar>
 #include <new>
+#include <utility>
 
 namespace kemba {
 namespace {
@@ -27,8 +28,8 @@ void RemoveLineEnd(wchar_t* text) {
 
 } // namespace
 
-ComError::ComError(HRESULT status, IErrorInfo* information) noexcept
-    : m_status(status), m_information(information) {}
+ComError::ComError(HRESULT status, ComPtr<IErrorInfo> information) noexcept
+    : m_status(status), m_information(std::move(information)) {}
 
 ComError::ComError(const ComError& other) noexcept
     : m_status(other.m_status), m_information(ComPtr<IErrorInfo>::Share(other.GetInformation())) {}

@@ -4,9 +4,8 @@
 #include <windows.h>
 #include <oaidl.h>
 
-#include <memory>
-
 #include "automation/Owners.h"
+#include "core/Handles.h"
 
 namespace kemba {
 
@@ -14,8 +13,8 @@ namespace kemba {
 /// first use.
 class ComError {
   public:
-    /// Takes over the caller's reference to `information`, which may be null.
-    explicit ComError(HRESULT status, IErrorInfo* information = nullptr) noexcept;
+    /// `information` may be null.
+    explicit ComError(HRESULT status, ComPtr<IErrorInfo> information = {}) noexcept;
     ComError(const ComError& other) noexcept;
     ComError& operator=(const ComError&) = delete;
 
@@ -27,10 +26,7 @@ class ComError {
     const wchar_t* GetMessageText() const;
 
   private:
-    struct LocalFreer {
-        void operator()(wchar_t* text) const noexcept { LocalFree(text); }
-    };
-    using Message = std::unique_ptr<wchar_t, LocalFreer>;
+    using Message = OCore::UniqueLocal<wchar_t>;
 
     static Message SystemText(HRESULT status);
     static Message NumberText(HRESULT status);

@@ -5,20 +5,14 @@
 #include <winspool.h>
 
 #include <cstddef>
-#include <memory>
 #include <string>
-#include <type_traits>
 #include <vector>
 
+#include "core/Handles.h"
 #include "core/SystemCalls.h"
 
 namespace kemba {
 namespace {
-
-struct PrinterCloser {
-    void operator()(HANDLE printer) const { ClosePrinter(printer); }
-};
-using OwnedPrinter = std::unique_ptr<std::remove_pointer_t<HANDLE>, PrinterCloser>;
 
 /// A spooler enumeration of one level: the buffer, and the entries that stand in it.
 template<class Entry>
@@ -60,7 +54,7 @@ bool PrinterExists(const OString& name) {
     PRINTER_DEFAULTSW use{nullptr, nullptr, PRINTER_ACCESS_USE};
     HANDLE printer = nullptr;
     std::wstring writable = name.Wide();
-    return OpenPrinterW(writable.data(), &printer, &use) && OwnedPrinter(printer);
+    return OpenPrinterW(writable.data(), &printer, &use) && OCore::UniquePrinter(printer);
 }
 
 bool IsInsufficientBuffer(DWORD error) {

@@ -1,6 +1,8 @@
 // Files over CreateFileW.
 #include "core/OFile.h"
 
+#include "core/Handles.h"
+
 namespace {
 
 DWORD ShareOf(std::uint32_t mode) {
@@ -75,6 +77,5 @@ std::uint32_t OFile::Read(void* buffer, std::uint32_t count) {
 }
 
 bool OFile::Exists(const OString& name) {
-    const HANDLE handle = OpenHandle(name, kRead);
-    return handle && CloseHandle(handle);
+    return OCore::UniqueHandle(OpenHandle(name, kRead)) != nullptr;
 }

@@ -8,11 +8,10 @@
 #include <cstring>
 #include <iterator>
 #include <map>
-#include <memory>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
+#include "core/Handles.h"
 #include "core/OSynchronizer.h"
 
 namespace {
@@ -58,11 +57,6 @@ constexpr Alias kAliases[] = {
 };
 
 constexpr std::uint32_t kReadWriteAccess = KEY_READ | KEY_WRITE;
-
-struct KeyCloser {
-    void operator()(HKEY key) const { RegCloseKey(key); }
-};
-using OwnedKey = std::unique_ptr<std::remove_pointer_t<HKEY>, KeyCloser>;
 
 using AliasTable = std::map<OString, OString>;
 
@@ -153,7 +147,7 @@ std::int32_t ORegistry::ReadValue(const OString& valuePath, void* destination, s
     if (!SplitValuePath(keyPath, name)) {
         return kBadPath;
     }
-    const OwnedKey key(OpenKey(keyPath, false));
+    const OCore::UniqueKey key(OpenKey(keyPath, false));
     if (!key) {
         return kKeyNotOpen;
     }
@@ -192,7 +186,7 @@ std::int32_t ORegistry::WriteDword(const OString& valuePath, std::uint32_t value
     if (!SplitValuePath(keyPath, name)) {
         return kFailed;
     }
-    const OwnedKey key(OpenKey(keyPath, true));
+    const OCore::UniqueKey key(OpenKey(keyPath, true));
     if (!key || RegSetValueExW(key.get(), name.Wide(), 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value),
                                sizeof(value)) != ERROR_SUCCESS) {
         return kFailed;

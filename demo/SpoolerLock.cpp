@@ -10,16 +10,13 @@ SpoolerLock::SpoolerLock(const wchar_t* name) : m_mutex(CreateMutexW(nullptr, FA
         throw SpoolerError("CreateMutex", GetLastError());
     }
     // A holder that died leaves the lock abandoned, and to us.
-    if (WaitForSingleObject(m_mutex, INFINITE) == WAIT_FAILED) {
-        const DWORD error = GetLastError();
-        CloseHandle(m_mutex);
-        throw SpoolerError("waiting for the spooler lock", error);
+    if (WaitForSingleObject(m_mutex.get(), INFINITE) == WAIT_FAILED) {
+        throw SpoolerError("waiting for the spooler lock", GetLastError());
     }
 }
 
 SpoolerLock::~SpoolerLock() {
-    ReleaseMutex(m_mutex);
-    CloseHandle(m_mutex);
+    ReleaseMutex(m_mutex.get());
 }
 
 } // namespace demo

@@ -1,7 +1,7 @@
 // Mutual exclusion between processes over what all printers share.
 #pragma once
 
-#include <windows.h>
+#include "core/Handles.h"
 
 namespace demo {
 
@@ -19,7 +19,7 @@ class SpoolerLock {
     ~SpoolerLock();
 
   private:
-    HANDLE m_mutex;
+    OCore::UniqueHandle m_mutex;
 };
 
 } // namespace demo

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <utility>
 
+#include "core/Handles.h"
 #include "demo/LabelDriver.h"
 #include "demo/SpoolerError.h"
 
@@ -20,11 +21,11 @@ wchar_t* Optional(std::wstring& text) {
     return text.empty() ? nullptr : text.data();
 }
 
-HANDLE Open(const std::wstring& name, DWORD access) {
+OCore::UniquePrinter Open(const std::wstring& name, DWORD access) {
     std::wstring changeable = name;
     PRINTER_DEFAULTSW defaults{nullptr, nullptr, access};
     HANDLE printer = nullptr;
-    return OpenPrinterW(changeable.data(), &printer, &defaults) ? printer : nullptr;
+    return OCore::UniquePrinter(OpenPrinterW(changeable.data(), &printer, &defaults) ? printer : nullptr);
 }
 
 } // namespace
@@ -50,26 +51,19 @@ void MakePrinter(const std::wstring& name, const PrinterSettings& settings) {
     info.pPrintProcessor = processor.data();
     info.pDatatype = datatype.data();
     info.Attributes = settings.attributes | (settings.shareName.empty() ? 0 : PRINTER_ATTRIBUTE_SHARED);
-    const HANDLE printer = AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&info));
-    if (!printer) {
+    if (!OCore::UniquePrinter(AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&info)))) {
         throw SpoolerError("AddPrinter", GetLastError());
     }
-    ClosePrinter(printer);
 }
 
 void RemovePrinter(const std::wstring& name) {
-    if (const HANDLE printer = Open(name, PRINTER_ALL_ACCESS)) {
-        DeletePrinter(printer);
-        ClosePrinter(printer);
+    if (const auto printer = Open(name, PRINTER_ALL_ACCESS)) {
+        DeletePrinter(printer.get());
     }
 }
 
 bool PrinterExists(const std::wstring& name) {
-    const HANDLE printer = Open(name, PRINTER_ACCESS_USE);
-    if (printer) {
-        ClosePrinter(printer);
-    }
-    return printer != nullptr;
+    return Open(name, PRINTER_ACCESS_USE) != nullptr;
 }
 
 std::vector<std::wstring> PrinterNames() {

@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "automation/Owners.h"
-#include "substitute/base/Handles.h"
+#include "core/Handles.h"
 
 namespace kemba::substitute {
 namespace {
@@ -19,7 +19,7 @@ std::wstring SystemWords(DWORD code) {
     const DWORD length = FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
                                             FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
                                         nullptr, code, 0, reinterpret_cast<wchar_t*>(&allocated), 0, nullptr);
-    const UniqueLocal<wchar_t> text(allocated);
+    const OCore::UniqueLocal<wchar_t> text(allocated);
     std::wstring words(text ? text.get() : L"", text ? length : 0);
     words.erase(words.find_last_not_of(L" \r\n") + 1);
     return words;

@@ -17,8 +17,9 @@ constexpr std::size_t kLargestCall = std::size_t{1} << 20; // bytes asked for in
 InputFile::InputFile(std::wstring kind, std::wstring path)
     : m_kind(std::move(kind)), m_path(std::move(path)) {
     NeedFilePath(m_path);
-    m_file = OwnFile(CreateFileW(m_path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
-                                 OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    m_file = OCore::OwnFile(CreateFileW(m_path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                                        nullptr, OPEN_EXISTING,
+                                        FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
     if (!m_file) {
         Fail(L"opening", GetLastError());
     }

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "substitute/base/Handles.h"
+#include "core/Handles.h"
 
 namespace kemba::substitute {
 
@@ -37,7 +37,7 @@ class InputFile {
 
     const std::wstring m_kind;
     const std::wstring m_path;
-    UniqueHandle m_file;
+    OCore::UniqueHandle m_file;
     std::uint64_t m_size = 0;
 };
 

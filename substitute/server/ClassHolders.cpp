@@ -16,9 +16,9 @@ bool IsSameName(const std::wstring& left, const std::wstring& right) {
 }
 
 /// Both files of a comparison are to be open at once: an index may be used again once its file is gone.
-UniqueHandle OpenToIdentify(const std::wstring& path) {
-    return OwnFile(CreateFileW(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                               nullptr, OPEN_EXISTING, 0, nullptr));
+OCore::UniqueHandle OpenToIdentify(const std::wstring& path) {
+    return OCore::OwnFile(CreateFileW(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, 0, nullptr));
 }
 
 class HiveView {
@@ -104,8 +104,8 @@ bool IsSameFile(const std::wstring& left, const std::wstring& right) {
     if (IsSameName(left, right)) {
         return true;
     }
-    const UniqueHandle leftFile = OpenToIdentify(left);
-    const UniqueHandle rightFile = OpenToIdentify(right);
+    const OCore::UniqueHandle leftFile = OpenToIdentify(left);
+    const OCore::UniqueHandle rightFile = OpenToIdentify(right);
     BY_HANDLE_FILE_INFORMATION one = {};
     BY_HANDLE_FILE_INFORMATION other = {};
     return leftFile && rightFile && GetFileInformationByHandle(leftFile.get(), &one) &&

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "substitute/base/Handles.h"
+#include "core/Handles.h"
 
 namespace kemba::substitute {
 namespace {
@@ -39,9 +39,9 @@ void Write(DWORD which, std::wstring_view text) {
         return;
     }
     AttachConsole(ATTACH_PARENT_PROCESS); // fails if that was done before
-    const UniqueHandle console =
-        OwnFile(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                            nullptr, OPEN_EXISTING, 0, nullptr));
+    const OCore::UniqueHandle console =
+        OCore::OwnFile(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
+                                   FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
     if (console) {
         WriteText(console.get(), text);
     }

@@ -6,8 +6,8 @@
 #include <array>
 #include <iterator>
 
+#include "core/Handles.h"
 #include "substitute/base/Failure.h"
-#include "substitute/base/Handles.h"
 #include "substitute/server/ServerIdentity.h"
 
 namespace kemba::substitute {
@@ -103,7 +103,7 @@ std::vector<BYTE> ReadOwnToken(TOKEN_INFORMATION_CLASS what) {
     HANDLE opened = nullptr;
     ThrowUnless(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened),
                 L"opening the process's token failed");
-    const UniqueHandle token(opened);
+    const OCore::UniqueHandle token(opened);
     DWORD size = 0;
     if (!GetTokenInformation(token.get(), what, nullptr, 0, &size) &&
         GetLastError() != ERROR_INSUFFICIENT_BUFFER) {

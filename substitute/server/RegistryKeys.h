@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "substitute/base/Handles.h"
+#include "core/Handles.h"
 
 namespace kemba::substitute {
 
@@ -63,7 +63,7 @@ class RegistryKey {
   private:
     RegistryKey(HKEY opened, std::wstring path) : m_key(opened), m_path(std::move(path)) {}
 
-    UniqueKey m_key;
+    OCore::UniqueKey m_key;
     std::wstring m_path;
 };
 

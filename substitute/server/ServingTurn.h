@@ -6,7 +6,7 @@
 #include <chrono>
 #include <string>
 
-#include "substitute/base/Handles.h"
+#include "core/Handles.h"
 
 namespace kemba::substitute {
 
@@ -33,7 +33,7 @@ class ServingTurn {
     void GiveUp() noexcept;
 
   private:
-    const UniqueHandle m_mutex;
+    const OCore::UniqueHandle m_mutex;
     bool m_taken = false;
 };
 

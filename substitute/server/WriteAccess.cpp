@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "substitute/base/Handles.h"
+#include "core/Handles.h"
 #include "substitute/base/Paths.h"
 
 namespace kemba::substitute {
@@ -37,7 +37,7 @@ bool GivesUsers(const std::wstring& path, DWORD rights) {
     std::wstring name = path; // the call asks for a text that could be changed, and does not change it
     const DWORD error = GetNamedSecurityInfoW(name.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr,
                                               nullptr, &list, nullptr, &allocated);
-    const UniqueLocal<void> descriptor(allocated);
+    const OCore::UniqueLocal<void> descriptor(allocated);
     return error == ERROR_SUCCESS && GivesUsersAnyOf(list, rights);
 }
 

@@ -5,8 +5,8 @@
 #include <atomic>
 #include <span>
 
+#include "core/Handles.h"
 #include "substitute/base/Failure.h"
-#include "substitute/base/Handles.h"
 #include "substitute/base/InputFile.h"
 #include "substitute/base/Paths.h"
 
@@ -63,8 +63,8 @@ class NewFile {
             m_former = TemporaryNameBeside(path, mine, L"old");
             DWORD error = ERROR_FILE_EXISTS;
             if (!IsThere(m_former)) {
-                m_file = OwnFile(CreateFileW(m_path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                                             FILE_ATTRIBUTE_NORMAL, nullptr));
+                m_file = OCore::OwnFile(CreateFileW(m_path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                                    FILE_ATTRIBUTE_NORMAL, nullptr));
                 error = GetLastError();
             }
             if (!m_file && (error != ERROR_FILE_EXISTS || left == 0)) {
@@ -140,7 +140,7 @@ class NewFile {
     const ReplaceCall m_replace;
     std::wstring m_path;
     std::wstring m_former; ///< the target's other name until it is deleted
-    UniqueHandle m_file;
+    OCore::UniqueHandle m_file;
     bool m_taken = false; ///< the file has the target's name
 };
 

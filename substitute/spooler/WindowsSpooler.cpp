@@ -8,8 +8,8 @@
 #include <iterator>
 #include <thread>
 
+#include "core/Handles.h"
 #include "core/SystemLibraries.h"
-#include "substitute/base/Handles.h"
 #include "substitute/spooler/FillBuffer.h"
 
 namespace kemba::substitute {
@@ -182,7 +182,8 @@ DWORD WindowsSpooler::MergeMode(HANDLE handle, const std::wstring& name, const B
 
 DWORD WindowsSpooler::AskLibraryForMode(const std::wstring& library, const std::wstring& printer,
                                         Bytes& mode) {
-    const UniqueLibrary loaded(LoadLibraryExW(library.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+    const OCore::UniqueLibrary loaded(
+        LoadLibraryExW(library.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
     if (!loaded) {
         return ErrorOf(FALSE);
     }
@@ -302,8 +303,8 @@ DWORD WindowsSpooler::ShowQueue(const std::wstring& printer) {
                         &started)) {
         return ErrorOf(FALSE);
     }
-    const UniqueHandle thread(started.hThread);
-    const UniqueHandle process(started.hProcess);
+    const OCore::UniqueHandle thread(started.hThread);
+    const OCore::UniqueHandle process(started.hProcess);
     // The window has a process of its own; one that ends at once with a failure has shown none.
     constexpr DWORD kPatience = 1'000; // milliseconds
     DWORD status = 0;

@@ -82,20 +82,20 @@ TEST(ComError, ANumberWithoutTheMemoryForItsTextIsToldByAnException) {
 TEST(ComError, CopiesCarryStatusAndInformation) {
     ComPtr<ICreateErrorInfo> creator;
     ASSERT_EQ(CreateErrorInfo(creator.Put()), S_OK);
-    IErrorInfo* information = nullptr;
-    ASSERT_EQ(creator->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(&information)), S_OK);
+    ComPtr<IErrorInfo> information;
+    ASSERT_EQ(creator->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(information.Put())), S_OK);
     {
-        const ComError error(E_FAIL, information);
+        const ComError error(E_FAIL, ComPtr<IErrorInfo>::Share(information.Get()));
         EXPECT_STREQ(error.GetMessageText(), ComError(E_FAIL).GetMessageText());
         const ComError copy =
             error; // NOLINT(performance-unnecessary-copy-initialization): the copy is the test
         EXPECT_EQ(copy.GetStatus(), E_FAIL);
-        EXPECT_EQ(copy.GetInformation(), information);
+        EXPECT_EQ(copy.GetInformation(), information.Get());
         EXPECT_STREQ(copy.GetMessageText(), error.GetMessageText());
     }
-    // Both are gone, and with them every reference but the creator's.
-    EXPECT_EQ(information->AddRef(), 2U);
-    EXPECT_EQ(information->Release(), 1U);
+    // Both are gone, and with them every reference but the creator's and ours.
+    creator.Reset();
+    EXPECT_EQ(information.Detach()->Release(), 0U);
 }
 
 } // namespace

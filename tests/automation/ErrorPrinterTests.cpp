@@ -25,13 +25,13 @@ std::string Printed(const ComError& error, bool quiet = false) {
 }
 
 /// Error information as a server makes it; null leaves a text out.
-IErrorInfo* MakeInformation(const wchar_t* source, const wchar_t* description) {
+ComPtr<IErrorInfo> MakeInformation(const wchar_t* source, const wchar_t* description) {
     ComPtr<ICreateErrorInfo> creator;
-    IErrorInfo* information = nullptr;
+    ComPtr<IErrorInfo> information;
     if (FAILED(CreateErrorInfo(creator.Put())) ||
-        FAILED(creator->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(&information)))) {
+        FAILED(creator->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(information.Put())))) {
         ADD_FAILURE() << "no error information";
-        return nullptr;
+        return {};
     }
     if (source) {
         creator->SetSource(const_cast<wchar_t*>(source));
@@ -98,10 +98,11 @@ TEST(ErrorPrinter, ARefusedQuestionCountsAsNoText) {
     std::string order;
     Refusing noSource(order);
     noSource.sourceStatus = E_FAIL;
-    EXPECT_EQ(Printed(ComError(kStatus, &noSource)), kErrorLines + "\r\n");
+    EXPECT_EQ(Printed(ComError(kStatus, ComPtr<IErrorInfo>(&noSource))), kErrorLines + "\r\n");
     Refusing noDescription(order);
     noDescription.descriptionStatus = E_FAIL;
-    EXPECT_EQ(Printed(ComError(kStatus, &noDescription)), kErrorLines + "Source: Driver\r\n");
+    EXPECT_EQ(Printed(ComError(kStatus, ComPtr<IErrorInfo>(&noDescription))),
+              kErrorLines + "Source: Driver\r\n");
     EXPECT_EQ(order, "source description source description ");
 }
 

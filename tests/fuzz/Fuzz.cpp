@@ -11,7 +11,7 @@
 #include <exception>
 #include <thread>
 
-#include "substitute/base/Handles.h"
+#include "core/Handles.h"
 #include "tests/fuzz/Crash.h"
 
 namespace fuzz {
@@ -61,8 +61,8 @@ void Report() {
     PROCESS_INFORMATION process{};
     if (CreateProcessW(program, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
                        &process)) {
-        const kemba::substitute::UniqueHandle thread(process.hThread);
-        const kemba::substitute::UniqueHandle other(process.hProcess);
+        const OCore::UniqueHandle thread(process.hThread);
+        const OCore::UniqueHandle other(process.hProcess);
         WaitForSingleObject(other.get(), kPatience);
     }
 }
@@ -84,7 +84,7 @@ class Watch {
     void BeginCase() { ++m_cases; }
 
   private:
-    using Event = kemba::substitute::UniqueHandle;
+    using Event = OCore::UniqueHandle;
 
     void Look() {
         const auto patience =

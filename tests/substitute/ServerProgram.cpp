@@ -5,17 +5,17 @@
 
 #include <array>
 
-#include "substitute/base/Handles.h"
+#include "core/Handles.h"
 
 namespace {
 
-using kemba::substitute::UniqueHandle;
-using kemba::substitute::UniqueKey;
+using OCore::UniqueHandle;
+using OCore::UniqueKey;
 
-UniqueKey OpenKey(HKEY parent, const std::wstring& name, REGSAM view) {
+OCore::UniqueKey OpenKey(HKEY parent, const std::wstring& name, REGSAM view) {
     HKEY opened = nullptr;
     RegOpenKeyExW(parent, name.c_str(), 0, KEY_READ | view, &opened);
-    return UniqueKey(opened);
+    return OCore::UniqueKey(opened);
 }
 
 void AppendSnapshot(HKEY key, const std::wstring& path, REGSAM view, std::vector<std::wstring>& lines) {
@@ -39,7 +39,7 @@ void AppendSnapshot(HKEY key, const std::wstring& path, REGSAM view, std::vector
             ERROR_SUCCESS) {
             break;
         }
-        if (const UniqueKey child = OpenKey(key, name.data(), view)) {
+        if (const OCore::UniqueKey child = OpenKey(key, name.data(), view)) {
             AppendSnapshot(child.get(), path + L"\\" + name.data(), view, lines);
         }
     }
@@ -49,7 +49,7 @@ void AppendSnapshot(HKEY key, const std::wstring& path, REGSAM view, std::vector
 
 std::vector<DWORD> RunningServers() {
     std::vector<DWORD> found;
-    const UniqueHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    const OCore::UniqueHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
     PROCESSENTRY32W entry = {};
     entry.dwSize = sizeof(entry);
     for (BOOL more = Process32FirstW(snapshot.get(), &entry); more;
@@ -63,7 +63,7 @@ std::vector<DWORD> RunningServers() {
 
 std::optional<std::wstring> ReadRegistryText(HKEY root, const std::wstring& key, const std::wstring& value,
                                              REGSAM view) {
-    const UniqueKey opened = OpenKey(root, key, view);
+    const OCore::UniqueKey opened = OpenKey(root, key, view);
     wchar_t text[1'024] = {};
     DWORD size = sizeof(text);
     if (!opened || RegGetValueW(opened.get(), nullptr, value.c_str(), RRF_RT_REG_SZ, nullptr, text, &size) !=
@@ -75,7 +75,7 @@ std::optional<std::wstring> ReadRegistryText(HKEY root, const std::wstring& key,
 
 std::vector<std::wstring> SnapshotRegistry(HKEY root, const std::wstring& key, REGSAM view) {
     std::vector<std::wstring> lines;
-    if (const UniqueKey opened = OpenKey(root, key, view)) {
+    if (const OCore::UniqueKey opened = OpenKey(root, key, view)) {
         AppendSnapshot(opened.get(), key, view, lines);
     }
     return lines;

@@ -6,7 +6,7 @@
 #include <optional>
 #include <thread>
 
-#include "substitute/base/Handles.h"
+#include "core/Handles.h"
 #include "substitute/objects/DriverSettingsObject.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
@@ -22,9 +22,9 @@ using namespace kemba::substitute;
 
 /// The file's bytes, or nothing if it cannot be opened; nobody is kept from anything meanwhile.
 std::optional<Bytes> ReadAsOthersDo(const std::wstring& path) {
-    const UniqueHandle file = OwnFile(CreateFileW(path.c_str(), GENERIC_READ,
-                                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                                  nullptr, OPEN_EXISTING, 0, nullptr));
+    const OCore::UniqueHandle file = OCore::OwnFile(
+        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, 0, nullptr));
     if (!file) {
         return std::nullopt;
     }

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "substitute/base/Handles.h"
+#include "core/Handles.h"
 #include "substitute/server/Console.h"
 #include "tests/kit/TemporaryFile.h"
 
@@ -14,9 +14,9 @@ using namespace kemba::substitute;
 TEST(Console, ConsolesGetTheTextItself) {
     FreeConsole();
     ASSERT_TRUE(AllocConsole());
-    const UniqueHandle screen(CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE,
-                                                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                                        CONSOLE_TEXTMODE_BUFFER, nullptr));
+    const OCore::UniqueHandle screen(CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE,
+                                                               FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                                               CONSOLE_TEXTMODE_BUFFER, nullptr));
     EXPECT_TRUE(WriteText(screen.get(), L"x \x0416\x03A9"));
     std::wstring cells(4, L'\0');
     DWORD read = 0;
@@ -26,7 +26,7 @@ TEST(Console, ConsolesGetTheTextItself) {
 
 TEST(Console, FilesGetBytesOfTheAnsiCodePage) {
     const kit::TemporaryFile file;
-    const UniqueHandle output = OwnFile(
+    const OCore::UniqueHandle output = OCore::OwnFile(
         CreateFileW(file.Path().c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
     const std::wstring text = L"x \x00E4\r\n";
     char expected[16] = {};
@@ -38,7 +38,7 @@ TEST(Console, FilesGetBytesOfTheAnsiCodePage) {
 
 TEST(Console, WhatCannotBeWrittenIsReported) {
     const kit::TemporaryFile file;
-    const UniqueHandle input = OwnFile(
+    const OCore::UniqueHandle input = OCore::OwnFile(
         CreateFileW(file.Path().c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
     EXPECT_FALSE(WriteText(input.get(), L"x"));
 }

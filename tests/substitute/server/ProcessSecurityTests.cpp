@@ -6,8 +6,8 @@
 #include <array>
 #include <string>
 
+#include "core/Handles.h"
 #include "substitute/base/Failure.h"
-#include "substitute/base/Handles.h"
 #include "substitute/server/ProcessSecurity.h"
 #include "substitute/server/ServerIdentity.h"
 
@@ -56,7 +56,7 @@ class IdentityKeyTest : public testing::Test {
         ASSERT_EQ(RegCreateKeyExW(m_root.get(), m_key.c_str(), 0, nullptr, REG_OPTION_VOLATILE,
                                   KEY_ALL_ACCESS, nullptr, &opened, nullptr),
                   ERROR_SUCCESS);
-        const UniqueKey key(opened);
+        const OCore::UniqueKey key(opened);
         ASSERT_EQ(RegSetValueExW(opened, name, 0, type, reinterpret_cast<const BYTE*>(text.c_str()),
                                  static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
                   ERROR_SUCCESS);
@@ -64,7 +64,7 @@ class IdentityKeyTest : public testing::Test {
 
     const std::wstring m_rootName =
         L"Software\\kemba identity test " + std::to_wstring(GetCurrentProcessId());
-    UniqueKey m_root;
+    OCore::UniqueKey m_root;
     std::wstring m_key;
 };
 
@@ -102,10 +102,10 @@ constexpr DWORD kCall = COM_RIGHTS_EXECUTE | COM_RIGHTS_EXECUTE_LOCAL | COM_RIGH
 DWORD OwnRights(PSECURITY_DESCRIPTOR descriptor) {
     HANDLE opened = nullptr;
     EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY | TOKEN_DUPLICATE, &opened));
-    const UniqueHandle primary(opened);
+    const OCore::UniqueHandle primary(opened);
     HANDLE copied = nullptr;
     EXPECT_TRUE(DuplicateToken(primary.get(), SecurityIdentification, &copied));
-    const UniqueHandle token(copied);
+    const OCore::UniqueHandle token(copied);
     GENERIC_MAPPING mapping = {};
     PRIVILEGE_SET privileges = {};
     DWORD size = sizeof(privileges);

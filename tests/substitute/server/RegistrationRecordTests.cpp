@@ -29,7 +29,7 @@ class RegistrationRecordTest : public testing::Test {
     }
 
     std::wstring m_hive;
-    UniqueKey m_root;
+    OCore::UniqueKey m_root;
 };
 
 TEST_F(RegistrationRecordTest, TakesBackValuesAndTheKeysThatItMade) {

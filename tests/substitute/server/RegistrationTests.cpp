@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "substitute/base/Handles.h"
+#include "core/Handles.h"
 #include "substitute/server/RegistryKeys.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/RegistryPreset.h"
@@ -16,10 +16,10 @@
 namespace {
 
 using kemba::substitute::RemoveKeyIfEmpty;
-using kemba::substitute::UniqueHandle;
-using kemba::substitute::UniqueKey;
-using kemba::substitute::UniqueLocal;
 using kemba::substitute::View;
+using OCore::UniqueHandle;
+using OCore::UniqueKey;
+using OCore::UniqueLocal;
 
 const std::wstring kClasses = L"Software\\Classes\\";
 constexpr wchar_t kApplication[] = L"{2A67A06D-D94F-42C1-9074-33F05630EF24}";
@@ -78,7 +78,7 @@ std::vector<std::wstring> Snapshot(HKEY root) {
             DWORD values = 0;
             if (RegOpenKeyExW(root, (kClasses + folder).c_str(), 0, KEY_READ | view, &opened) ==
                 ERROR_SUCCESS) {
-                const UniqueKey key(opened);
+                const OCore::UniqueKey key(opened);
                 RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr,
                                  nullptr, nullptr, nullptr);
                 lines.push_back(folder + std::wstring(L": ") + std::to_wstring(keys) + L"/" +
@@ -111,7 +111,7 @@ void Put(HKEY root, REGSAM view, const std::wstring& key, const std::wstring& na
     ASSERT_EQ(RegCreateKeyExW(root, (kClasses + key).c_str(), 0, nullptr, 0, KEY_WRITE | view, nullptr,
                               &opened, nullptr),
               ERROR_SUCCESS);
-    const UniqueKey held(opened);
+    const OCore::UniqueKey held(opened);
     ASSERT_EQ(RegSetValueExW(opened, name.c_str(), 0, data.type, data.bytes.data(),
                              static_cast<DWORD>(data.bytes.size())),
               ERROR_SUCCESS);
@@ -544,7 +544,7 @@ TEST_F(RegistrationTest, WarnsOfAProgramThatUsersMayChange) {
         access.Trustee.ptstrName = reinterpret_cast<wchar_t*>(world);
         ACL* made = nullptr;
         ASSERT_EQ(SetEntriesInAclW(1, &access, nullptr, &made), ERROR_SUCCESS + 0u);
-        const UniqueLocal<ACL> list(made);
+        const OCore::UniqueLocal<ACL> list(made);
         std::wstring path = row.path;
         ASSERT_EQ(SetNamedSecurityInfoW(path.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr,
                                         nullptr, made, nullptr),
@@ -569,12 +569,12 @@ TEST_F(RegistrationTest, FailuresReachAConsoleInAllLetters) {
     PROCESS_INFORMATION started = {};
     ASSERT_TRUE(CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
                                &startup, &started));
-    const UniqueHandle process(started.hProcess);
-    const UniqueHandle thread(started.hThread);
+    const OCore::UniqueHandle process(started.hProcess);
+    const OCore::UniqueHandle thread(started.hThread);
     ASSERT_EQ(WaitForSingleObject(process.get(), 30'000), WAIT_OBJECT_0);
-    const UniqueHandle screen(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
-                                          FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
-                                          nullptr));
+    const OCore::UniqueHandle screen(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
+                                                 FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                                                 0, nullptr));
     std::wstring cells(1'000, L'\0');
     DWORD read = 0;
     ASSERT_TRUE(

@@ -9,8 +9,8 @@
 #include <thread>
 #include <vector>
 
+#include "core/Handles.h"
 #include "demo/WinePrinters.h"
-#include "substitute/base/Handles.h"
 #include "substitute/server/ServerIdentity.h"
 #include "substitute/server/ServingTurn.h"
 #include "tests/kit/PrinterPort.h"
@@ -169,10 +169,10 @@ class ServerLifetimeTest : public ServerProgramTest {
         return IsGone();
     }
     /// The one running server, to be waited for; none if there is none or more than one.
-    static UniqueHandle OpenServer() {
+    static OCore::UniqueHandle OpenServer() {
         const std::vector<DWORD> running = RunningServers();
-        return UniqueHandle(running.size() == 1
-                                ? OpenProcess(PROCESS_QUERY_INFORMATION | SYNCHRONIZE, FALSE, running.front())
+        return OCore::UniqueHandle(
+            running.size() == 1 ? OpenProcess(PROCESS_QUERY_INFORMATION | SYNCHRONIZE, FALSE, running.front())
                                 : nullptr);
     }
 };
@@ -181,7 +181,7 @@ TEST_F(ServerLifetimeTest, TheProcessStartsForTheFirstClientAndGoesSomeSecondsAf
     ASSERT_TRUE(WaitForNoServer());
     auto version = Activate<IVersionInformation>(__uuidof(VersionInformation));
     auto actions = Activate<IDriverActions>(__uuidof(DriverActions));
-    const UniqueHandle server = OpenServer(); // one process serves all classes
+    const OCore::UniqueHandle server = OpenServer(); // one process serves all classes
     ASSERT_TRUE(server);
     version.Reset();
     std::this_thread::sleep_for(6s); // longer than the grace time and what follows it, with one object left

@@ -58,14 +58,14 @@ TEST(ServingTurnTest, WhoWaitsGetsItFromTheOneBefore) {
 TEST(ServingTurnTest, TheTurnOfADeadServerIsFree) {
     ServingTurn turn(UniqueTurnName());
     std::thread([] {
-        const UniqueHandle mutex(OpenMutexW(SYNCHRONIZE, FALSE, UniqueTurnName().c_str()));
+        const OCore::UniqueHandle mutex(OpenMutexW(SYNCHRONIZE, FALSE, UniqueTurnName().c_str()));
         EXPECT_EQ(WaitForSingleObject(mutex.get(), 0), WAIT_OBJECT_0);
     }).join(); // ends without giving it up
     EXPECT_TRUE(turn.Take(0ms));
 }
 
 TEST(ServingTurnTest, ANameThatSomethingElseHasIsAFailure) {
-    const UniqueHandle event(CreateEventW(nullptr, TRUE, FALSE, UniqueTurnName().c_str()));
+    const OCore::UniqueHandle event(CreateEventW(nullptr, TRUE, FALSE, UniqueTurnName().c_str()));
     try {
         const ServingTurn turn(UniqueTurnName());
         FAIL() << "took an event for a mutex";

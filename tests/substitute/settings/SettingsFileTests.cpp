@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "substitute/base/Handles.h"
+#include "core/Handles.h"
 #include "substitute/base/InputFile.h"
 #include "substitute/base/Paths.h"
 #include "substitute/settings/SettingsFile.h"
@@ -48,11 +48,12 @@ struct Replacer {
     DWORD flags = 0;      ///< of the last call
     std::wstring added{}; ///< the new file of the last call
     std::wstring former{};
-    UniqueHandle held[2] = {};
+    OCore::UniqueHandle held[2] = {};
 } replacer;
 
-UniqueHandle Hold(const wchar_t* path) {
-    return OwnFile(CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+OCore::UniqueHandle Hold(const wchar_t* path) {
+    return OCore::OwnFile(
+        CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
 }
 
 BOOL WINAPI ReplaceOrFail(const wchar_t* path, const wchar_t* added, const wchar_t* former, DWORD flags,

@@ -2,11 +2,12 @@
 #pragma once
 
 #include <windows.h>
+#include <winspool.h>
 
 #include <memory>
 #include <type_traits>
 
-namespace kemba::substitute {
+namespace OCore {
 
 struct HandleCloser {
     void operator()(void* handle) const noexcept { CloseHandle(handle); }
@@ -31,6 +32,12 @@ struct KeyCloser {
 /// An opened registry key, or none.
 using UniqueKey = std::unique_ptr<std::remove_pointer_t<HKEY>, KeyCloser>;
 
+struct PrinterCloser {
+    void operator()(HANDLE printer) const noexcept { ClosePrinter(printer); }
+};
+/// An opened printer, or none.
+using UniquePrinter = std::unique_ptr<std::remove_pointer_t<HANDLE>, PrinterCloser>;
+
 struct LocalFreer {
     void operator()(void* memory) const noexcept { LocalFree(memory); }
 };
@@ -38,4 +45,4 @@ struct LocalFreer {
 template<class Content>
 using UniqueLocal = std::unique_ptr<Content, LocalFreer>;
 
-} // namespace kemba::substitute
+} // namespace OCore
