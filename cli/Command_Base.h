@@ -40,10 +40,10 @@ class Command_Base {
     const ApplicationSettings& GetSettings() const { return *m_settings; }
     ConsoleOutput& GetConsole() const { return *m_console; }
     const Arguments& GetArguments() const { return m_arguments; }
-
-  private:
+    /// Calls `Execute` for each printer; false at the first that fails or throws.
     bool ExecuteForEach(const OStringArray& printerNames);
 
+  private:
     const ApplicationSettings* m_settings;
     HRESULT m_runtimeStatus; // of the runtime's initialisation; not looked at
     const Arguments m_arguments;

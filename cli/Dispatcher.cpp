@@ -4,14 +4,9 @@
 #include <algorithm>
 #include <iterator>
 
-namespace kemba {
+#include "core/WordTable.h"
 
-const CommandRow* FindCommand(std::span<const CommandRow> table, const wchar_t* word) {
-    const auto row = std::find_if(table.begin(), table.end(), [word](const CommandRow& candidate) {
-        return OCore::EqualsIgnoreCase(word, candidate.word);
-    });
-    return row == table.end() ? nullptr : &*row;
-}
+namespace kemba {
 
 bool Dispatch(std::span<const CommandRow> table, const ApplicationSettings& settings, ConsoleOutput& console,
               const OStringArray& words) {
@@ -19,7 +14,7 @@ bool Dispatch(std::span<const CommandRow> table, const ApplicationSettings& sett
         console.PrintMessage("error:CommandNotSpecified");
         return false;
     }
-    const CommandRow* const row = FindCommand(table, words[0].Wide());
+    const CommandRow* const row = OCore::FindRow(table, words[0].Wide());
     if (!row) {
         console.PrintMessage("error:CommandUnknown", words[0]);
         return false;

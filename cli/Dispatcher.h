@@ -8,9 +8,10 @@
 
 namespace kemba {
 
-/// A command word, in lower case, and the command it stands for.
+/// What the user calls a command, and its class.
 struct CommandRow {
-    const wchar_t* word;
+    const wchar_t* word;  ///< the command word, in lower case; null for what only another command starts
+    const wchar_t* topic; ///< the topic of its help page, in lower case; null where it has none
     std::unique_ptr<Command_Base> (*make)(const ApplicationSettings&, ConsoleOutput&, const Arguments&);
 };
 
@@ -20,9 +21,6 @@ std::unique_ptr<Command_Base> MakeCommand(const ApplicationSettings& settings, C
                                           const Arguments& arguments) {
     return std::make_unique<Command>(settings, console, arguments);
 }
-
-/// The first row whose word equals `word` ignoring case, or null.
-const CommandRow* FindCommand(std::span<const CommandRow> table, const wchar_t* word);
 
 /// Runs the command that the first word names, with the other words as its arguments, and returns its result.
 /// False, with a message, when there is no word or no such command. What the command's own `Run` throws

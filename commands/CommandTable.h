@@ -1,4 +1,4 @@
-// The table that names every command.
+// The table that names every command and its help topic.
 #pragma once
 
 #include <span>
@@ -7,7 +7,7 @@
 
 namespace kemba {
 
-/// The command words in the order in which they are tried.
+/// Every command, in the order in which the words are tried.
 std::span<const CommandRow> TheCommands();
 
 } // namespace kemba

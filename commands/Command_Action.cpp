@@ -1,38 +1,11 @@
 // Action command.
 #include "commands/Command_Action.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "automation/Activation.h"
+#include "core/WordTable.h"
 
 namespace kemba {
 namespace {
-
-struct Action {
-    const wchar_t* word;
-    long code; // part of the contract with the server
-};
-
-constexpr Action kActions[] = {
-    {L"Test", 1},
-    {L"Blank", 2},
-    {L"Cut", 3},
-    {L"Feed", 4},
-    {L"ManageCache", 5},
-    {L"FlushCache", 6},
-    {L"Reset", 7},
-    {L"FactoryDefaults", 8},
-    {L"Calibrate", 9},
-    {L"PrintConfiguration", 10},
-    {L"ConfigureMemory", 11},
-    {L"FormatMemory", 30}, // not 12, on purpose; no word has the code 12
-    {L"RFIDOptions", 13},
-    {L"StatusMonitoring", 14},
-    {L"ReadInformation", 15},
-    {L"SendPrinterCommand", 16},
-    {L"ConfigurePrinter", 17},
-};
 
 bool IsQueryOption(const wchar_t* word) {
     return OCore::EqualsIgnoreCase(word, L"-n") || OCore::EqualsIgnoreCase(word, L"/n");
@@ -57,14 +30,14 @@ bool Command_Action::Execute(const OString& printerName) {
     }
     ScanArguments();
     try {
-        if (m_actionCode == 0) {
+        if (!m_action) {
             throw L"error:ActionUndefined";
         }
         Perform(printerName);
         return true;
     } catch (const ComError&) {
         // The catalogue has no such section: an empty line is what a failure shows, on purpose.
-        GetConsole().PrintMessage("error:ActionNotSupported", m_actionWord);
+        GetConsole().PrintMessage("error:ActionNotSupported", m_action->word);
         return true;
     } catch (const wchar_t* key) {
         GetConsole().PrintMessage(key);
@@ -86,12 +59,8 @@ void Command_Action::ScanArguments() {
             m_queryOnly = true;
             continue;
         }
-        const auto* const action =
-            std::find_if(std::begin(kActions), std::end(kActions),
-                         [word](const Action& row) { return OCore::EqualsIgnoreCase(word, row.word); });
-        if (action != std::end(kActions)) {
-            m_actionWord = action->word;
-            m_actionCode = action->code;
+        if (const Action* const action = OCore::FindRow(kActions, word)) {
+            m_action = action;
         }
     }
 }
@@ -102,7 +71,8 @@ void Command_Action::Perform(const OString& printerName) {
     const auto request = Activate<DriverActions, IDriverActions>();
     // 1 and not VARIANT_TRUE, on purpose: servers take any value but 0 as true.
     Call(request, &IDriverActions::PutExecute, static_cast<VARIANT_BOOL>(m_queryOnly ? 0 : 1));
-    Call(automation, &IDriverAutomation::PerformAction, m_actionCode, OwnedVariant(request.Get()).Get());
+    Call(automation, &IDriverAutomation::PerformAction, static_cast<LONG>(m_action->code),
+         OwnedVariant(request.Get()).Get());
 
     if (!m_queryOnly && CallForFlag(request, &IDriverActions::GetSupported)) {
         GetConsole().PrintMessage("text:ActionComplete");
@@ -117,7 +87,7 @@ void Command_Action::Perform(const OString& printerName) {
     if (CallForFlag(request, &IDriverActions::GetDisplaysInterface)) {
         key = "text:ActionDisplayInterface";
     }
-    GetConsole().PrintMessage(key, m_actionWord);
+    GetConsole().PrintMessage(key, m_action->word);
 }
 
 } // namespace kemba

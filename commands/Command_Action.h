@@ -1,6 +1,7 @@
 // action <word> [-n]: the driver's utility functions.
 #pragma once
 
+#include "automation/Actions.h"
 #include "cli/Command_Base.h"
 
 namespace kemba {
@@ -18,8 +19,7 @@ class Command_Action : public Command_Base {
     void ScanArguments();
     void Perform(const OString& printerName);
 
-    OString m_actionWord;  // as the table spells it
-    long m_actionCode = 0; // 0 until a word is recognised
+    const Action* m_action = nullptr; // until a word is recognised
     bool m_queryOnly = false;
 };
 

@@ -2,7 +2,7 @@
 #include "commands/Command_Get.h"
 
 #include "automation/Activation.h"
-#include "commands/FieldTable.h"
+#include "commands/Reporting.h"
 
 namespace kemba {
 namespace {
@@ -45,7 +45,7 @@ bool Command_Get::Execute(const OString& printerName) {
     return ExecuteReporting(GetConsole(), m_rejectedArgument, [&] {
         const auto automation = ActivateForPrinter(printerName);
         // Bound first: a wrong word is rejected only where the printer can be reached.
-        const Field& field = FindRow(kFields, GetArguments().front(), m_rejectedArgument);
+        const Field& field = RequireRow(kFields, GetArguments().front(), m_rejectedArgument);
         GetConsole().PrintText(printerName + L": " + field.read(automation));
     });
 }

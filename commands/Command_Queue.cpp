@@ -2,7 +2,7 @@
 #include "commands/Command_Queue.h"
 
 #include "automation/Activation.h"
-#include "commands/FieldTable.h"
+#include "commands/Reporting.h"
 
 namespace kemba {
 namespace {
@@ -35,7 +35,7 @@ bool Command_Queue::Execute(const OString& printerName) {
         // The queue is fetched before the word is looked at; a queue that is missing matters only to a known
         // word.
         const auto queue = CallForObject(automation, &IDriverAutomation::GetPrinterQueue);
-        const Action& action = FindRow(kActions, GetArguments().front(), m_rejectedArgument);
+        const Action& action = RequireRow(kActions, GetArguments().front(), m_rejectedArgument);
         Call(queue, action.perform);
     });
 }

@@ -2,7 +2,7 @@
 #include "commands/Command_Set.h"
 
 #include "automation/Activation.h"
-#include "commands/FieldTable.h"
+#include "commands/Reporting.h"
 
 namespace kemba {
 namespace {
@@ -33,7 +33,7 @@ bool Command_Set::Execute(const OString& printerName) {
         const auto automation = ActivateForPrinter(printerName);
         const OwnedBstr value = TextArgument(GetArguments()[1]);
         // Bound first: a wrong word is rejected only where the printer can be reached.
-        const Field& field = FindRow(kFields, GetArguments().front(), m_rejectedArgument);
+        const Field& field = RequireRow(kFields, GetArguments().front(), m_rejectedArgument);
         Call(automation, field.write, value.Get());
     });
 }

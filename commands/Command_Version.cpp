@@ -1,12 +1,10 @@
 // Version command.
 #include "commands/Command_Version.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "automation/Activation.h"
 #include "cli/PrinterSelection.h"
 #include "core/ORegistry.h"
+#include "core/WordTable.h"
 #include "platform/OperatingSystem.h"
 
 namespace kemba {
@@ -29,14 +27,8 @@ constexpr Sections kSections[] = {
 constexpr Sections kEverything = {nullptr, true, true, true};
 
 const Sections& SectionsFor(const Arguments& arguments) {
-    if (arguments.empty()) {
-        return kEverything;
-    }
-    const auto* const found =
-        std::find_if(std::begin(kSections), std::end(kSections), [&](const Sections& row) {
-            return OCore::EqualsIgnoreCase(arguments.front(), row.word);
-        });
-    return found == std::end(kSections) ? kEverything : *found;
+    const Sections* const row = arguments.empty() ? nullptr : OCore::FindRow(kSections, arguments.front());
+    return row ? *row : kEverything;
 }
 
 /// One text of the server's version, from an object of its own.
@@ -100,15 +92,7 @@ void Command_Version::PrintSystemVersion() {
 /// One line per printer up to the first that fails; on purpose nothing is printed for that one.
 bool Command_Version::PrintDriverVersions() {
     OStringArray printerNames;
-    if (!SelectPrinters(GetSettings(), printerNames, GetConsole())) {
-        return false;
-    }
-    try {
-        return std::all_of(printerNames.begin(), printerNames.end(),
-                           [this](const OString& name) { return Execute(name); });
-    } catch (...) {
-        return false;
-    }
+    return SelectPrinters(GetSettings(), printerNames, GetConsole()) && ExecuteForEach(printerNames);
 }
 
 OString Command_Version::OrUnknown(const OString& version) {

@@ -1,7 +1,10 @@
 // Carrying out an action, or asking whether it can be done.
 #include "substitute/actions/ActionPerformer.h"
 
-#include "substitute/actions/ActionTable.h"
+#include <algorithm>
+#include <iterator>
+
+#include "substitute/actions/ActionKind.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/VariantArgument.h"
 #include "substitute/spooler/PrintJob.h"
@@ -12,7 +15,8 @@ namespace {
 ActionOutcome SendBytes(const ActionProfiles& profiles, const Printer& printer, const Action& action,
                         bool execute) {
     const auto profile = profiles.Find(printer.GetName(), printer.Describe().modelName);
-    const auto entry = profile ? profile->find(action.code) : ActionProfile::const_iterator();
+    const auto entry =
+        profile ? profile->find(static_cast<LONG>(action.code)) : ActionProfile::const_iterator();
     if (!profile || entry == profile->end()) {
         return {};
     }
@@ -35,7 +39,7 @@ IUnknown* ObjectIn(const VARIANT& argument) {
     }
 }
 
-ActionOutcome ShowDialog(const Printer& printer, const Action& action, bool execute) {
+ActionOutcome ShowDialog(const Printer& printer, const Action& action, ActionKind dialog, bool execute) {
     if (!printer.CanShowDialogs()) {
         if (!execute) {
             return {};
@@ -46,7 +50,7 @@ ActionOutcome ShowDialog(const Printer& printer, const Action& action, bool exec
     }
     if (execute) {
         const std::wstring what = std::wstring(L"showing the dialog of action ") + action.word;
-        action.kind == ActionKind::Properties ? printer.ShowProperties(what) : printer.ShowQueue(what);
+        dialog == ActionKind::Properties ? printer.ShowProperties(what) : printer.ShowQueue(what);
     }
     return {.supported = true, .displays = true};
 }
@@ -64,12 +68,13 @@ ComPtr<IActionRequest> RequestFrom(const VARIANT& argument) {
 
 ActionOutcome PerformActionOn(const ActionProfiles& profiles, const Printer& printer, LONG code,
                               bool execute) {
-    const Action* const action = FindAction(code);
-    if (!action) {
+    const auto* const action = std::ranges::find(kActions, ActionCode{code}, &Action::code);
+    const std::optional<ActionKind> kind = KindOf(ActionCode{code});
+    if (action == std::end(kActions) || !kind) {
         return {};
     }
-    return action->kind == ActionKind::FromProfile ? SendBytes(profiles, printer, *action, execute)
-                                                   : ShowDialog(printer, *action, execute);
+    return *kind == ActionKind::FromProfile ? SendBytes(profiles, printer, *action, execute)
+                                            : ShowDialog(printer, *action, *kind, execute);
 }
 
 } // namespace kemba::substitute

@@ -1,8 +1,9 @@
 // The text of an action profile.
 #include <array>
 
+#include "core/WordTable.h"
+#include "substitute/actions/ActionKind.h"
 #include "substitute/actions/ActionProfile.h"
-#include "substitute/actions/ActionTable.h"
 #include "substitute/base/Failure.h"
 
 namespace kemba::substitute {
@@ -30,6 +31,15 @@ int HexValue(char digit) {
         return digit - 'A' + 10;
     }
     return digit >= 'a' && digit <= 'f' ? digit - 'a' + 10 : -1;
+}
+
+/// The action that a profile may define, by its word in any case; null for any other word.
+const Action* FindProfileAction(std::string_view word) {
+    if (word.find('\0') != word.npos) {
+        return nullptr;
+    }
+    const Action* const action = OCore::FindRow(kActions, std::wstring(word.begin(), word.end()).c_str());
+    return action && KindOf(action->code) == ActionKind::FromProfile ? action : nullptr;
 }
 
 /// Reads the lines one after the other.
@@ -90,7 +100,7 @@ class Parser {
             Refuse(L"\"=\" is missing after \"" + Readable(word) + L"\"");
         }
         m_rest.remove_prefix(1);
-        const auto [place, isNew] = m_profile.try_emplace(action->code);
+        const auto [place, isNew] = m_profile.try_emplace(static_cast<LONG>(action->code));
         if (!isNew) {
             Refuse(L"the action \"" + Readable(word) + L"\" is there twice");
         }

@@ -53,8 +53,9 @@ class Throwing : public Command_Base {
 };
 
 constexpr CommandRow kTable[] = {
-    {L"record", MakeCommand<Recording>}, {L"?", MakeCommand<Recording>},    {L"fail", MakeCommand<Failing>},
-    {L"fail", MakeCommand<Recording>},   {L"throw", MakeCommand<Throwing>},
+    {L"record", nullptr, MakeCommand<Recording>}, {L"?", nullptr, MakeCommand<Recording>},
+    {L"fail", nullptr, MakeCommand<Failing>},     {L"fail", nullptr, MakeCommand<Recording>},
+    {L"throw", nullptr, MakeCommand<Throwing>},
 };
 
 struct Dispatcher : testing::Test {

@@ -1,85 +1,173 @@
-// The command table: words, order and classes.
+// The command table against the classes, the catalogue and the tests: a command is its pair of files, one
+// row, and its text.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <set>
 #include <string>
-#include <typeinfo>
 #include <vector>
 
 #include "commands/CommandTable.h"
-#include "commands/Command_Action.h"
-#include "commands/Command_Get.h"
-#include "commands/Command_Help.h"
-#include "commands/Command_Queue.h"
-#include "commands/Command_Send.h"
-#include "commands/Command_Set.h"
-#include "commands/Command_Settings.h"
-#include "commands/Command_Version.h"
+#include "core/WordTable.h"
 #include "messages/TextResource.h"
 #include "tests/commands/Sources.h"
+#include "tests/kit/StdoutCapture.h"
 
+namespace kemba {
 namespace {
 
-using kemba::CommandRow;
-using kemba::FindCommand;
-using kemba::TheCommands;
+using Names = std::set<std::string>;
 
-const struct {
-    const wchar_t* word;
-    const std::type_info& type;
-} kExpected[] = {
-    {L"settings", typeid(kemba::Command_Settings)},
-    {L"help", typeid(kemba::Command_Help)},
-    {L"?", typeid(kemba::Command_Help)},
-    {L"action", typeid(kemba::Command_Action)},
-    {L"send", typeid(kemba::Command_Send)},
-    {L"version", typeid(kemba::Command_Version)},
-    {L"queue", typeid(kemba::Command_Queue)},
-    {L"get", typeid(kemba::Command_Get)},
-    {L"set", typeid(kemba::Command_Set)},
+constexpr char kTable[] = "commands/CommandTable.cpp";
+constexpr char kCatalogue[] = "messages/KEMBA[ENU].TXT";
+
+class CommandTable : public testing::Test {
+  protected:
+    std::unique_ptr<Command_Base> Make(const CommandRow& row) const {
+        return row.make(m_settings, m_console, {});
+    }
+
+    /// What stands behind "Command_" in the name of the row's class. Help has the base's name for messages.
+    std::string ClassOf(const CommandRow& row) const {
+        const std::string name = Make(row)->GetName().Narrow();
+        return name == Command_Base(m_settings, m_console, {}).GetName().Narrow() ? "Help" : name;
+    }
+
+    const bool m_quiet = false;
+    mutable ConsoleOutput m_console{m_quiet};
+    const ApplicationSettings m_settings{};
 };
 
-TEST(TheCommands, StandInOrderWithTheirClasses) {
-    ASSERT_EQ(TheCommands().size(), std::size(kExpected));
-    const bool quiet = false;
-    ConsoleOutput console(quiet);
-    const kemba::ApplicationSettings settings;
-    for (std::size_t index = 0; index < std::size(kExpected); ++index) {
-        const CommandRow& row = TheCommands()[index];
-        EXPECT_STREQ(row.word, kExpected[index].word);
-        const std::unique_ptr<kemba::Command_Base> command = row.make(settings, console, {});
-        const kemba::Command_Base& made = *command;
-        EXPECT_EQ(typeid(made), kExpected[index].type) << index;
-    }
+std::string Narrow(const wchar_t* word) {
+    return OString(word).Narrow();
 }
 
-TEST(TheCommands, AreFoundInAnyCaseAsWholeWords) {
-    const std::pair<const wchar_t*, std::size_t> found[] = {{L"Settings", 0}, {L"HELP", 1}, {L"?", 2},
-                                                            {L"aCTION", 3},   {L"SEND", 4}, {L"Version", 5},
-                                                            {L"QUEUE", 6},    {L"Get", 7},  {L"SET", 8}};
-    for (const auto& [word, index] : found) {
-        EXPECT_EQ(FindCommand(TheCommands(), word), &TheCommands()[index]);
-    }
-    for (const wchar_t* const word :
-         {L"", L"import", L"export", L"setting", L"settingss", L"hel", L"??", L"/get", L" get", L"get ",
-          L"\x017F"
-          L"et"}) {
-        EXPECT_EQ(FindCommand(TheCommands(), word), nullptr);
-    }
+/// "action" for "Action".
+std::string WordFor(std::string name) {
+    std::transform(name.begin(), name.end(), name.begin(), [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter;
+    });
+    return name;
 }
 
-TEST(TheCommands, AreTheOnesThatTheirPageLists) {
-    TextResource catalogue;
-    const std::vector<std::string> listed =
-        kemba_tests::FindAll(catalogue.GetText("help:commands").Narrow(), "\n +(\\w+)  ");
-    std::set<std::string> words;
+TEST_F(CommandTable, HasARowForEveryPairOfFiles) {
+    Names classes;
     for (const CommandRow& row : TheCommands()) {
-        words.insert(OString(row.word).Narrow());
+        classes.insert(ClassOf(row));
     }
-    words.erase("help");
-    words.erase("?");
-    EXPECT_EQ(std::set<std::string>(listed.begin(), listed.end()), words);
+    Names files;
+    for (const std::string& path : kemba_tests::SourcesIn("commands")) {
+        for (const std::string& name : kemba_tests::FindAll(path, "Command_(\\w+)\\.h$")) {
+            files.insert(name);
+        }
+    }
+    EXPECT_EQ(files, classes) << "each commands/Command_NAME.h needs a row in " << kTable
+                              << ", and NAME is what its GetName gives";
+}
+
+TEST_F(CommandTable, FindsEachRowByItsWordOrTopic) {
+    for (const CommandRow& row : TheCommands()) {
+        SCOPED_TRACE(ClassOf(row));
+        EXPECT_TRUE(row.word || row.topic) << "a row of " << kTable << " without both is never found";
+        for (const auto column : {&CommandRow::word, &CommandRow::topic}) {
+            if (const wchar_t* const word = row.*column) {
+                EXPECT_EQ(Narrow(word), WordFor(Narrow(word))) << "words are written in lower case";
+                EXPECT_EQ(std::ranges::count_if(TheCommands(),
+                                                [&](const CommandRow& other) {
+                                                    return other.*column &&
+                                                           OCore::EqualsIgnoreCase(other.*column, word);
+                                                }),
+                          1)
+                    << "two rows of " << kTable << " share " << Narrow(word);
+            }
+        }
+    }
+}
+
+TEST_F(CommandTable, CallsEachCommandByTheNameOfItsClass) {
+    for (const CommandRow& row : TheCommands()) {
+        const std::string word = WordFor(ClassOf(row));
+        if (row.topic) {
+            EXPECT_EQ(Narrow(row.topic), word) << "the row in " << kTable << " names another class";
+        }
+        if (row.word) {
+            EXPECT_EQ(Narrow(row.word), Narrow(row.word) == "?" ? "?" : word)
+                << "the row in " << kTable << " names another class";
+        }
+    }
+}
+
+TEST_F(CommandTable, HasATopicForEveryCommandWithTheCataloguesPage) {
+    for (const CommandRow& row : TheCommands()) {
+        SCOPED_TRACE(ClassOf(row));
+        if (ClassOf(row) == "Help") {
+            EXPECT_EQ(row.topic, nullptr) << "help shows its own page itself";
+            continue;
+        }
+        ASSERT_NE(row.topic, nullptr) << "name its help topic in " << kTable;
+        const std::string key = "help:" + Narrow(row.topic);
+        const std::string page = TextResource().GetText(key.c_str()).Narrow();
+        EXPECT_NE(page, "") << "write the section #" << key << " of " << kCatalogue;
+        kit::StdoutCapture capture;
+        Make(row)->ShowHelp();
+        EXPECT_EQ(capture.Finish(), page + "\r\n") << "ShowHelp prints " << key;
+    }
+}
+
+TEST_F(CommandTable, HasTheWordsThatTheirPageLists) {
+    const std::vector<std::string> listed =
+        kemba_tests::FindAll(TextResource().GetText("help:commands").Narrow(), "\n +(\\w+)  ");
+    Names words;
+    for (const CommandRow& row : TheCommands()) {
+        if (row.word && row.topic) {
+            words.insert(Narrow(row.word));
+        }
+    }
+    EXPECT_EQ(Names(listed.begin(), listed.end()), words)
+        << "the section #help:commands of " << kCatalogue << " lists the commands of " << kTable;
+}
+
+TEST_F(CommandTable, HasWholeRunTestsOfEveryCommand) {
+    for (const CommandRow& row : TheCommands()) {
+        if (row.word) {
+            const std::string tests = "tests/whole_run/" + ClassOf(row) + "Tests.cpp";
+            EXPECT_TRUE(std::filesystem::exists(tests)) << "write " << tests;
+        }
+    }
+}
+
+TEST_F(CommandTable, NamesClassesThatAreShort) {
+    for (const std::string& path : kemba_tests::SourcesIn("commands")) {
+        const std::string text = kemba_tests::ReadSource(path);
+        EXPECT_LE(std::count(text.begin(), text.end(), '\n'), 150) << path;
+    }
+}
+
+/// Help has neither a page of its own nor work on a printer, and an export no work on one printer of several.
+TEST_F(CommandTable, LeavesTheBasesWordsToWhoDoesNotDoWhatTheySay) {
+    const CommandRow* const help = OCore::FindRow(TheCommands(), L"help");
+    const CommandRow* const exporting = OCore::FindRow(TheCommands(), L"export", &CommandRow::topic);
+    kit::StdoutCapture capture;
+    Make(*help)->ShowHelp();
+    EXPECT_FALSE(Make(*help)->Execute(L"Label A"));
+    EXPECT_FALSE(Make(*exporting)->Execute(L"Label A"));
+    EXPECT_EQ(capture.Finish(),
+              "Help not implemented!\r\nCommand not implemented!\r\nCommand not implemented!\r\n");
+    EXPECT_STREQ(Make(*help)->GetName().Narrow(), "Command Base");
+}
+
+/// A printer may go between the selection of the settings command and that of its export.
+TEST_F(CommandTable, HasAnExportThatWithoutAPrinterFailsUnannounced) {
+    ApplicationSettings settings;
+    OCore::RequireMemory(settings.printerNames.Append(L"no such printer"));
+    const CommandRow* const exporting = OCore::FindRow(TheCommands(), L"export", &CommandRow::topic);
+    kit::StdoutCapture capture;
+    EXPECT_FALSE(exporting->make(settings, m_console, {L"C:\\dock.vqs"})->Run());
+    EXPECT_EQ(capture.Finish(),
+              "The printer 'no such printer' is not found.\r\nNo printers selected for this operation.\r\n");
 }
 
 } // namespace
+} // namespace kemba

@@ -6,11 +6,8 @@
 #include <set>
 #include <string>
 
-#include "cli/Dispatcher.h"
-#include "commands/Command_Action.h"
-#include "commands/Command_Get.h"
-#include "commands/Command_Queue.h"
-#include "commands/Command_Set.h"
+#include "commands/CommandTable.h"
+#include "core/WordTable.h"
 #include "messages/TextResource.h"
 #include "tests/commands/Sources.h"
 #include "tests/kit/FakeServer.h"
@@ -41,55 +38,49 @@ std::vector<std::string> PageWords(const std::string& command) {
                                 "\n +(\\w+) +- ");
 }
 
-struct Row {
+/// Where a command's words stand: the expression finds one in its source.
+struct TableRow {
     const char* command;
-    std::size_t count;
     const char* file;
-    const char* tableRow;            ///< expression for a word in the command's source
-    decltype(CommandRow::make) make; ///< null where the word is not looked at per printer
+    const char* expression;
 };
 
-const Row kRows[] = {
-    {"action", 17, "Action", "\\n +\\{L\"(\\w+)\", \\d+\\}", MakeCommand<Command_Action>},
-    {"get", 6, "Get", "\\n +\\{L\"(\\w+)\", Read", MakeCommand<Command_Get>},
-    {"set", 3, "Set", "\\n +\\{L\"(\\w+)\", &", MakeCommand<Command_Set>},
-    {"queue", 3, "Queue", "\\n +\\{L\"(\\w+)\", &", MakeCommand<Command_Queue>},
-    {"settings", 3, "Settings", "EqualsIgnoreCase\\(word, L\"(\\w+)\"", nullptr},
-    {"version", 3, "Version", "\\n +\\{L\"(\\w+)\", (?:true|false)", nullptr},
+constexpr TableRow kTables[] = {
+    {"action", "automation/Actions.h", "\n +\\{L\"(\\w+)\", ActionCode"},
+    {"get", "commands/Command_Get.cpp", "\n +\\{L\"(\\w+)\", Read"},
+    {"set", "commands/Command_Set.cpp", "\n +\\{L\"(\\w+)\", &"},
+    {"queue", "commands/Command_Queue.cpp", "\n +\\{L\"(\\w+)\", &"},
+    {"settings", "commands/Command_Settings.cpp", "EqualsIgnoreCase\\(word, L\"(\\w+)\""},
+    {"version", "commands/Command_Version.cpp", "\n +\\{L\"(\\w+)\", (?:true|false)"},
 };
 
-class HelpPageWords : public testing::TestWithParam<Row> {};
-
-INSTANTIATE_TEST_SUITE_P(Commands, HelpPageWords, testing::ValuesIn(kRows),
-                         [](const auto& row) { return std::string(row.param.command); });
-
-void PrintTo(const Row& row, std::ostream* out) {
-    *out << row.command;
-}
-
-TEST_P(HelpPageWords, AreTheOnesOfTheCommandsTable) {
-    const std::string source =
-        kemba_tests::ReadSource(std::string("commands/Command_") + GetParam().file + ".cpp");
-    const Words table = InLowerCase(kemba_tests::FindAll(source, GetParam().tableRow));
-    EXPECT_EQ(table.size(), GetParam().count);
-    EXPECT_EQ(InLowerCase(PageWords(GetParam().command)), table);
-}
-
-TEST_P(HelpPageWords, AreTaken) {
-    if (!GetParam().make) {
-        return; // whole runs look at these
+TEST(HelpPageWords, AreTheOnesOfTheCommandsTable) {
+    for (const TableRow& row : kTables) {
+        const Words table =
+            InLowerCase(kemba_tests::FindAll(kemba_tests::ReadSource(row.file), row.expression));
+        EXPECT_FALSE(table.empty()) << "no words in " << row.file;
+        EXPECT_EQ(InLowerCase(PageWords(row.command)), table)
+            << "the section #help:" << row.command << " explains the words in " << row.file;
     }
+}
+
+/// The commands that look at their word for each printer; whole runs look at the others.
+TEST(HelpPageWords, AreTaken) {
     kit::FakeServer server;
     const bool quiet = false;
     ConsoleOutput console(quiet);
     const ApplicationSettings settings;
-    for (const std::string& word : PageWords(GetParam().command)) {
-        const OString argument(word.c_str());
-        kit::StdoutCapture capture;
-        EXPECT_TRUE(GetParam().make(settings, console, {argument.Wide(), L"value"})->Execute(L"Label A"));
-        const std::string output = capture.Finish();
-        EXPECT_EQ(output.find(" is undefined."), std::string::npos) << word;
-        EXPECT_EQ(output.find(" is invalid."), std::string::npos) << word;
+    for (const wchar_t* const command : {L"action", L"get", L"queue", L"set"}) {
+        for (const std::string& word : PageWords(OString(command).Narrow())) {
+            const OString argument(word.c_str());
+            kit::StdoutCapture capture;
+            EXPECT_TRUE(OCore::FindRow(TheCommands(), command)
+                            ->make(settings, console, {argument.Wide(), L"value"})
+                            ->Execute(L"Label A"));
+            const std::string output = capture.Finish();
+            EXPECT_EQ(output.find(" is undefined."), std::string::npos) << word;
+            EXPECT_EQ(output.find(" is invalid."), std::string::npos) << word;
+        }
     }
     EXPECT_EQ(server.Faults(), kit::Lines{});
 }

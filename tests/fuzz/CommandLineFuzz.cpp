@@ -66,10 +66,10 @@ class Looping : public Command_Base {
     }
 };
 
-constexpr CommandRow kTable[] = {{L"record", MakeCommand<Recording>},
-                                 {L"loop", MakeCommand<Looping>},
-                                 {L"base", MakeCommand<Command_Base>},
-                                 {L"?", MakeCommand<Recording>}};
+constexpr CommandRow kTable[] = {{L"record", nullptr, MakeCommand<Recording>},
+                                 {L"loop", nullptr, MakeCommand<Looping>},
+                                 {L"base", nullptr, MakeCommand<Command_Base>},
+                                 {L"?", nullptr, MakeCommand<Recording>}};
 
 /// What a command line is to come to.
 class Expectation {

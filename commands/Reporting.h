@@ -1,23 +1,21 @@
-// What get, set and queue share: looking a word up, rejecting it, and the handling of failures.
+// What get, set and queue share: rejecting a word, and what is said of failures.
 #pragma once
 
-#include <algorithm>
-#include <iterator>
+#include <cstddef>
 
 #include "automation/ComError.h"
 #include "core/OString.h"
+#include "core/WordTable.h"
 #include "messages/ConsoleOutput.h"
 
 namespace kemba {
 
-/// The first row whose `word` equals `word`, ignoring the case of a to z. Without one, stores the word as
-/// typed in `rejected` and throws the message key "error:InvalidArgument".
+/// The row of `word`. Without one, stores the word as typed in `rejected` and throws the message key
+/// "error:InvalidArgument".
 template<class Row, std::size_t Rows>
-const Row& FindRow(const Row (&table)[Rows], const wchar_t* word, OString& rejected) {
-    const auto row = std::find_if(std::begin(table), std::end(table), [word](const Row& candidate) {
-        return OCore::EqualsIgnoreCase(word, candidate.word);
-    });
-    if (row == std::end(table)) {
+const Row& RequireRow(const Row (&table)[Rows], const wchar_t* word, OString& rejected) {
+    const Row* const row = OCore::FindRow(table, word);
+    if (!row) {
         rejected = word;
         throw L"error:InvalidArgument";
     }
