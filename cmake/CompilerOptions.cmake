@@ -19,9 +19,5 @@ target_link_options(kemba_options INTERFACE
     -Wl,--no-insert-timestamp
     $<$<CONFIG:Debug>:-fsanitize=undefined -fsanitize-undefined-trap-on-error>
     $<$<CONFIG:Release>:-Wl,--gc-sections -s>)
-
 # What -fstack-protector-strong refers to.
-add_library(kemba_stack_guard STATIC ${PROJECT_SOURCE_DIR}/core/StackGuard.cpp)
-target_include_directories(kemba_stack_guard PRIVATE ${PROJECT_SOURCE_DIR})
-target_link_libraries(kemba_stack_guard PRIVATE advapi32)
 target_link_libraries(kemba_options INTERFACE $<$<CONFIG:Release>:kemba_stack_guard>)

@@ -137,10 +137,15 @@ TEST_P(Shortage, EndsAsSpecifiedOrAtOnceWithAStatus) {
 
 TEST(ShortageCommandLines, HaveEveryCommandWord) {
     for (const kemba::CommandRow& row : kemba::TheCommands()) {
-        EXPECT_TRUE(std::ranges::any_of(AllCommandLines(), [&](const CommandLine& line) {
-            return std::ranges::any_of(line.words,
-                                       [&](const wchar_t* word) { return std::wcscmp(word, row.word) == 0; });
-        })) << OString(row.word).Narrow();
+        EXPECT_TRUE(!row.word ||
+                    std::ranges::any_of(AllCommandLines(),
+                                        [&](const CommandLine& line) {
+                                            return std::ranges::any_of(line.words, [&](const wchar_t* word) {
+                                                return std::wcscmp(word, row.word) == 0;
+                                            });
+                                        }))
+            << "no command line in tests/shortage/CommandLines.cpp has the word "
+            << OString(row.word).Narrow();
     }
 }
 

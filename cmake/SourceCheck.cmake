@@ -1,0 +1,47 @@
+# What holds for every source file of the project.
+
+# Every source stands in the list of its folder, that is, of the nearest CMakeLists.txt above it.
+function(kemba_check_sources folder)
+    file(GLOB_RECURSE sources ${folder}/*.cpp ${folder}/*.rc ${folder}/*.def)
+    foreach(source IN LISTS sources)
+        cmake_path(GET source PARENT_PATH owner)
+        while(NOT EXISTS ${owner}/CMakeLists.txt)
+            cmake_path(GET owner PARENT_PATH owner)
+        endwhile()
+        file(RELATIVE_PATH name ${owner} ${source})
+        file(READ ${owner}/CMakeLists.txt list)
+        string(REGEX REPLACE "#[^\n]*" "" list "${list}")
+        string(REGEX MATCHALL "[^ \n()]+" words "${list}")
+        if(NOT name IN_LIST words)
+            message(SEND_ERROR "${source} is compiled nowhere: add ${name} to ${owner}/CMakeLists.txt")
+        endif()
+    endforeach()
+endfunction()
+
+# Every header compiles alone: the target all_verify_interface_header_sets, which is no part of a build, compiles each
+# as any source is compiled.
+function(kemba_check_headers)
+    foreach(folder IN LISTS ARGN)
+        file(GLOB_RECURSE found ${folder}/*.h)
+        list(APPEND headers ${found})
+    endforeach()
+    add_library(kemba_headers INTERFACE)
+    target_sources(kemba_headers INTERFACE FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${headers})
+    target_include_directories(kemba_headers INTERFACE ${PROJECT_BINARY_DIR}/resources)
+    target_link_libraries(kemba_headers INTERFACE kemba_options contract $<TARGET_NAME_IF_EXISTS:GTest::gtest>)
+    set_target_properties(kemba_headers PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
+endfunction()
+
+# Both for the folders that the present one adds. A build looks again when a file has come to one of them or left it.
+function(kemba_check_tree)
+    get_property(folders DIRECTORY PROPERTY SUBDIRECTORIES)
+    list(FILTER folders INCLUDE REGEX "^${PROJECT_SOURCE_DIR}/")
+    list(TRANSFORM folders APPEND "/*" OUTPUT_VARIABLE everything)
+    file(GLOB_RECURSE subfolders LIST_DIRECTORIES true ${everything})
+    list(FILTER subfolders EXCLUDE REGEX "\\.[A-Za-z]+$")
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${folders} ${subfolders})
+    foreach(folder IN LISTS folders)
+        kemba_check_sources(${folder})
+    endforeach()
+    kemba_check_headers(${folders})
+endfunction()
