@@ -17,7 +17,8 @@ add_custom_command(
     VERBATIM)
 add_custom_command(
     OUTPUT ${contract_folder}/DriverAutomation.tlb
-    COMMAND ${WIDL} --win64 -t -T DriverAutomation.tlb -I ${KEMBA_IDL_INCLUDE} -L ${KEMBA_IDL_LIBRARY} ${contract_source}
+    COMMAND ${WIDL} --win64 -t -T DriverAutomation.tlb -I ${KEMBA_IDL_INCLUDE} -L ${KEMBA_IDL_LIBRARY}
+        ${contract_source}
     WORKING_DIRECTORY ${contract_folder}
     DEPENDS ${contract_source}
     COMMENT "Compiling the automation contract (type library)"

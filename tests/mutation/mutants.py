@@ -1,7 +1,7 @@
 """Makes mutants of C++ sources: small changes of the text that a good test notices.
 
 A tokenizer that knows comments, texts and the preprocessor, and clang-format's layout: a binary operator stands between
-blanks, a template's angle bracket never does. It needs no compiler: what does not compile shows itself when it is built.
+blanks, a template's angle bracket never does. It needs no compiler: what does not compile shows itself when built.
 """
 
 import re
@@ -136,7 +136,8 @@ class Source:
             return "namespace"
         if before.text == "]":  # a lambda without parameters, or an array
             opening = self.match[index - 1]
-            lambda_ = opening == 0 or self.tokens[opening - 1].kind == "op" and not self.is_op(opening - 1, "]", ">", ")")
+            lambda_ = opening == 0 or \
+                self.tokens[opening - 1].kind == "op" and not self.is_op(opening - 1, "]", ">", ")")
             return "block" if lambda_ else "list"
         if before.kind == "id" or before.text == ">":
             if "enum" in head:

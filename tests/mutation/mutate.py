@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Mutation testing: makes small changes in the programs' sources and sees whether a test notices; see docs/mutation.md."""
+"""Mutation testing: makes small changes in the programs' sources and sees if a test notices; see docs/mutation.md."""
 
 import argparse
 import hashlib
@@ -139,7 +139,8 @@ def run(chosen, texts, jobs, results, quota):
                 return
             for mutant in batch:
                 waiting[folder_of(mutant)].remove(mutant)
-            for row in judged(sorted(batch, key=lambda one: (one.file, one.start)), texts, benches, reach, tests, results):
+            batch.sort(key=lambda one: (one.file, one.start))
+            for row in judged(batch, texts, benches, reach, tests, results):
                 if row["status"] != "stillborn":
                     counted[row["id"].split("/")[0]] += 1
     finally:

@@ -129,7 +129,8 @@ class Statements(unittest.TestCase):
         self.assertEqual(made(in_function("return S_OK;"), "result"), [])
 
     def test_members_and_functions_in_classes_are_told_apart(self):
-        text = "class A : public B<C> {\n  public:\n    int F() const { return m_a; }\n\n  private:\n    int m_a = 0;\n};\n"
+        text = ("class A : public B<C> {\n  public:\n    int F() const { return m_a; }\n\n"
+                "  private:\n    int m_a = 0;\n};\n")
         self.assertEqual(made(text), ["m_a -> {}", "0 -> 1"])
 
     def test_constructors_with_initialisers_have_bodies(self):
@@ -142,7 +143,8 @@ class Statements(unittest.TestCase):
 class NotCode(unittest.TestCase):
     def test_declarations_alone_have_no_mutants(self):
         text = ('#pragma once\nextern "C" {\n}\nnamespace a {\ntemplate<int N = 3> class B;\n'
-                "struct C {\n    virtual void F() = 0;\n    C() = default;\n    [[nodiscard(\"x\")]] bool operator<(const C&);\n"
+                "struct C {\n    virtual void F() = 0;\n    C() = default;\n"
+                "    [[nodiscard(\"x\")]] bool operator<(const C&);\n"
                 "};\nstatic_assert(sizeof(int) == 4, \"four\");\nusing D = E<5>;\n} // namespace a\n")
         self.assertEqual(made(text), [])
 

@@ -1,4 +1,4 @@
-"""Where mutants are built and tested: builds of their own, Wine prefixes of their own, and which test reaches which line."""
+"""Where mutants are built and tested: builds and Wine prefixes of their own, and which test reaches which line."""
 
 import hashlib
 import json
@@ -184,7 +184,8 @@ class Build:
         wanted = {suite.split()[1].split("/")[1 if suite.split()[1].count("/") else 0] for suite in suites}
         inputs = []
         for path in re.findall(r"(?<= )[^ ]+\.(?:obj|res|a)(?= )", command):
-            source = self.source / re.sub(r"CMakeFiles/[^/]+\.dir/", "", path.removesuffix(".obj")).replace("__/", "../")
+            relative = re.sub(r"CMakeFiles/[^/]+\.dir/", "", path.removesuffix(".obj")).replace("__/", "../")
+            source = self.source / relative
             tests = set(re.findall(r"^TEST(?:_F|_P)?\((\w+)", source.read_text(), re.MULTILINE)) \
                 if path.startswith("tests/") and source.suffix == ".cpp" and source.exists() else set()
             if tests and not tests & wanted:
