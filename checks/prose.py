@@ -1,0 +1,84 @@
+#!/usr/bin/env python3
+"""Looks for lines that are too long to read, and for what the pages name and the tree does not have; silent without."""
+
+import re
+import sys
+from pathlib import Path
+
+COLUMNS = 120
+SCRIPTS = ("dev", ".ci/run", "cmake/run-wine", "cmake/start-wine")
+ENDINGS = (".cmake", ".cpp", ".def", ".h", ".idl", ".in", ".md", ".py", ".rc", ".txt")
+CATALOGUE = "KEMBA[ENU].TXT"  # content, not prose
+FOREIGN = ("DsDriver", "DsSpooler", "PascalCase")  # names that stand in the pages alone
+
+
+def files_of(root):
+    """The path below the root of each file that people read, the catalogue's too, and its text."""
+    for path in sorted(root.rglob("*")):
+        name = path.relative_to(root).as_posix()
+        if name.split("/")[0] not in ("build", ".git") and \
+                (name in SCRIPTS or path.suffix in ENDINGS or path.name == CATALOGUE):
+            yield name, path.read_text(encoding="utf-8")
+
+
+def long_lines(name, text):
+    """Tables, and links alone in their lines, cannot be wrapped."""
+    for number, line in enumerate(text.splitlines(), 1):
+        table = name.endswith(".md") and re.match(r"\||(- )?\[[^]]*\](\(\S+\)|: \S+)$", line)
+        if len(line) > COLUMNS and not table:
+            yield f"{name}:{number}: is {len(line)} columns wide; {COLUMNS} is the most"
+
+
+def named_in(page):
+    """What stands between backticks, with its line; code blocks are left out."""
+    prose = re.sub(r"(?ms)^```.*?^```", lambda block: "\n" * block[0].count("\n"), page)
+    for match in re.finditer(r"`([^`\n]+)`", prose):
+        yield prose.count("\n", 0, match.start()) + 1, match[1]
+
+
+def is_missing(name, root, sources):
+    """Whether a page's `name` is a path, a verb, a test or a name in the code that is not there."""
+    if path := re.fullmatch(r"[\w.\[\]-]*(/[\w.\[\]-]+)*(/|\.(h|cpp|idl|md|py|cmake|txt|TXT))", name):
+        if name.startswith("build/") or re.search(r"(\b|_)Name(Tests)?\.", name):  # made, or whatever it is called
+            return False
+        beside = not path[1] and any(file.rsplit("/", 1)[-1] == name for file in sources)
+        return not (root / name).exists() and not beside
+    if verb := re.match(r"\./dev ([a-z]+)((?: [a-z]+)*)", name):
+        checks = verb[2].split() if verb[1] == "check" else []
+        return any(f"\n{function}() {{" not in sources["dev"]
+                   for function in [f"verb_{verb[1]}", *(f"check_{check}" for check in checks)])
+    text = "\n".join(sources.values())
+    if test := re.fullmatch(r"([A-Z]\w+)\.([A-Z]\w+)", name):
+        return name not in text and not re.search(rf"\(\s*{test[1]},\s*{test[2]}\b", text)
+    return bool(re.fullmatch(r"[A-Z]\w*[a-z]\w*[A-Z]\w*", name)) and name not in FOREIGN and \
+        not re.search(rf"\b{name}\b", text)
+
+
+def anchors_of(page):
+    return {re.sub(r"[^\w -]", "", title.lower()).replace(" ", "-") for title in re.findall(r"(?m)^#+ (.+)$", page)}
+
+
+def bad_links(name, page, root):
+    for match in re.finditer(r"\]\(([^):#]*)(?:#([^)]*))?\)", page):
+        target = (root / name).parent / match[1] if match[1] else root / name
+        if not target.exists() or match[2] and match[2] not in anchors_of(target.read_text(encoding="utf-8")):
+            yield f"{name}:{page.count(chr(10), 0, match.start()) + 1}: leads nowhere: {match[0][1:]}"
+
+
+def problems(root):
+    files = dict(files_of(root))
+    sources = {name: text for name, text in files.items() if not name.startswith("checks/") and name[-3:] != ".md"}
+    for name, text in files.items():
+        if not name.endswith(CATALOGUE):
+            yield from long_lines(name, text)
+        if name.endswith(".md"):
+            yield from bad_links(name, text, root)
+            for number, word in named_in(text):
+                if is_missing(word, root, sources):
+                    yield f"{name}:{number}: names {word}, which is not there"
+
+
+if __name__ == "__main__":
+    found = list(problems(Path(__file__).resolve().parent.parent))
+    print("\n".join(found), end="\n" if found else "", file=sys.stderr)
+    sys.exit(bool(found))

@@ -1,0 +1,93 @@
+#!/usr/bin/env python3
+"""Tests of the checks beside this file: python3 checks/test_checks.py"""
+
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+sys.dont_write_bytecode = True
+
+import layers
+import prose
+
+ARROWS = ["cli --> messages", "messages --> core", "cli -.-> base", "base --> core"]
+INCLUDES = {"cli/a.cpp": "messages/x.h", "cli/b.cpp": "base/x.h", "messages/x.h": "core/x.h", "base/x.h": "core/x.h",
+            "core/x.h": "windows.h"}
+
+
+def made(files):
+    """A folder with these files, gone with its owner."""
+    folder = tempfile.TemporaryDirectory()
+    for name, text in files.items():
+        path = Path(folder.name, name)
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_text(text, encoding="utf-8")
+    return folder
+
+
+class Layers(unittest.TestCase):
+    def said(self, arrows=(), without=(), **includes):
+        drawn = [arrow for arrow in [*ARROWS, *arrows] if arrow not in without]
+        picture = "# Page\n\n```mermaid\nflowchart TD\n" + "".join(f"    {arrow}\n" for arrow in drawn) + "```\n"
+        with made({name: f'#include "{header}"\n' for name, header in (INCLUDES | includes).items()}) as root:
+            return list(layers.problems(*layers.read_includes(Path(root)), layers.read_picture(picture)))
+
+    def test_nothing_is_said_of_a_picture_that_fits(self):
+        self.assertEqual(self.said(**{"cli/c.cpp": "core/x.h", "build/z.h": "cli/a.cpp"}), [])
+
+    def test_an_include_needs_a_way_of_arrows(self):
+        for header in ("messages/x.h", "../messages/x.h"):
+            self.assertEqual(self.said(**{"core/b.cpp": header}), [
+                "core/b.cpp:1: includes messages/x.h, but docs/architecture.md draws no way from core to messages"])
+
+    def test_nothing_lies_behind_a_dotted_arrow(self):
+        self.assertEqual(len(self.said(without=["cli --> messages"], **{"cli/a.cpp": "core/x.h"})), 1)
+
+    def test_an_arrow_needs_an_include_and_adds_to_the_others(self):
+        self.assertIn("docs/architecture.md:9: nothing in messages includes a header of base",
+                      self.said(["messages --> base"]))
+        self.assertEqual(self.said(["cli --> core"], **{"cli/c.cpp": "core/x.h"}),
+                         ["docs/architecture.md:9: cli comes to core without this arrow as well"])
+
+    def test_arrows_make_no_circle(self):
+        self.assertIn("docs/architecture.md:9: the arrow from core to cli closes a circle",
+                      self.said(["core --> cli"], **{"core/y.h": "cli/a.h", "cli/a.h": "windows.h"}))
+
+    def test_picture_and_tree_have_the_same_folders(self):
+        self.assertEqual(self.said(**{"bench/x.cpp": "windows.h"}), ["docs/architecture.md: the picture has no bench"])
+        self.assertIn("docs/architecture.md: the picture has gone, where no C++ source is", self.said(["cli --> gone"]))
+
+    def test_an_arrow_that_cannot_be_read_is_told(self):
+        with self.assertRaisesRegex(SystemExit, "docs/architecture.md:9: is no arrow"):
+            self.said(["cli-->core"])
+
+
+class Prose(unittest.TestCase):
+    SOURCES = {"dev": "\nverb_check() {\n}\n\ncheck_layout() {\n}\n", "core/OText.h": "class OText;\n",
+               "tests/core/OTextTests.cpp": "TEST_F(OText,\n       IsEmpty) {}\n"}
+
+    def said(self, page):
+        with made(self.SOURCES | {"docs/page.md": page}) as root:
+            return [line.split(": ", 1)[1] for line in prose.problems(Path(root))]
+
+    def test_lines_are_no_wider_than_said(self):
+        self.assertEqual(self.said("x" * 120 + "\n|" + "x" * 120 + "\n- [x](https://" + "x" * 120 + ")\n"), [])
+        self.assertEqual(self.said("x" * 121), ["is 121 columns wide; 120 is the most"])
+
+    def test_what_is_there_may_be_named(self):
+        self.assertEqual(self.said("`core/` `core/OText.h` `OText.h` `OText.IsEmpty` `./dev check layout` `/p` `a b.h` "
+                                   "`build/x.h` `Command_Name.h`\n```\n`core/Gone.h`\n```\n"), [])
+
+    def test_what_is_not_there_is_told(self):
+        for name in ("gone/", "core/Gone.h", "Gone.h", "OText.IsGone", "GoneText", "./dev gone", "./dev check gone"):
+            self.assertEqual(self.said(f"`{name}`"), [f"names {name}, which is not there"])
+
+    def test_links_lead_somewhere(self):
+        self.assertEqual(self.said("# A page's `title`\n[a](#a-pages-title) [b](../dev) [c](https://x.org/y)\n"), [])
+        for link in ("(#gone)", "(gone.md)", "(page.md#gone)"):
+            self.assertEqual(self.said(f"[a]{link}"), [f"leads nowhere: {link}"])
+
+
+if __name__ == "__main__":
+    unittest.main()
