@@ -55,12 +55,16 @@ def read_includes(root):
     return {folder_of(name) for name in paths}, includes
 
 
-def problems(folders, includes, arrows):
-    """What the code and the picture say differently, a line each."""
+def problems(folders, includes, page):
+    """What the code and the page say differently, a line each."""
+    arrows = read_picture(page)
     drawn = {folder for arrow in arrows for folder in arrow}
     for folder in sorted(folders ^ drawn):
         yield f"{PICTURE}: the picture has no {folder}" if folder in folders else \
               f"{PICTURE}: the picture has {folder}, where no C++ source is"
+    for folder in sorted(folders & drawn):
+        if f"\n| `{folder}/` |" not in page:
+            yield f"{PICTURE}: the table has no row for {folder}"
     ways = {folder: folders_from(folder, arrows) for folder in drawn}
     for (source, target), (number, dotted) in arrows.items():
         others = {arrow: row for arrow, row in arrows.items() if arrow != (source, target)}
@@ -78,6 +82,6 @@ def problems(folders, includes, arrows):
 
 if __name__ == "__main__":
     base = Path(__file__).resolve().parent.parent
-    found = list(problems(*read_includes(base), read_picture((base / PICTURE).read_text(encoding="utf-8"))))
+    found = list(problems(*read_includes(base), (base / PICTURE).read_text(encoding="utf-8")))
     print("\n".join(found), end="\n" if found else "", file=sys.stderr)
     sys.exit(bool(found))

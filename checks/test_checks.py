@@ -27,11 +27,12 @@ def made(files):
 
 
 class Layers(unittest.TestCase):
-    def said(self, arrows=(), without=(), **includes):
+    def said(self, arrows=(), without=(), rows=("cli", "messages", "base", "core"), **includes):
         drawn = [arrow for arrow in [*ARROWS, *arrows] if arrow not in without]
         picture = "# Page\n\n```mermaid\nflowchart TD\n" + "".join(f"    {arrow}\n" for arrow in drawn) + "```\n"
+        table = "".join(f"| `{folder}/` | |\n" for folder in rows)
         with made({name: f'#include "{header}"\n' for name, header in (INCLUDES | includes).items()}) as root:
-            return list(layers.problems(*layers.read_includes(Path(root)), layers.read_picture(picture)))
+            return list(layers.problems(*layers.read_includes(Path(root)), picture + table))
 
     def test_nothing_is_said_of_a_picture_that_fits(self):
         self.assertEqual(self.said(**{"cli/c.cpp": "core/x.h", "build/z.h": "cli/a.cpp"}), [])
@@ -57,6 +58,10 @@ class Layers(unittest.TestCase):
     def test_picture_and_tree_have_the_same_folders(self):
         self.assertEqual(self.said(**{"bench/x.cpp": "windows.h"}), ["docs/architecture.md: the picture has no bench"])
         self.assertIn("docs/architecture.md: the picture has gone, where no C++ source is", self.said(["cli --> gone"]))
+
+    def test_every_folder_is_described(self):
+        self.assertEqual(self.said(rows=("cli", "base", "core")),
+                         ["docs/architecture.md: the table has no row for messages"])
 
     def test_an_arrow_that_cannot_be_read_is_told(self):
         with self.assertRaisesRegex(SystemExit, "docs/architecture.md:9: is no arrow"):
