@@ -7,9 +7,8 @@
 namespace kemba {
 namespace {
 
-/// The option's letter in lower case, or 0 for a word that is no option. Only the word's second character
-/// counts, so
-/// "/printer" is "/p" too.
+/// The option's letter in lower case, or 0 for a word that is no option. Only the second character
+/// counts, so "/printer" is "/p" too.
 wchar_t OptionLetter(const OString& word) {
     const wchar_t* const text = word.Wide();
     if (text[0] != L'/' && text[0] != L'-') {

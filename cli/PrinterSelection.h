@@ -9,7 +9,7 @@
 namespace kemba {
 
 /// Fills `names` with all printers, the named ones that exist, or the default one. Unknown names are reported
-/// on `console`; so is it, and false returned, when no printer is left.
+/// on `console`. When no printer is left, that is reported too, and the result is false.
 bool SelectPrinters(const ApplicationSettings& settings, OStringArray& names, ConsoleOutput& console);
 
 /// The name of the system's default printer, or an empty text.

@@ -17,7 +17,7 @@
 
 namespace OCore {
 
-/// For who cannot go on without an element: throws std::bad_alloc when the growth did not succeed.
+/// For callers that cannot go on without the element: throws std::bad_alloc when the growth did not succeed.
 inline void RequireMemory(bool succeeded) {
     if (!succeeded) {
         throw std::bad_alloc();

@@ -19,7 +19,7 @@ inline constexpr UINT kAbnormalEnd = 3;
 
 /// For the first line of a program that links kemba_program_end. Until then each failing allocation ends the
 /// process, because the start-up code of the runtime looks at none of its own; from then on it is the
-/// business of who asked.
+/// caller's business.
 void BeginProgram();
 
 } // namespace OCore

@@ -9,7 +9,7 @@ namespace OCore {
 
 /// From now on the process finds libraries that are asked for by name alone in the system's folder, not
 /// beside the program, in the current folder or along the path; folders that somebody adds on purpose count
-/// as well. For the first line of a program. Systems that do not know how (Windows Vista and 7 without update
+/// as well. For the first line of a program. Systems without that call (Windows Vista and 7 without update
 /// KB2533623) keep their search; what this program itself imports comes from the system's folder there too.
 void TakeLibrariesFromTheSystemOnly();
 

@@ -28,7 +28,7 @@ void ServeUntilUnused(UseCount& uses, ClassOffer& classes, const ServerTimes& ti
     classes.Show();
     for (;;) {
         const UseCount::State unused = WaitUntilUnused(uses, times);
-        // First nobody finds the classes any more, then those are waited for who found them just before.
+        // Hidden first, so that nobody finds them; then clients that found them just before are awaited.
         classes.Hide();
         if (uses.WaitForChange(unused, times.settle) == unused && uses.TryEnd(unused)) {
             return;

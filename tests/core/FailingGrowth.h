@@ -1,7 +1,7 @@
 // A shortage of memory for what grows in place.
 #pragma once
 
-/// While it lives, one reallocation of this program fails: the `which`th, counted from 1. One at a time.
+/// While it lives, one reallocation of this program fails: number `which`, counted from 1. One at a time.
 class FailingGrowth {
   public:
     explicit FailingGrowth(int which);

@@ -7,8 +7,7 @@
 //     KEMBA_FUZZ_CASES     how many cases each target runs; without it a short run
 //     KEMBA_FUZZ_SEED      the seed, 1 without it
 //     KEMBA_FUZZ_ONLY      the number of the one case to run; it says its input, statement by statement
-//     KEMBA_FUZZ_PATIENCE  seconds, 60 without it; a case that takes longer, up to twice as long, does not
-//     end
+//     KEMBA_FUZZ_PATIENCE  seconds, 60 without it: after these, or twice as many, a case does not end
 //
 // A case that fails, crashes or does not end is told by target, seed and number, and is run once more to say
 // its input. To repeat it, from the folder of the sources:

@@ -31,7 +31,7 @@ struct Answer {
 struct Occasion {
     std::wstring printer; ///< what the object is bound to; empty when it is not
     int object = 0;       ///< the object's number
-    int call = 0;         ///< the how-manieth call of this operation on this object, from 1
+    int call = 0;         ///< which call of this operation on this object it is, from 1
 };
 
 /// One line of the script. Its conditions narrow it, all of them apply; without any it holds for every call.
@@ -46,7 +46,7 @@ class Rule {
     Rule& ForPrinter(std::wstring name);
     /// Only for the object of this number.
     Rule& ForObject(int number);
-    /// Only for the how-manieth call of the operation on an object, from 1.
+    /// Only for that call of the operation on an object, counted from 1.
     Rule& ForCall(int number);
 
     bool Matches(std::string_view target, const Occasion& occasion) const;

@@ -11,7 +11,7 @@ from collections import Counter, namedtuple
 Token = namedtuple("Token", "kind text start end")
 
 # file:line:operator:n names a mutant in a report; (file, text, occurrence, operator, n) finds it again after the lines
-# have moved: the line's text, the how manieth line of that text, and the how manieth change of that operator on it.
+# have moved: the line's text, which of the lines of that text it is, and which change of that operator on it.
 # regions are ranges of lines, innermost first: whoever ran none of the first that has code did not reach the mutant.
 Mutant = namedtuple("Mutant", "file line operator n text occurrence start end before after regions")
 

@@ -64,7 +64,7 @@ bool MaySend(int printer, int client);
 std::wstring FilePortPath(const std::wstring& folder, int printer);
 inline constexpr wchar_t kPortLock[] = L"kemba soak port";
 
-/// A job: which client's, for which printer, the how manyth.
+/// A job: which client's, for which printer, and its number.
 struct SoakJob {
     int client = 0;
     int printer = 0;

@@ -13,7 +13,7 @@ inline constexpr char kBoardVariable[] = "KEMBA_SHORTAGE_BOARD";   ///< name of 
 /// One run; zero-filled to begin with, but for the point. It is written while the run goes on, so that it
 /// holds however that ends.
 struct Record {
-    LONG firstRefused; ///< the how-manieth allocation is the first to fail, from 1; 0: none fails
+    LONG firstRefused; ///< which allocation is the first to fail, from 1; 0: none fails
     LONG isLasting;    ///< all that follow fail too
 
     LONG allocations;         ///< asked for so far

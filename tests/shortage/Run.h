@@ -12,7 +12,7 @@ using Words = std::vector<std::wstring>;
 
 /// Which allocations fail.
 struct Point {
-    long first = 0;     ///< the how-manieth is the first to fail, from 1; 0: none fails
+    long first = 0;     ///< which allocation is the first to fail, from 1; 0: none fails
     bool lasts = false; ///< all that follow fail too
 
     bool operator==(const Point&) const = default;

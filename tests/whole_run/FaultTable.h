@@ -19,7 +19,7 @@ struct Step {
     std::string className; ///< "DriverAutomation" for one
     int object = 0;        ///< its number
     std::string event;     ///< "new", "Run", "QueryInterface", or the called operation's name
-    int call = 0;          ///< the how-manieth such step of the object, from 1
+    int call = 0;          ///< which such step of the object it is, from 1
     bool isCall = false;
     std::string shown; ///< the line without the numbers of objects
 
