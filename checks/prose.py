@@ -36,13 +36,18 @@ def named_in(page):
         yield prose.count("\n", 0, match.start()) + 1, match[1]
 
 
+def lacks_path(word, root, sources):
+    """Whether the word is a path below the root, or a file's name alone, that is not there."""
+    path = re.fullmatch(r"[\w.\[\]-]*(/[\w.\[\]-]+)*(/|\.(h|cpp|idl|md|py|cmake|txt|TXT))", word)
+    if not path or word.startswith("build/") or re.search(r"(\b|_)Name(Tests)?\.", word):  # made, or named as you like
+        return False
+    return not (root / word).exists() and (path[1] or all(file.rsplit("/", 1)[-1] != word for file in sources))
+
+
 def is_missing(name, root, sources):
-    """Whether a page's `name` is a path, a verb, a test or a name in the code that is not there."""
-    if path := re.fullmatch(r"[\w.\[\]-]*(/[\w.\[\]-]+)*(/|\.(h|cpp|idl|md|py|cmake|txt|TXT))", name):
-        if name.startswith("build/") or re.search(r"(\b|_)Name(Tests)?\.", name):  # made, or whatever it is called
-            return False
-        beside = not path[1] and any(file.rsplit("/", 1)[-1] == name for file in sources)
-        return not (root / name).exists() and not beside
+    """Whether a page's `name` has a path in it, or is a verb, a test or a name in the code, that is not there."""
+    if any(lacks_path(word, root, sources) for word in name.split()):
+        return True
     if verb := re.match(r"\./dev ([a-z]+)((?: [a-z]+)*)", name):
         checks = verb[2].split() if verb[1] == "check" else []
         return any(f"\n{function}() {{" not in sources["dev"]

@@ -81,11 +81,12 @@ class Prose(unittest.TestCase):
         self.assertEqual(self.said("x" * 121), ["is 121 columns wide; 120 is the most"])
 
     def test_what_is_there_may_be_named(self):
-        self.assertEqual(self.said("`core/` `core/OText.h` `OText.h` `OText.IsEmpty` `./dev check layout` `/p` `a b.h` "
+        self.assertEqual(self.said("`core/` `core/OText.h` `OText.h` `OText.IsEmpty` `./dev check layout` `/p` `a b` "
                                    "`build/x.h` `Command_Name.h`\n```\n`core/Gone.h`\n```\n"), [])
 
     def test_what_is_not_there_is_told(self):
-        for name in ("gone/", "core/Gone.h", "Gone.h", "OText.IsGone", "GoneText", "./dev gone", "./dev check gone"):
+        for name in ("gone/", "core/Gone.h", "Gone.h", "OText.IsGone", "GoneText", "run core/Gone.h", "./dev gone",
+                     "./dev check gone"):
             self.assertEqual(self.said(f"`{name}`"), [f"names {name}, which is not there"])
 
     def test_links_lead_somewhere(self):
