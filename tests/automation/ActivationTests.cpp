@@ -8,6 +8,8 @@
 #include "automation/Activation.h"
 #include "tests/kit/FakeServer.h"
 
+using namespace kit;
+
 namespace {
 
 using kemba::Activate;
@@ -19,8 +21,6 @@ using kemba::ComError;
 using kemba::ComPtr;
 using kemba::OwnedBstr;
 using kemba::OwnedVariant;
-using kit::FakeClass;
-using kit::Lines;
 
 /// The failure of `work`, as a test looks at it.
 struct Failure {
@@ -54,7 +54,7 @@ class Activation : public testing::Test {
   protected:
     void TearDown() override { EXPECT_EQ(server.Faults(), Lines{}); }
 
-    kit::FakeServer server;
+    FakeServer server;
 };
 
 TEST_F(Activation, CreatesRunsAndAsksForTheInterfaceInThisOrder) {
@@ -143,7 +143,7 @@ TEST_F(Activation, AFailedCallCarriesTheServersInformation) {
 
 TEST_F(Activation, InformationIsTakenOnlyFromAnObjectThatSupportsItForTheInterface) {
     server.Fail("IDriverAutomation.GetComment", E_FAIL).WithInformation(L"Driver", L"Out of paper");
-    for (const auto support : {kit::ErrorInfoSupport::No, kit::ErrorInfoSupport::Absent}) {
+    for (const auto support : {ErrorInfoSupport::No, ErrorInfoSupport::Absent}) {
         server.SupportErrorInfo(support);
         const Failure failure =
             FailureOf([] { CallForText(ActivateForPrinter(L"Label A"), &IDriverAutomation::GetComment); });

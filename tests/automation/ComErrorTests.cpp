@@ -11,6 +11,8 @@
 #include "automation/Owners.h"
 #include "tests/kit/Holdings.h"
 
+using namespace kit;
+
 namespace {
 
 using kemba::ComError;
@@ -70,8 +72,8 @@ TEST(ComError, TheTextIsMadeOnceAndKept) {
 
 TEST(ComError, ANumberWithoutTheMemoryForItsTextIsToldByAnException) {
     static bool refused = false;
-    kit::WatchHoldings(GetModuleHandleW(nullptr),
-                       [](const char* call) { return !refused || std::string_view(call) != "LocalAlloc"; });
+    WatchHoldings(GetModuleHandleW(nullptr),
+                  [](const char* call) { return !refused || std::string_view(call) != "LocalAlloc"; });
     const ComError error(static_cast<HRESULT>(0x80041234));
     refused = true;
     EXPECT_THROW(error.GetMessageText(), std::bad_alloc);

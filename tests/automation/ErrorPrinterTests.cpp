@@ -9,6 +9,8 @@
 #include "automation/Owners.h"
 #include "tests/kit/StdoutCapture.h"
 
+using namespace kit;
+
 namespace {
 
 using kemba::ComError;
@@ -19,7 +21,7 @@ const std::string kErrorLines = "*** COM Exception ***\r\nError: IDispatch error
 
 std::string Printed(const ComError& error, bool quiet = false) {
     ConsoleOutput console(quiet);
-    kit::StdoutCapture capture;
+    StdoutCapture capture;
     kemba::PrintComError(console, error);
     return capture.Finish();
 }

@@ -14,12 +14,13 @@
 #include "demo/WinePrinters.h"
 #include "tests/cli/Console.h"
 
+using namespace kit;
+
 namespace {
 
 using kemba::ApplicationSettings;
 using kemba::Arguments;
 using kemba::Command_Base;
-using kemba_tests::CapturedConsole;
 
 static_assert(std::has_virtual_destructor_v<Command_Base>);
 

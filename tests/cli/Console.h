@@ -6,7 +6,7 @@
 #include "messages/ConsoleOutput.h"
 #include "tests/kit/StdoutCapture.h"
 
-namespace kemba_tests {
+namespace kit {
 
 /// Captures from construction until `Output`.
 class CapturedConsole {
@@ -17,7 +17,7 @@ class CapturedConsole {
   private:
     bool m_quiet = false;
     ConsoleOutput m_console{m_quiet};
-    kit::StdoutCapture m_capture;
+    StdoutCapture m_capture;
 };
 
-} // namespace kemba_tests
+} // namespace kit

@@ -8,13 +8,14 @@
 #include "cli/Dispatcher.h"
 #include "tests/cli/Console.h"
 
+using namespace kit;
+
 namespace {
 
 using kemba::ApplicationSettings;
 using kemba::Command_Base;
 using kemba::CommandRow;
 using kemba::MakeCommand;
-using kemba_tests::CapturedConsole;
 using Words = std::vector<std::wstring>;
 
 /// What the commands of these tests leave behind.

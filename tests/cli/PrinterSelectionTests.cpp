@@ -13,11 +13,12 @@
 #include "demo/WinePrinters.h"
 #include "tests/cli/Console.h"
 
+using namespace kit;
+
 namespace {
 
 using kemba::ApplicationSettings;
 using kemba::DefaultPrinterName;
-using kemba_tests::CapturedConsole;
 using Names = std::vector<std::wstring>;
 
 struct Selection {

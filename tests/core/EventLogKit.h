@@ -11,6 +11,8 @@
 #include "tests/core/SystemCallsPreset.h"
 #include "tests/kit/RegistryPreset.h"
 
+namespace kit {
+
 /// Stops the clock; it shows what it is told to, until the end of its scope.
 class StoppedClock {
   public:
@@ -45,3 +47,5 @@ class StoredMask : public RegistryPreset {
 
     OString m_source;
 };
+
+} // namespace kit

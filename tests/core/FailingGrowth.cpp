@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+namespace kit {
 namespace {
 
 int remaining = 0; // 0: nothing is to fail
@@ -30,3 +31,5 @@ FailingGrowth::~FailingGrowth() {
 bool FailingGrowth::HasFailed() const {
     return remaining == 0;
 }
+
+} // namespace kit

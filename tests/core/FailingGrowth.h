@@ -1,6 +1,8 @@
 // A shortage of memory for what grows in place.
 #pragma once
 
+namespace kit {
+
 /// While it lives, one reallocation of this program fails: number `which`, counted from 1. One at a time.
 class FailingGrowth {
   public:
@@ -11,3 +13,5 @@ class FailingGrowth {
 
     bool HasFailed() const;
 };
+
+} // namespace kit

@@ -11,6 +11,8 @@
 #include "tests/kit/AtOnce.h"
 #include "tests/kit/RegistryPreset.h"
 
+using namespace kit;
+
 namespace {
 
 constexpr int kThreads = 8;
@@ -18,7 +20,7 @@ constexpr int kThreads = 8;
 TEST(FirstUse, OfTheSystemCallsGivesAllThreadsTheSame) {
     std::array<OCore::SystemCalls*, kThreads> calls{};
     std::atomic<int> wrong{0};
-    kit::AtOnce(kThreads, [&](int thread) {
+    AtOnce(kThreads, [&](int thread) {
         calls[static_cast<std::size_t>(thread)] = &OCore::TheSystemCalls();
         wrong += OCore::TheSystemCalls().getTickCount64 == &::GetTickCount64 &&
                          OCore::TheSystemCalls().getDefaultPrinter != nullptr
@@ -37,7 +39,7 @@ TEST(FirstUse, OfTheRegistrysAliasesFindsTheValueInEveryThread) {
     value.Set(RegistryData::OfText(L"found"));
     const std::wstring path = L"LOCAL:Kemba first use " + std::to_wstring(GetCurrentProcessId());
     std::atomic<int> found{0};
-    kit::AtOnce(kThreads, [&](int) {
+    AtOnce(kThreads, [&](int) {
         found += ORegistry().ReadString(path.c_str(), L"missing") == OString(L"found") ? 1 : 0;
     });
     EXPECT_EQ(found, kThreads);

@@ -16,6 +16,8 @@
 #include "tests/kit/KeyRights.h"
 #include "tests/kit/RegistryPreset.h"
 
+using namespace kit;
+
 namespace {
 
 constexpr std::size_t kLongest = 16; // bytes of a value

@@ -8,6 +8,8 @@
 #include "core/OSynchronizer.h"
 #include "tests/kit/AtOnce.h"
 
+using namespace kit;
+
 namespace {
 
 constexpr char kWord[] = "lock order: .* is taken while .* is held";
@@ -85,7 +87,7 @@ TEST(LockOrder, IsForgottenWithTheLock) {
 TEST(LockOrder, OfManyThreadsThatKeepToItIsFine) {
     OCriticalSection locks[5];
     int counter = 0;
-    kit::AtOnce(8, [&](int) {
+    AtOnce(8, [&](int) {
         for (int round = 0; round < 200; ++round) {
             for (int first = 0; first < 4; ++first) {
                 TakeBoth(locks[first], locks[4]);

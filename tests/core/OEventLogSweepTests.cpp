@@ -6,6 +6,8 @@
 #include "core/OEventLog.h"
 #include "tests/core/EventLogKit.h"
 
+using namespace kit;
+
 namespace {
 
 /// A log that asks and so refreshes and sweeps, beside a source that a test lets go of.

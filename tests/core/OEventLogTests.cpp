@@ -7,6 +7,8 @@
 #include "core/OEventLog.h"
 #include "tests/core/EventLogKit.h"
 
+using namespace kit;
+
 namespace {
 
 constexpr std::uint32_t kCommandLine = 0x10000000;

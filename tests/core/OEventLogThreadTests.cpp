@@ -12,6 +12,8 @@
 #include "tests/core/EventLogKit.h"
 #include "tests/kit/AtOnce.h"
 
+using namespace kit;
+
 namespace {
 
 constexpr int kThreads = 8;
@@ -35,7 +37,7 @@ TEST(OEventLogThreads, AnswerByOneOfTheMasksWhileTheValueChanges) {
     const OEventLog log(stored.GetSource());
     const OEventLog child(std::make_shared<OEventLog>(stored.GetSource()));
     std::atomic<int> wrong{0};
-    kit::AtOnce(kThreads, [&](int thread) {
+    AtOnce(kThreads, [&](int thread) {
         for (int round = 0; round < 400; ++round) {
             if (thread == 0) {
                 stored.SetMask(round % 2 == 0 ? 0x2 : 0x1);
@@ -57,7 +59,7 @@ TEST(OEventLogThreads, ThatAskFirstGetOneBaseOfASource) {
     const StoredMask stored;
     const std::wstring source = stored.GetSource().Wide();
     std::array<std::shared_ptr<OEventLogBase>, kThreads> bases;
-    kit::AtOnce(kThreads, [&](int thread) {
+    AtOnce(kThreads, [&](int thread) {
         bases[static_cast<std::size_t>(thread)] = OEventLogBase::Fetch(source.c_str());
     });
     ASSERT_TRUE(bases[0]);
@@ -78,7 +80,7 @@ TEST(OEventLogThreads, OpenAndCloseLogsOfManySourcesWhileOthersAreSweptOut) {
     }
     const RunningClock clock;
     std::atomic<int> wrong{0};
-    kit::AtOnce(kThreads, [&](int thread) {
+    AtOnce(kThreads, [&](int thread) {
         for (std::uint32_t round = 0; round < 300; ++round) {
             const std::uint32_t index = (static_cast<std::uint32_t>(thread) + round) % 4;
             const OEventLog log(OString(all[index]->GetSource().Wide()));

@@ -7,6 +7,8 @@
 #include "tests/core/TemporaryFile.h"
 #include "tests/core/VirtualSlots.h"
 
+using namespace kit;
+
 namespace {
 
 std::uint32_t WriteBytes(OFile& file, const std::string& bytes) {

@@ -6,6 +6,8 @@
 #include "core/OHashMap.h"
 #include "tests/core/FailingGrowth.h"
 
+using namespace kit;
+
 namespace {
 
 /// A key that is its own hash, but for a name that tells keys of one hash apart.

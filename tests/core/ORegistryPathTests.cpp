@@ -8,6 +8,8 @@
 #include "core/ORegistry.h"
 #include "tests/core/VirtualSlots.h"
 
+using namespace kit;
+
 namespace {
 
 struct Alias {

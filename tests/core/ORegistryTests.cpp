@@ -9,6 +9,8 @@
 #include "tests/kit/KeyRights.h"
 #include "tests/kit/RegistryPreset.h"
 
+using namespace kit;
+
 namespace {
 
 /// A key name that no other test has.

@@ -10,6 +10,8 @@
 #include "core/OStream.h"
 #include "tests/core/VirtualSlots.h"
 
+using namespace kit;
+
 namespace {
 
 using OCore::OStream;

@@ -6,6 +6,8 @@
 #include "core/OString.h"
 #include "tests/core/SystemCallsPreset.h"
 
+using namespace kit;
+
 namespace {
 
 constexpr std::uint32_t kWestern = 1252;

@@ -8,6 +8,8 @@
 #include "core/OString.h"
 #include "tests/kit/AtOnce.h"
 
+using namespace kit;
+
 namespace {
 
 constexpr int kThreads = 8;
@@ -33,7 +35,7 @@ TEST(OStringThreads, ReadTextsThatAreCopiedAndDestroyedMeanwhile) {
         wide.push_back(text.Wide());
     }
     std::atomic<int> wrong{0};
-    kit::AtOnce(kThreads, [&](int) {
+    AtOnce(kThreads, [&](int) {
         for (int round = 0; round < 40'000; ++round) {
             for (std::size_t index = 0; index < texts.size(); ++index) {
                 const OString copy = texts[index];
@@ -59,7 +61,7 @@ TEST(OStringThreads, ChangeTheirOwnCopiesOnly) {
         before.push_back(text.Wide());
     }
     std::atomic<int> wrong{0};
-    kit::AtOnce(kThreads, [&](int thread) {
+    AtOnce(kThreads, [&](int thread) {
         const std::wstring own(1, static_cast<wchar_t>(L'0' + thread));
         for (int round = 0; round < 400; ++round) {
             for (std::size_t index = 0; index < texts.size(); ++index) {

@@ -7,6 +7,8 @@
 #include "core/OSynchronizer.h"
 #include "tests/core/VirtualSlots.h"
 
+using namespace kit;
+
 namespace {
 
 /// Counts instead of locking.

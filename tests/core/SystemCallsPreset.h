@@ -3,6 +3,8 @@
 
 #include "core/SystemCalls.h"
 
+namespace kit {
+
 /// Puts the calls back as they were at the end of its scope.
 class SystemCallsPreset {
   public:
@@ -16,3 +18,5 @@ class SystemCallsPreset {
   private:
     OCore::SystemCalls m_before;
 };
+
+} // namespace kit

@@ -4,6 +4,8 @@
 #include <bit>
 #include <cstddef>
 
+namespace kit {
+
 /// The slot of a virtual operation, counted from the destructor as 1. A pointer to a virtual member holds the
 /// operation's offset in the table plus one, and this compiler gives the destructor two places.
 template<class Operation>
@@ -14,3 +16,5 @@ std::ptrdiff_t SlotOf(Operation operation) {
     };
     return (std::bit_cast<Parts>(operation).offsetPlusOne - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
 }
+
+} // namespace kit

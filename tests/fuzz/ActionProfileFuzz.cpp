@@ -9,9 +9,10 @@
 #include "substitute/base/Failure.h"
 #include "tests/fuzz/Fuzz.h"
 
+using namespace kit;
+
 namespace {
 
-using fuzz::Case;
 using Profile = std::map<LONG, std::string>;
 
 constexpr const char* kControls[] = {"NUL", "SOH", "STX", "ETX", "EOT", "ENQ", "ACK", "BEL",
@@ -21,7 +22,7 @@ constexpr const char* kControls[] = {"NUL", "SOH", "STX", "ETX", "EOT", "ENQ", "
 
 const std::map<std::string, LONG>& TheActions() {
     static const auto actions = [] {
-        const fuzz::OrdinaryHeap ordinary;
+        const OrdinaryHeap ordinary;
         return std::map<std::string, LONG>{
             {"test", 1},  {"blank", 2},           {"cut", 3},       {"feed", 4},
             {"reset", 7}, {"factorydefaults", 8}, {"calibrate", 9}, {"printconfiguration", 10}};
@@ -91,7 +92,7 @@ std::optional<std::string> BytesOf(const std::string& item) {
 }
 
 Profile Expected(std::string text) {
-    const fuzz::OrdinaryHeap ordinary;
+    const OrdinaryHeap ordinary;
     if (text.rfind("\xEF\xBB\xBF", 0) == 0) {
         text.erase(0, 3);
     }
@@ -169,7 +170,7 @@ std::string DrawItem(Case& input) {
 }
 
 std::string DrawText(Case& input) {
-    const fuzz::OrdinaryHeap ordinary;
+    const OrdinaryHeap ordinary;
     constexpr const char* kBlanks[] = {" ", " ", " ", "  ", "\t", ""};
     constexpr const char* kEnds[] = {"\n", "\n", "\r\n", "\r\r\n", "\r"};
     constexpr const char* kIndents[] = {"    ", " ", "\t"};
@@ -207,7 +208,7 @@ std::string DrawText(Case& input) {
 
 FUZZ_TARGET(ActionProfiles, 8000) {
     const std::string text = DrawText(input);
-    input.Say([&] { return "ParseActionProfile(" + fuzz::Literal(text) + "s, L\"p\");"; });
+    input.Say([&] { return "ParseActionProfile(" + Literal(text) + "s, L\"p\");"; });
     Profile expected;
     std::size_t refused = 0;
     try {
@@ -243,7 +244,7 @@ class RealKey {
 /// The folder that the value's text names: an absolute path without zeros but at its end. Anything else is
 /// refused.
 std::optional<std::wstring> ExpectedFolder(const std::wstring& text) {
-    const fuzz::OrdinaryHeap ordinary;
+    const OrdinaryHeap ordinary;
     const std::wstring folder = text.substr(0, text.find_last_not_of(L'\0') + 1);
     std::wstring plain = folder;
     std::replace(plain.begin(), plain.end(), L'/', L'\\');
@@ -267,7 +268,7 @@ FUZZ_TARGET(ProfileFolders, 60) {
     text += std::wstring(input.Below(3), L'\0');
     const DWORD type = input.OnceIn(6) ? static_cast<DWORD>(input.Below(12)) : REG_SZ;
     const RealKey key;
-    input.Say([&] { return "the value's text: " + fuzz::Literal(text) + ", type " + std::to_string(type); });
+    input.Say([&] { return "the value's text: " + Literal(text) + ", type " + std::to_string(type); });
     EXPECT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, key.Path(), L"ActionProfiles", type, text.data(),
                               static_cast<DWORD>(text.size() * sizeof(wchar_t))),
               ERROR_SUCCESS);

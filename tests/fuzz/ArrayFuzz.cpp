@@ -8,9 +8,9 @@
 #include "core/OArray.h"
 #include "tests/fuzz/Fuzz.h"
 
-namespace {
+using namespace kit;
 
-using fuzz::Case;
+namespace {
 
 /// Makes elements of the three kinds, and new empty ones.
 template<class T>

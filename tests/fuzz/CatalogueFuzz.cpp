@@ -9,9 +9,9 @@
 #include "tests/fuzz/Fuzz.h"
 #include "tests/fuzz/TextModel.h"
 
-namespace {
+using namespace kit;
 
-using fuzz::Case;
+namespace {
 
 struct Lookup : TextResource {
     using TextResource::FindSection;
@@ -49,10 +49,10 @@ std::wstring WithoutEnd(std::wstring text, const std::wstring& trimmed) {
 
 /// The section's body by the rules; a zero byte ends a line's text.
 std::wstring SectionOf(const std::string& catalogue, const std::wstring& key) {
-    const fuzz::OrdinaryHeap ordinary;
+    const OrdinaryHeap ordinary;
     std::vector<std::wstring> lines;
     for (const std::string& piece : PiecesOf(catalogue)) {
-        lines.push_back(fuzz::WideOf(piece.substr(0, piece.find('\0')), fuzz::kAnsi));
+        lines.push_back(WideOf(piece.substr(0, piece.find('\0')), kAnsi));
     }
     auto line = std::find_if(lines.begin(), lines.end(), [&](const std::wstring& candidate) {
         return Folded(WithoutEnd(candidate, L"\r\n")) == Folded(L"#" + key);
@@ -76,7 +76,7 @@ std::string DrawKey(Case& input) {
 }
 
 std::string DrawLine(Case& input) {
-    const fuzz::OrdinaryHeap ordinary;
+    const OrdinaryHeap ordinary;
     constexpr const char* kEnds[] = {"\r\n", "\r\n", "\n", "\r", "", "\r\r\n", " \r\n", "\t\r\n"};
     std::string line;
     switch (input.Below(8)) {
@@ -102,9 +102,9 @@ FUZZ_TARGET(Catalogues, 1500) {
     const std::vector<char> bytes(catalogue.begin(), catalogue.end());
     for (int look = 0; look < 2; ++look) {
         const std::string key = DrawKey(input);
-        input.Say([&] { return "Lookup()(" + fuzz::Literal(catalogue) + "s, " + fuzz::Literal(key) + ");"; });
+        input.Say([&] { return "Lookup()(" + Literal(catalogue) + "s, " + Literal(key) + ");"; });
         const OString found = Lookup().FindSection(bytes.data(), bytes.data() + bytes.size(), key.c_str());
-        EXPECT_EQ(found.Wide(), SectionOf(catalogue, fuzz::WideOf(key, fuzz::kAnsi)));
+        EXPECT_EQ(found.Wide(), SectionOf(catalogue, WideOf(key, kAnsi)));
     }
 }
 

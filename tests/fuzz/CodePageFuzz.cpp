@@ -8,6 +8,8 @@
 #include "tests/fuzz/Fuzz.h"
 #include "tests/fuzz/TextModel.h"
 
+using namespace kit;
+
 namespace {
 
 /// A code page, and units that it can hold: what the system makes of them comes back as they were.
@@ -25,14 +27,14 @@ BOOL CALLBACK Note(wchar_t* number) {
 
 bool ComesBack(wchar_t unit, UINT codePage) {
     const std::wstring units(1, unit);
-    const std::string bytes = fuzz::NarrowOf(units, codePage);
-    return !bytes.empty() && bytes.size() <= 2 && fuzz::WideOf(bytes, codePage) == units;
+    const std::string bytes = NarrowOf(units, codePage);
+    return !bytes.empty() && bytes.size() <= 2 && WideOf(bytes, codePage) == units;
 }
 
 /// All of them, once; made on the ordinary heap, where they stay.
 const std::vector<CodePage>& TheCodePages() {
     static const std::vector<CodePage> pages = [] {
-        const fuzz::OrdinaryHeap ordinary;
+        const OrdinaryHeap ordinary;
         EnumSystemCodePagesW(Note, CP_INSTALLED);
         std::vector<CodePage> made;
         for (const UINT number : g_numbers) {
@@ -63,27 +65,23 @@ FUZZ_TARGET(CodePages, 8000) {
         unit = input.OneOf(page.held);
     }
     input.Say([&] {
-        return "OString(" + fuzz::Literal(held) + ").InCodePage(" + std::to_string(page.number) +
-               ").Narrow();";
+        return "OString(" + Literal(held) + ").InCodePage(" + std::to_string(page.number) + ").Narrow();";
     });
     const OString there = OString(held.c_str()).InCodePage(page.number);
     EXPECT_EQ(OString(there.Narrow(), page.number).Wide(), held) << "code page " << page.number;
 
     const std::string bytes =
         input.OnceIn(2) ? input.Text(150) : std::string(there.Narrow()).substr(input.Below(held.size() + 1));
-    input.Say(
-        [&] { return "OString(" + fuzz::Literal(bytes) + ", " + std::to_string(page.number) + ").Wide();"; });
-    EXPECT_EQ(OString(bytes.c_str(), page.number).Wide(),
-              fuzz::WideOf(bytes, page.number, Capacity(bytes.size())))
+    input.Say([&] { return "OString(" + Literal(bytes) + ", " + std::to_string(page.number) + ").Wide();"; });
+    EXPECT_EQ(OString(bytes.c_str(), page.number).Wide(), WideOf(bytes, page.number, Capacity(bytes.size())))
         << "code page " << page.number;
 
     const std::wstring units = input.WideText(150);
     input.Say([&] {
-        return "OString(" + fuzz::Literal(units) + ").InCodePage(" + std::to_string(page.number) +
-               ").Narrow();";
+        return "OString(" + Literal(units) + ").InCodePage(" + std::to_string(page.number) + ").Narrow();";
     });
     EXPECT_EQ(OString(units.c_str()).InCodePage(page.number).Narrow(),
-              fuzz::NarrowOf(units, page.number, 2 * Capacity(units.size())))
+              NarrowOf(units, page.number, 2 * Capacity(units.size())))
         << "code page " << page.number;
 }
 

@@ -13,13 +13,10 @@
 #include "tests/fuzz/MadePrinters.h"
 #include "tests/fuzz/TextModel.h"
 
+using namespace kit;
+
 namespace {
 
-using fuzz::Case;
-using fuzz::MadePrinters;
-using fuzz::ParsedModel;
-using fuzz::Words;
-using fuzz::World;
 using kemba::ApplicationSettings;
 using kemba::Command_Base;
 using kemba::CommandRow;
@@ -86,7 +83,7 @@ class Expectation {
     Words done;
 
   private:
-    void Print(const std::wstring& line) { output += fuzz::NarrowOf(line, fuzz::kAnsi) + "\r\n"; }
+    void Print(const std::wstring& line) { output += NarrowOf(line, kAnsi) + "\r\n"; }
 
     bool Dispatch() {
         if (m_parsed.left.empty()) {
@@ -94,12 +91,12 @@ class Expectation {
             return false;
         }
         const std::wstring& word = m_parsed.left.front();
-        if (fuzz::IsSameWord(word, L"record") || word == L"?") {
+        if (IsSameWord(word, L"record") || word == L"?") {
             done.assign(m_parsed.left.begin() + 1, m_parsed.left.end());
             return done.size() % 2 == 0;
         }
-        if (fuzz::IsSameWord(word, L"loop") || fuzz::IsSameWord(word, L"base")) {
-            return Loop(fuzz::IsSameWord(word, L"loop"));
+        if (IsSameWord(word, L"loop") || IsSameWord(word, L"base")) {
+            return Loop(IsSameWord(word, L"loop"));
         }
         Print(L"The command '" + word + L"' is unknown.");
         return false;
@@ -143,20 +140,20 @@ class Expectation {
 };
 
 FUZZ_TARGET(CommandLines, 300) {
-    const fuzz::AlignedBlocks aligned; // for the spooler's records
+    const AlignedBlocks aligned; // for the spooler's records
     const MadePrinters made(input);
     const World& world = made.GetWorld();
     g_done.clear();
-    Words words = fuzz::DrawWords(input, {L"record", L"loop", L"loop", L"base", L"get"});
+    Words words = DrawWords(input, {L"record", L"loop", L"loop", L"base", L"get"});
     // The spooler itself is asked for each printer named to a loop, which is slow.
-    ParsedModel expected = fuzz::ParsedByModel(words);
+    ParsedModel expected = ParsedByModel(words);
     if (expected.printers.size() > 2 && !input.OnceIn(50)) {
         words = {L"record", L"/p", L"one", L"two"};
-        expected = fuzz::ParsedByModel(words);
+        expected = ParsedByModel(words);
     }
     input.Say([&] {
-        return "words " + fuzz::Literal(words) + ", printers " + fuzz::Literal(world.printers) +
-               ", default printer " + fuzz::Literal(std::wstring_view(world.defaultPrinter)) + ", platform " +
+        return "words " + Literal(words) + ", printers " + Literal(world.printers) + ", default printer " +
+               Literal(std::wstring_view(world.defaultPrinter)) + ", platform " +
                std::to_string(world.platform) + ", version " + std::to_string(world.major) +
                (world.enumerates ? "" : ", enumerating fails");
     });

@@ -6,7 +6,7 @@
 
 #include "tests/fuzz/Fuzz.h"
 
-namespace fuzz {
+namespace kit {
 
 using Words = std::vector<std::wstring>;
 
@@ -86,4 +86,4 @@ inline bool IsSameWord(std::wstring left, std::wstring right) {
     return left == right;
 }
 
-} // namespace fuzz
+} // namespace kit

@@ -10,7 +10,7 @@
 
 #include "tests/fuzz/GuardedHeap.h"
 
-namespace fuzz {
+namespace kit {
 namespace {
 
 constexpr UINT kStatus = 3;
@@ -78,4 +78,4 @@ void Crash(const char* what) {
     }
 }
 
-} // namespace fuzz
+} // namespace kit

@@ -1,7 +1,7 @@
 // What ends the program, said before it ends.
 #pragma once
 
-namespace fuzz {
+namespace kit {
 
 /// From now on an access violation, an instruction that traps, a failed assertion of the library and an
 /// uncaught exception are reported on standard error in one line, and end the process at once with status 3.
@@ -11,4 +11,4 @@ void ReportCrashes(void (*report)());
 /// Reports it and ends the process in the same way. Allocates nothing.
 [[noreturn]] void Crash(const char* what);
 
-} // namespace fuzz
+} // namespace kit

@@ -17,10 +17,10 @@
 #include "substitute/spooler/StatusText.h"
 #include "tests/fuzz/Fuzz.h"
 
+using namespace kit;
+
 namespace {
 
-using fuzz::Case;
-using fuzz::Literal;
 using kemba::substitute::Bytes;
 
 /// The words of the bits, the lowest first.

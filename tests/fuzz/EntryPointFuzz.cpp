@@ -12,15 +12,13 @@
 #include "tests/kit/FakeServer.h"
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace {
+using namespace kit;
 
-using fuzz::Case;
-using fuzz::ParsedModel;
-using fuzz::Words;
+namespace {
 
 const Words& TheWords() {
     static const Words words = [] {
-        const fuzz::OrdinaryHeap ordinary;
+        const OrdinaryHeap ordinary;
         return Words{L"settings", L"help",      L"action",   L"send",      L"version", L"queue",   L"get",
                      L"set",      L"import",    L"export",   L"reset",     L"status",  L"comment", L"pause",
                      L"purge",    L"resume",    L"driver",   L"os",        L"test",    L"feed",    L"-n",
@@ -30,16 +28,16 @@ const Words& TheWords() {
 }
 
 /// Lets some of the server's operations fail.
-void Script(Case& input, kit::FakeServer& server) {
+void Script(Case& input, FakeServer& server) {
     constexpr HRESULT kStatuses[] = {E_FAIL, E_ACCESSDENIED, E_NOTIMPL, E_POINTER,
                                      HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)};
     for (std::size_t left = input.Below(4); left > 0; --left) {
-        const kit::Operation& operation = input.OneOf(kit::AllOperations());
+        const Operation& operation = input.OneOf(AllOperations());
         const HRESULT status = input.OneOf(kStatuses);
         const bool withWords = input.OnceIn(2);
         const std::wstring words = input.WideText(60);
         input.Say([&] { return std::string(operation.name) + " answers " + std::to_string(status); });
-        kit::Rule& rule = server.Fail(operation.name, status);
+        Rule& rule = server.Fail(operation.name, status);
         if (withWords) {
             rule.WithInformation(L"Driver", words);
         }
@@ -47,7 +45,7 @@ void Script(Case& input, kit::FakeServer& server) {
 }
 
 /// What must hold whatever the words are.
-void Look(const whole_run::RunResult& run, const ParsedModel& parsed) {
+void Look(const RunResult& run, const ParsedModel& parsed) {
     EXPECT_GE(run.status, 0);
     EXPECT_LE(run.status, 2);
     EXPECT_EQ(run.status == 1, !parsed.goesOn);
@@ -57,20 +55,19 @@ void Look(const whole_run::RunResult& run, const ParsedModel& parsed) {
     }
     const std::wstring word = parsed.left.empty() ? std::wstring() : parsed.left.front();
     // A driver that does not tell its version ends that command without a word.
-    if (!run.output.empty() || run.status != 2 || !fuzz::IsSameWord(word, L"version")) {
+    if (!run.output.empty() || run.status != 2 || !IsSameWord(word, L"version")) {
         EXPECT_EQ(run.output.substr(std::max<std::size_t>(run.output.size(), 2) - 2), "\r\n");
     }
     constexpr const wchar_t* kCommands[] = {L"settings", L"help",  L"?",   L"action", L"send",
                                             L"version",  L"queue", L"get", L"set"};
     const bool known = std::any_of(std::begin(kCommands), std::end(kCommands),
-                                   [&](const wchar_t* command) { return fuzz::IsSameWord(word, command); });
+                                   [&](const wchar_t* command) { return IsSameWord(word, command); });
     if (!known) {
         EXPECT_EQ(run.status, 2);
-        EXPECT_EQ(run.output,
-                  parsed.left.empty()
-                      ? std::string("Error: No command specified.\r\n")
-                      : fuzz::NarrowOf(L"The command '" + word + L"' is unknown.\r\n", fuzz::kAnsi));
-    } else if (fuzz::IsSameWord(word, L"help") || word == L"?") {
+        EXPECT_EQ(run.output, parsed.left.empty()
+                                  ? std::string("Error: No command specified.\r\n")
+                                  : NarrowOf(L"The command '" + word + L"' is unknown.\r\n", kAnsi));
+    } else if (IsSameWord(word, L"help") || word == L"?") {
         EXPECT_EQ(run.status, 0);
     }
 }
@@ -79,27 +76,27 @@ void WholeRunsCase(Case& input) {
     if (input.Number() % 64 != 0 && input.Number() > 1000) {
         return; // a run of this kind takes some milliseconds
     }
-    const fuzz::AlignedBlocks aligned;
-    const fuzz::MadePrinters made(input);
-    Words words = fuzz::DrawWords(input, TheWords());
+    const AlignedBlocks aligned;
+    const MadePrinters made(input);
+    Words words = DrawWords(input, TheWords());
     if (words.empty()) {
         return;
     }
-    input.Say([&] { return "RunAfresh(" + fuzz::Literal(words) + ");"; });
-    whole_run::RunResult run;
+    input.Say([&] { return "RunAfresh(" + Literal(words) + ");"; });
+    RunResult run;
     {
-        kit::FakeServer server;
+        FakeServer server;
         Script(input, server);
-        run = whole_run::RunAfresh(words);
-        EXPECT_EQ(server.Faults(), kit::Lines{});
+        run = RunAfresh(words);
+        EXPECT_EQ(server.Faults(), Lines{});
     }
-    Look(run, fuzz::ParsedByModel(words));
+    Look(run, ParsedByModel(words));
 }
 
 TEST(Fuzz, WholeRuns) {
     // The blocks of a run are not counted: the process's objects keep theirs until the next run, the scripted
     // server some of its own. What the server gave out is looked at instead.
-    fuzz::Run("WholeRuns", WholeRunsCase, 40, fuzz::Balance::Any);
+    RunCases("WholeRuns", WholeRunsCase, 40, Leftovers::Any);
 }
 
 } // namespace

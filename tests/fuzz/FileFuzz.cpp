@@ -8,10 +8,9 @@
 #include "tests/core/TemporaryFile.h"
 #include "tests/fuzz/Fuzz.h"
 
-namespace {
+using namespace kit;
 
-using fuzz::Case;
-using fuzz::Literal;
+namespace {
 
 /// A file by the rules: what is written waits in a buffer until it is full, or until the file moves or
 /// closes.

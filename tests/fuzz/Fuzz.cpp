@@ -14,7 +14,7 @@
 #include "core/Handles.h"
 #include "tests/fuzz/Crash.h"
 
-namespace fuzz {
+namespace kit {
 namespace {
 
 /// What the crash report needs to know of the case that is running.
@@ -140,10 +140,10 @@ std::int64_t RunCase(void (*body)(Case&), const Running& running) {
     return GuardedHeap::LiveBlocks() - before;
 }
 
-void RunChecked(void (*body)(Case&), const Running& running, Balance balance) {
+void RunChecked(void (*body)(Case&), const Running& running, Leftovers leftovers) {
     g_running = running;
     // What the program keeps for its whole life is made once, and not by the second run of the same case.
-    if (RunCase(body, running) != 0 && balance == Balance::Even && !testing::Test::HasFailure()) {
+    if (RunCase(body, running) != 0 && leftovers == Leftovers::None && !testing::Test::HasFailure()) {
         const std::uint64_t taken = GuardedHeap::Taken();
         const std::int64_t left = RunCase(body, running);
         EXPECT_EQ(left, 0) << "the case leaves blocks of memory behind:" << GuardedHeap::ListSince(taken);
@@ -251,7 +251,7 @@ std::string Literal(std::wstring_view units) {
     return literal + "\"";
 }
 
-void Run(const char* target, void (*body)(Case&), std::uint64_t shortRun, Balance balance) {
+void RunCases(const char* target, void (*body)(Case&), std::uint64_t shortRun, Leftovers leftovers) {
     ReportCrashes(Report);
     Running running;
     running.target = target;
@@ -261,7 +261,7 @@ void Run(const char* target, void (*body)(Case&), std::uint64_t shortRun, Balanc
     if (const std::uint64_t only = NumberFromEnvironment("KEMBA_FUZZ_ONLY", UINT64_MAX); only != UINT64_MAX) {
         running.number = only;
         running.says = true;
-        RunChecked(body, running, balance);
+        RunChecked(body, running, leftovers);
         return;
     }
     const std::uint64_t cases = NumberFromEnvironment("KEMBA_FUZZ_CASES", shortRun);
@@ -269,7 +269,7 @@ void Run(const char* target, void (*body)(Case&), std::uint64_t shortRun, Balanc
     const double computed = ProcessorSeconds();
     for (; running.number < cases; ++running.number) {
         watch.BeginCase();
-        RunChecked(body, running, balance);
+        RunChecked(body, running, leftovers);
         if (testing::Test::HasFailure()) {
             Report();
             return;
@@ -282,4 +282,4 @@ void Run(const char* target, void (*body)(Case&), std::uint64_t shortRun, Balanc
     EXPECT_EQ(GuardedHeap::Unguarded(), 0U) << "blocks for which the guarded heap had no place";
 }
 
-} // namespace fuzz
+} // namespace kit

@@ -28,7 +28,7 @@
 
 #include "tests/fuzz/GuardedHeap.h"
 
-namespace fuzz {
+namespace kit {
 
 /// One case: a source of draws, and the place where it says its input.
 class Case {
@@ -81,17 +81,18 @@ std::string Literal(std::string_view bytes);
 std::string Literal(std::wstring_view units);
 
 /// Whether a case may leave blocks of memory behind.
-enum class Balance { Even, Any };
+enum class Leftovers { None, Any };
 
 /// Runs the cases of a target, `shortRun` of them if the environment asks for no other number.
-void Run(const char* target, void (*body)(Case&), std::uint64_t shortRun, Balance balance = Balance::Even);
+void RunCases(const char* target, void (*body)(Case&), std::uint64_t shortRun,
+              Leftovers leftovers = Leftovers::None);
 
-} // namespace fuzz
+} // namespace kit
 
 /// Defines a target, a function of the case `input`.
 #define FUZZ_TARGET(name, shortRun)                                                                          \
-    static void name##Case(fuzz::Case& input);                                                               \
+    static void name##Case(Case& input);                                                                     \
     TEST(Fuzz, name) {                                                                                       \
-        fuzz::Run(#name, name##Case, shortRun);                                                              \
+        RunCases(#name, name##Case, shortRun);                                                               \
     }                                                                                                        \
-    static void name##Case(fuzz::Case& input)
+    static void name##Case(Case& input)

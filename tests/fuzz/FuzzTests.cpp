@@ -12,10 +12,9 @@
 
 #include "tests/fuzz/Fuzz.h"
 
-namespace {
+using namespace kit;
 
-using fuzz::Case;
-using fuzz::GuardedHeap;
+namespace {
 
 std::vector<std::uint64_t> Draws(std::uint64_t seed, std::uint64_t number) {
     Case input(seed, number, false);
@@ -54,9 +53,9 @@ TEST(FuzzCase, TextsAreOfEveryLengthAndHoldNoZero) {
 }
 
 TEST(FuzzLiteral, StandsForTheTextInASource) {
-    EXPECT_EQ(fuzz::Literal(std::string_view("a\"b\\\0331\377\0?", 9)), R"("a\042b\134\0331\377\000\077")");
-    EXPECT_EQ(fuzz::Literal(std::wstring_view(L"a\xD83D"
-                                              L"b\x00E9z\"")),
+    EXPECT_EQ(Literal(std::string_view("a\"b\\\0331\377\0?", 9)), R"("a\042b\134\0331\377\000\077")");
+    EXPECT_EQ(Literal(std::wstring_view(L"a\xD83D"
+                                        L"b\x00E9z\"")),
               R"(L"a\xD83D" L"b\x00E9z\x0022")");
 }
 
@@ -90,7 +89,7 @@ void LeaksInEveryCase(Case&) {
 /// process that is to say the input of a case looks for the target by that name; it takes the place of the
 /// test.
 void RunAndExit(void (*body)(Case&)) {
-    fuzz::Run(testing::UnitTest::GetInstance()->current_test_info()->name(), body, 5);
+    RunCases(testing::UnitTest::GetInstance()->current_test_info()->name(), body, 5);
     if (!std::getenv("KEMBA_FUZZ_ONLY")) {
         std::exit(testing::Test::HasFailure() ? 7 : 0);
     }

@@ -26,7 +26,7 @@ void* __wrap_realloc(void* block, std::size_t size);
 void __wrap_free(void* block);
 }
 
-namespace fuzz {
+namespace kit {
 namespace {
 
 constexpr std::size_t kPage = 4096;
@@ -378,10 +378,10 @@ OrdinaryHeap::~OrdinaryHeap() {
     g_guarding = m_before;
 }
 
-} // namespace fuzz
+} // namespace kit
 
 void* __wrap_malloc(std::size_t size) {
-    void* const block = fuzz::TakeGuarded(size);
+    void* const block = kit::TakeGuarded(size);
     return block ? block : __real_malloc(size);
 }
 
@@ -389,12 +389,12 @@ void* __wrap_calloc(std::size_t count, std::size_t size) {
     if (size != 0 && count > SIZE_MAX / size) {
         return nullptr;
     }
-    void* const block = fuzz::TakeGuarded(count * size);
+    void* const block = kit::TakeGuarded(count * size);
     return block ? std::memset(block, 0, count * size) : __real_calloc(count, size);
 }
 
 void* __wrap_realloc(void* block, std::size_t size) {
-    fuzz::Places* const places = fuzz::PlacesOf(block);
+    kit::Places* const places = kit::PlacesOf(block);
     if (!places) {
         return block ? __real_realloc(block, size) : __wrap_malloc(size);
     }
@@ -412,10 +412,10 @@ void* __wrap_realloc(void* block, std::size_t size) {
 }
 
 void __wrap_free(void* block) {
-    if (fuzz::Places* const places = fuzz::PlacesOf(block)) {
-        const fuzz::Hold hold;
+    if (kit::Places* const places = kit::PlacesOf(block)) {
+        const kit::Hold hold;
         places->Free(block);
-        --fuzz::g_live;
+        --kit::g_live;
     } else {
         __real_free(block);
     }

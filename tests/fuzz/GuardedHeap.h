@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <string>
 
-namespace fuzz {
+namespace kit {
 
 /// Blocks asked for while one of these lives, by any thread, are guarded; they may be freed later.
 class GuardedHeap {
@@ -61,4 +61,4 @@ class OrdinaryHeap {
     bool m_before;
 };
 
-} // namespace fuzz
+} // namespace kit

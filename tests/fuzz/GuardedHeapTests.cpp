@@ -13,9 +13,9 @@
 #include "tests/fuzz/Crash.h"
 #include "tests/fuzz/GuardedHeap.h"
 
-namespace {
+using namespace kit;
 
-using fuzz::GuardedHeap;
+namespace {
 
 /// Hides from the compiler that an address is not to be used.
 template<class T>
@@ -34,7 +34,7 @@ char* BlockAtEnd(std::size_t size, bool atEnd) {
 /// Does it on the guarded heap, with crashes reported.
 template<class Deed>
 void Do(Deed deed) {
-    fuzz::ReportCrashes(nullptr);
+    ReportCrashes(nullptr);
     const GuardedHeap guarded;
     deed();
 }
@@ -90,7 +90,7 @@ TEST_F(GuardedHeapDeathTest, AByteWrittenOnTheOtherSideIsNoticedWhenTheBlockIsFr
                 }),
                 testing::ExitedWithCode(3), "something was written beside a block");
     EXPECT_EXIT(Do([] {
-                    const fuzz::AlignedBlocks aligned;
+                    const AlignedBlocks aligned;
                     char* const block = Hidden(static_cast<char*>(std::malloc(20)));
                     block[20] = 1;
                     std::free(block);
@@ -171,7 +171,7 @@ TEST(GuardedHeapTest, BlocksOfTheOrdinaryHeapMayBeFreedWhileGuardingAndTheOtherW
         const GuardedHeap guarded;
         block = std::malloc(20);
         {
-            const fuzz::OrdinaryHeap interval;
+            const OrdinaryHeap interval;
             EXPECT_FALSE(GuardedHeap::Holds(std::make_unique<int>(1).get()));
         }
         EXPECT_TRUE(GuardedHeap::Holds(std::make_unique<int>(1).get()));
@@ -191,7 +191,7 @@ TEST(GuardedHeapTest, BlocksLieWhereTheyAreToLie) {
         for (const bool isAtEnd : {atEnd, !atEnd}) {
             EXPECT_EQ((addressOf(27) + (isAtEnd ? 27 : 0)) % 4096, 0U);
         }
-        const fuzz::AlignedBlocks aligned;
+        const AlignedBlocks aligned;
         for (const bool isAtEnd : {atEnd, !atEnd}) {
             EXPECT_EQ((addressOf(27) + (isAtEnd ? 32 : 0)) % 4096, 0U);
         }

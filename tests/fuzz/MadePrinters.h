@@ -11,7 +11,7 @@
 #include "tests/fuzz/CommandLineModel.h"
 #include "tests/fuzz/Fuzz.h"
 
-namespace fuzz {
+namespace kit {
 
 /// What the system is to answer.
 struct World {
@@ -112,4 +112,4 @@ class MadePrinters {
     const SystemCallsPreset m_calls;
 };
 
-} // namespace fuzz
+} // namespace kit

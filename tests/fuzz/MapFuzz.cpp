@@ -13,10 +13,9 @@
 #include "tests/fuzz/Fuzz.h"
 #include "tests/fuzz/TextModel.h"
 
-namespace {
+using namespace kit;
 
-using fuzz::Case;
-using fuzz::TextModel;
+namespace {
 
 /// Few hashes for many keys, the lowest and the highest among them.
 constexpr std::uint32_t kHashes[] = {0, 1, 0x7FFFFFFF, 0x80000000, 0xC0000000, 0xFFFFFFFE, 0xFFFFFFFF};
@@ -81,7 +80,7 @@ class Model {
 /// Compares order and keys; `same` tells whether a key of the map is one of the model.
 template<class Map, class Key, class Same>
 void Compare(const Map& map, const Model<Key>& model, Same same) {
-    const fuzz::OrdinaryHeap ordinary;
+    const OrdinaryHeap ordinary;
     const auto keys = [](const auto& entry) { return entry.second.first; };
     std::vector<Key> expected;
     std::transform(model.Entries().begin(), model.Entries().end(), std::back_inserter(expected), keys);
@@ -133,12 +132,12 @@ struct TextKey {
 TextKey DrawKey(Case& input) {
     const std::wstring units = input.OnceIn(3) ? input.WideText(50) : input.Name(3);
     if (input.OnceIn(2)) {
-        input.Say([&] { return "OString key = " + fuzz::Literal(units) + ";"; });
+        input.Say([&] { return "OString key = " + Literal(units) + ";"; });
         return {OString(units.c_str()), TextModel::Wide(units)};
     }
-    const std::string bytes = fuzz::NarrowOf(units, fuzz::kAnsi);
-    input.Say([&] { return "OString key = " + fuzz::Literal(bytes) + ";"; });
-    return {OString(bytes.c_str()), TextModel::Narrow(bytes, fuzz::kAnsi)};
+    const std::string bytes = NarrowOf(units, kAnsi);
+    input.Say([&] { return "OString key = " + Literal(bytes) + ";"; });
+    return {OString(bytes.c_str()), TextModel::Narrow(bytes, kAnsi)};
 }
 
 FUZZ_TARGET(TextMaps, 2000) {
@@ -152,7 +151,7 @@ FUZZ_TARGET(TextMaps, 2000) {
         }
         const TextKey key = input.OneOf(keys);
         const std::uint32_t hash = HashOfText(key.model.NarrowForm());
-        const std::string name = fuzz::Literal(key.model.NarrowForm());
+        const std::string name = Literal(key.model.NarrowForm());
         switch (input.Below(4)) {
         case 0:
         case 1: {

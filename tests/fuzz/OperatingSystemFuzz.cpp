@@ -6,6 +6,8 @@
 #include "platform/OperatingSystem.h"
 #include "tests/fuzz/Fuzz.h"
 
+using namespace kit;
+
 namespace {
 
 int g_metrics; // what is true of the system: bits of the four that are asked for
@@ -98,7 +100,7 @@ FUZZ_TARGET(OperatingSystems, 6000) {
                std::to_string(version.dwMinorVersion) + " build " + std::to_string(version.dwBuildNumber) +
                ", product type " + std::to_string(version.wProductType) + ", suites " +
                std::to_string(version.wSuiteMask) + ", metrics " + std::to_string(g_metrics) +
-               ", service pack " + fuzz::Literal(pack);
+               ", service pack " + Literal(pack);
     });
     EXPECT_EQ(kemba::NameOfSystem(version).Wide(), NameByRules(version));
     EXPECT_EQ(kemba::EditionOfSystem(version, [](int index) -> int { return Metric(index); }).Wide(),

@@ -12,14 +12,13 @@
 #include "tests/fuzz/Fuzz.h"
 #include "tests/fuzz/TextModel.h"
 
-namespace {
+using namespace kit;
 
-using fuzz::Case;
-using fuzz::Literal;
+namespace {
 
 const std::map<std::wstring, std::wstring>& TheAliases() {
     static const auto aliases = [] {
-        const fuzz::OrdinaryHeap ordinary;
+        const OrdinaryHeap ordinary;
         const std::wstring drivers = L"SOFTWARE/Brandle/Drivers";
         const std::wstring print = L"2:SYSTEM/CurrentControlSet/Control/Print";
         const std::wstring printer = print + L"/Printers/[PRINTER]";
@@ -78,7 +77,7 @@ std::wstring Upper(const std::wstring& text) {
 }
 
 std::wstring Decoded(std::wstring text) {
-    const fuzz::OrdinaryHeap ordinary;
+    const OrdinaryHeap ordinary;
     const auto digit = [](wchar_t unit) {
         const unsigned low = unit & 0xFFU;
         return low >= '0' && low <= '9' ? low - '0' : low % 16 + 9;
@@ -161,7 +160,7 @@ std::optional<std::pair<HKEY, std::wstring>> Resolved(const std::wstring& path) 
 
 /// A path of pieces that mean something, one after the other.
 std::wstring DrawPath(Case& input) {
-    const fuzz::OrdinaryHeap ordinary;
+    const OrdinaryHeap ordinary;
     constexpr const wchar_t* kPieces[] = {
         L"/",  L"\\",  L"//",  L":",   L"::",  L"%",    L"%%",     L"%2F",    L"%3a",       L"%25", L"%25",
         L"%4", L"%zz", L"%00", L"%5C", L"Key", L"a",    L"LOCAL:", L"local:", L"1:",        L"2:",  L"0:",

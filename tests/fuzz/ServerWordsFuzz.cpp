@@ -7,9 +7,10 @@
 #include "substitute/server/CommandLine.h"
 #include "tests/fuzz/Fuzz.h"
 
+using namespace kit;
+
 namespace {
 
-using fuzz::Case;
 using kemba::substitute::CommandLine;
 using kemba::substitute::Scope;
 using Verb = CommandLine::Verb;
@@ -77,7 +78,7 @@ FUZZ_TARGET(ServerWords, 10'000) {
     for (std::wstring& word : words) {
         word = DrawWord(input);
         views.push_back(word);
-        input.Say([&] { return "word: " + fuzz::Literal(word); });
+        input.Say([&] { return "word: " + Literal(word); });
     }
     const CommandLine read = kemba::substitute::ParseCommandLine(views);
     const CommandLine expected = Expected(words);

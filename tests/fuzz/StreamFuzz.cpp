@@ -9,11 +9,10 @@
 #include "tests/fuzz/Fuzz.h"
 #include "tests/fuzz/TextModel.h"
 
+using namespace kit;
+
 namespace {
 
-using fuzz::Case;
-using fuzz::Literal;
-using fuzz::TextModel;
 using Writes = std::vector<std::string>;
 
 /// How many of so many bytes the n-th write takes: now and then fewer, or none.
@@ -145,9 +144,8 @@ void Step(Case& input, Stream& stream, Model& model) {
         const OString text = wide ? OString(units.c_str()) : OString(bytes.c_str(), codePage);
         stream << text;
         const TextModel expected = wide ? TextModel::Wide(units) : TextModel::Narrow(bytes, codePage);
-        model.Write(expected.CodePage() == model.codePage
-                        ? expected.NarrowForm()
-                        : fuzz::NarrowOf(expected.WideForm(), model.codePage));
+        model.Write(expected.CodePage() == model.codePage ? expected.NarrowForm()
+                                                          : NarrowOf(expected.WideForm(), model.codePage));
         break;
     }
     }

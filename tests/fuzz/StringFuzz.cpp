@@ -6,11 +6,9 @@
 #include "tests/fuzz/Fuzz.h"
 #include "tests/fuzz/TextModel.h"
 
-namespace {
+using namespace kit;
 
-using fuzz::Case;
-using fuzz::Literal;
-using fuzz::TextModel;
+namespace {
 
 constexpr std::uint32_t kCodePages[] = {0, 932, 1252, 1208, 64999, 65001, 54936};
 constexpr std::size_t kTexts = 4;
@@ -94,12 +92,12 @@ class Bench {
             if (m_input.OnceIn(
                     12)) { // as many bytes as there is room for, of which the last one makes two units
                 bytes = std::string(30 + 32 * m_input.Below(3), 'x') + "\xF0";
-                codePage = fuzz::kUtf8;
+                codePage = kUtf8;
             }
             Say("OString ", Name(to), "(", Literal(bytes), ", ", std::to_string(codePage), ")");
             m_texts[to] = OString(bytes.c_str(), codePage);
             m_models[to] = TextModel::Narrow(bytes, codePage);
-            m_some = fuzz::WideOf(bytes, codePage);
+            m_some = WideOf(bytes, codePage);
         }
     }
     void Copy(std::size_t to, std::size_t from) {

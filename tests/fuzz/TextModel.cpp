@@ -6,7 +6,7 @@
 
 #include "tests/fuzz/Utf8Model.h"
 
-namespace fuzz {
+namespace kit {
 namespace {
 
 std::uint32_t Effective(std::uint32_t codePage) {
@@ -315,4 +315,4 @@ void TextModel::Put(const std::wstring& units) {
     body.narrow.clear();
 }
 
-} // namespace fuzz
+} // namespace kit

@@ -8,7 +8,7 @@
 #include <memory>
 #include <string>
 
-namespace fuzz {
+namespace kit {
 
 /// The code pages of the library's own, by their numbers.
 inline constexpr std::uint32_t kAnsi = 0;
@@ -67,4 +67,4 @@ class TextModel {
     std::shared_ptr<Body> m_body;
 };
 
-} // namespace fuzz
+} // namespace kit

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-namespace fuzz {
+namespace kit {
 
 /// What a lead byte says it leads is taken as it is, and everything with the high bit that is no lead of two
 /// or three bytes leads four.
@@ -56,4 +56,4 @@ inline std::string EncodedByModel(const std::u16string& units) {
     return bytes;
 }
 
-} // namespace fuzz
+} // namespace kit

@@ -13,9 +13,10 @@
 #include "tests/fuzz/Fuzz.h"
 #include "tests/substitute/FakeSpooler.h"
 
+using namespace kit;
+
 namespace {
 
-using fuzz::Case;
 using kemba::substitute::Bytes;
 using kemba::substitute::PrinterValue;
 using kemba::substitute::Settings;
@@ -138,7 +139,7 @@ class Table {
 };
 
 std::optional<Settings> Expected(const Bytes& bytes) {
-    const fuzz::OrdinaryHeap ordinary;
+    const OrdinaryHeap ordinary;
     constexpr BYTE kBegin[] = {'K', 'V', 'Q', 'S', 13, 10, 26, 0, 1, 0, 0, 0};
     try {
         if (bytes.size() < 20 || !std::equal(std::begin(kBegin), std::end(kBegin), bytes.begin()) ||
@@ -153,7 +154,7 @@ std::optional<Settings> Expected(const Bytes& bytes) {
 }
 
 Settings DrawSettings(Case& input) {
-    const fuzz::OrdinaryHeap ordinary;
+    const OrdinaryHeap ordinary;
     Settings settings;
     settings.driver.name = L"D" + input.WideText(20);
     settings.driver.version = input.Bits();
@@ -227,9 +228,8 @@ FUZZ_TARGET(SettingsFiles, 1500) {
     if (!input.OnceIn(4)) {
         Seal(bytes);
     }
-    input.Say([&] {
-        return "ParseVqs(" + fuzz::Literal(std::string(bytes.begin(), bytes.end())) + "s, settings);";
-    });
+    input.Say(
+        [&] { return "ParseVqs(" + Literal(std::string(bytes.begin(), bytes.end())) + "s, settings);"; });
     const Bytes exact(bytes); // a block of just as many bytes
     Settings read;
     const bool accepted = !kemba::substitute::ParseVqs(exact, read);

@@ -3,6 +3,8 @@
 
 #include "tests/kit/CommandLine.h"
 
+using namespace kit;
+
 namespace {
 
 TEST(CommandLine, EachWordIsQuotedByTheRulesOfTheCRuntime) {
@@ -25,13 +27,13 @@ TEST(CommandLine, EachWordIsQuotedByTheRulesOfTheCRuntime) {
     };
     for (const auto& [word, quoted] : rows) {
         SCOPED_TRACE(testing::PrintToString(word));
-        EXPECT_EQ(kit::QuoteWord(word), quoted);
+        EXPECT_EQ(QuoteWord(word), quoted);
     }
 }
 
 TEST(CommandLine, WordsStandWithABlankBetween) {
-    EXPECT_EQ(kit::MakeCommandLine({L"/p", L"Label A", L"", L"get"}), LR"(/p "Label A" "" get)");
-    EXPECT_EQ(kit::MakeCommandLine({}), L"");
+    EXPECT_EQ(MakeCommandLine({L"/p", L"Label A", L"", L"get"}), LR"(/p "Label A" "" get)");
+    EXPECT_EQ(MakeCommandLine({}), L"");
 }
 
 } // namespace

@@ -1,16 +1,16 @@
 // A scripted automation server inside the test process, found by an ordinary activation of its classes.
 //
-//     kit::FakeServer server;
+//     FakeServer server;
 //     server.GiveText("IDriverAutomation.GetComment", L"by the door").ForPrinter(L"Label A");
 //     server.Fail("IDriverAutomation.GetComment", E_ACCESSDENIED)
 //         .WithInformation(L"Driver", L"Out of paper")
 //         .ForPrinter(L"Label B");
 //     ... run the program ...
-//     EXPECT_EQ(server.Calls(), (kit::Lines{"DriverAutomation#1.PutPrinterName(\"Label A\")",
+//     EXPECT_EQ(server.Calls(), (Lines{"DriverAutomation#1.PutPrinterName(\"Label A\")",
 //                                           "DriverAutomation#1.GetComment()",
 //                                           "DriverAutomation#2.PutPrinterName(\"Label B\")",
 //                                           "DriverAutomation#2.GetComment()"}));
-//     EXPECT_EQ(server.Faults(), kit::Lines{});
+//     EXPECT_EQ(server.Faults(), Lines{});
 //
 // Without a script every operation succeeds: a text is the operation's noun and the printer ("Comment of
 // Label A", "Version" where no printer is bound), every action is supported and none displays an interface.

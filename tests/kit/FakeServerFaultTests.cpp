@@ -4,10 +4,9 @@
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/TestClient.h"
 
-namespace {
+using namespace kit;
 
-using kit::ErrorInfoSupport;
-using kit::Lines;
+namespace {
 
 /// "source/description" of the thread's error information; "none" without any.
 std::wstring TakeErrorInformation() {
@@ -36,7 +35,7 @@ HRESULT AskSupport(IDriverAutomation* automation, REFIID id) {
 }
 
 TEST(FakeServerErrorInformation, IsThereWhenTheScriptGivesIt) {
-    kit::FakeServer server;
+    FakeServer server;
     server.Fail("IDriverAutomation.PutComment", E_FAIL).WithInformation(L"Driver", L"Out of paper");
     server.Fail("IDriverAutomation.PutLocation", E_FAIL).WithInformation(std::nullopt, L"");
     IDriverAutomation* const automation = Bound(L"A");
@@ -52,7 +51,7 @@ TEST(FakeServerErrorInformation, IsThereWhenTheScriptGivesIt) {
 }
 
 TEST(FakeServerErrorInformation, SupportIsAnsweredAsToldForTheObjectsInterfaceOnly) {
-    kit::FakeServer server;
+    FakeServer server;
     IDriverAutomation* const automation = Bound(L"A");
     EXPECT_EQ(AskSupport(automation, __uuidof(IDriverAutomation)), S_OK);
     EXPECT_EQ(AskSupport(automation, __uuidof(IPrinterQueue)), S_FALSE);
@@ -66,7 +65,7 @@ TEST(FakeServerErrorInformation, SupportIsAnsweredAsToldForTheObjectsInterfaceOn
 }
 
 TEST(FakeServerFaults, ALeakedObjectIsNamed) {
-    kit::FakeServer server;
+    FakeServer server;
     IDriverAutomation* const automation = Bound(L"A");
     IPrinterQueue* queue = nullptr;
     automation->GetPrinterQueue(&queue);
@@ -77,7 +76,7 @@ TEST(FakeServerFaults, ALeakedObjectIsNamed) {
 }
 
 TEST(FakeServerFaults, ALeakedTextOfTheServerIsNamed) {
-    kit::FakeServer server;
+    FakeServer server;
     IDriverAutomation* const automation = Bound(L"A");
     BSTR text = nullptr;
     automation->GetComment(&text);
@@ -88,7 +87,7 @@ TEST(FakeServerFaults, ALeakedTextOfTheServerIsNamed) {
 }
 
 TEST(FakeServerFaults, ALeakedArgumentIsNamed) {
-    kit::FakeServer server;
+    FakeServer server;
     IDriverAutomation* const automation = Bound(L"A");
     const BSTR text = SysAllocString(L"x");
     automation->PutComment(text);
@@ -99,7 +98,7 @@ TEST(FakeServerFaults, ALeakedArgumentIsNamed) {
 }
 
 TEST(FakeServerFaults, ATextThatIsFreedTwiceIsNamed) {
-    kit::FakeServer server;
+    FakeServer server;
     IDriverAutomation* const automation = Bound(L"A");
     BSTR text = nullptr;
     automation->GetComment(&text);
@@ -110,7 +109,7 @@ TEST(FakeServerFaults, ATextThatIsFreedTwiceIsNamed) {
 }
 
 TEST(FakeServerFaults, AUseAfterTheLastReleaseIsNamed) {
-    kit::FakeServer server;
+    FakeServer server;
     IDriverAutomation* const automation = Bound(L"A");
     automation->Release();
     automation->PutComment(nullptr);
@@ -122,7 +121,7 @@ TEST(FakeServerFaults, AUseAfterTheLastReleaseIsNamed) {
 }
 
 TEST(FakeServerFaults, AnArgumentThatIsNoBstrIsReported) {
-    kit::FakeServer server;
+    FakeServer server;
     IDriverAutomation* const automation = Bound(L"A");
     wchar_t text[] = L"array";
     automation->PutComment(text);
@@ -132,7 +131,7 @@ TEST(FakeServerFaults, AnArgumentThatIsNoBstrIsReported) {
 }
 
 TEST(FakeServerFaults, LeakedErrorInformationAndItsTextsAreNamed) {
-    kit::FakeServer server;
+    FakeServer server;
     server.Fail("IDriverAutomation.PutComment", E_FAIL).WithInformation(L"Driver", L"Out of paper");
     IDriverAutomation* const automation = Bound(L"A");
     automation->PutComment(nullptr);
@@ -149,7 +148,7 @@ TEST(FakeServerFaults, LeakedErrorInformationAndItsTextsAreNamed) {
 }
 
 TEST(FakeServerFaults, ErrorInformationThatNobodyFetchedIsNoFault) {
-    kit::FakeServer server;
+    FakeServer server;
     server.Fail("IDriverAutomation.PutComment", E_FAIL).WithInformation(L"Driver", L"Out of paper");
     IDriverAutomation* const automation = Bound(L"A");
     automation->PutComment(nullptr);
@@ -158,7 +157,7 @@ TEST(FakeServerFaults, ErrorInformationThatNobodyFetchedIsNoFault) {
 }
 
 TEST(FakeServerFaults, ALockedFactoryIsReported) {
-    kit::FakeServer server;
+    FakeServer server;
     IClassFactory* factory = nullptr;
     ASSERT_EQ(CoGetClassObject(__uuidof(DriverActions), CLSCTX_INPROC_SERVER, nullptr,
                                __uuidof(IClassFactory), reinterpret_cast<void**>(&factory)),
@@ -171,7 +170,7 @@ TEST(FakeServerFaults, ALockedFactoryIsReported) {
 }
 
 TEST(FakeServerFaults, AnUnbalancedInitialisationIsReported) {
-    kit::FakeServer server;
+    FakeServer server;
     CoInitialize(nullptr);
     EXPECT_EQ(server.Faults(), Lines{"initialisations of the runtime not undone: 1"});
     CoUninitialize();
@@ -181,12 +180,12 @@ TEST(FakeServerFaults, AnUnbalancedInitialisationIsReported) {
 TEST(FakeServerFaults, WhatOneServerSawLeakingDoesNotCountForTheNext) {
     BSTR text = nullptr;
     {
-        kit::FakeServer server;
+        FakeServer server;
         IDriverAutomation* const automation = Bound(L"A");
         automation->GetComment(&text);
         automation->Release();
     }
-    kit::FakeServer next;
+    FakeServer next;
     EXPECT_EQ(next.Faults(), Lines{});
     SysFreeString(text);
 }
@@ -194,10 +193,10 @@ TEST(FakeServerFaults, WhatOneServerSawLeakingDoesNotCountForTheNext) {
 TEST(FakeServerFaults, AnObjectMayOutliveTheServer) {
     IDriverAutomation* automation = nullptr;
     {
-        kit::FakeServer server;
+        FakeServer server;
         automation = Bound(L"A");
     }
-    kit::FakeServer next;
+    FakeServer next;
     EXPECT_EQ(automation->Release(), 0U);
     EXPECT_EQ(next.Journal(), Lines{});
 }

@@ -7,10 +7,9 @@
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/TestClient.h"
 
-namespace {
+using namespace kit;
 
-using kit::FakeClass;
-using kit::Lines;
+namespace {
 
 /// The comment of the printer, or the failing status in its place.
 std::wstring CommentOf(const wchar_t* printer) {
@@ -22,7 +21,7 @@ std::wstring CommentOf(const wchar_t* printer) {
 }
 
 TEST(FakeServerScript, AnOperationFailsAsToldAndGivesNothing) {
-    kit::FakeServer server;
+    FakeServer server;
     server.Fail("IDriverAutomation.GetComment", E_ACCESSDENIED);
     IDriverAutomation* const automation = Bound(L"A");
     BSTR text = SysAllocString(L"old");
@@ -37,7 +36,7 @@ TEST(FakeServerScript, AnOperationFailsAsToldAndGivesNothing) {
 }
 
 TEST(FakeServerScript, ConditionsNarrowARule) {
-    kit::FakeServer server;
+    FakeServer server;
     server.GiveText("IDriverAutomation.GetComment", L"all");
     server.GiveText("IDriverAutomation.GetComment", L"only B").ForPrinter(L"B");
     server.GiveText("IDriverAutomation.GetComment", L"third").ForObject(3);
@@ -48,7 +47,7 @@ TEST(FakeServerScript, ConditionsNarrowARule) {
 }
 
 TEST(FakeServerScript, BindingCanFailForOnePrinter) {
-    kit::FakeServer server;
+    FakeServer server;
     server.Fail("IDriverAutomation.PutPrinterName", E_INVALIDARG).ForPrinter(L"B");
     IDriverAutomation* const automation = ActivateAutomation();
     EXPECT_EQ(automation->PutPrinterName(CallText(L"A")), S_OK);
@@ -57,7 +56,7 @@ TEST(FakeServerScript, BindingCanFailForOnePrinter) {
 }
 
 TEST(FakeServerScript, NullTextAndNullInterface) {
-    kit::FakeServer server;
+    FakeServer server;
     server.GiveNull("IDriverAutomation.GetComment");
     server.GiveNull("IDriverAutomation.GetSettings");
     EXPECT_EQ(CommentOf(L"A"), L"(null)");
@@ -69,7 +68,7 @@ TEST(FakeServerScript, NullTextAndNullInterface) {
 }
 
 TEST(FakeServerScript, FlagsByCallAndByThePrinterOfTheAction) {
-    kit::FakeServer server;
+    FakeServer server;
     server.GiveFlag("IDriverActions.GetSupported", VARIANT_FALSE).ForCall(1);
     server.GiveFlag("IDriverActions.GetDisplaysInterface", 7).ForPrinter(L"B");
     IDriverAutomation* const automation = Bound(L"B");
@@ -92,7 +91,7 @@ TEST(FakeServerScript, FlagsByCallAndByThePrinterOfTheAction) {
 }
 
 TEST(FakeServerScript, AnOperationThrowsAsTold) {
-    kit::FakeServer server;
+    FakeServer server;
     server.Throw("IDriverAutomation.PutComment");
     IDriverAutomation* const automation = Bound(L"A");
     EXPECT_THROW(automation->PutComment(nullptr), std::runtime_error);
@@ -101,7 +100,7 @@ TEST(FakeServerScript, AnOperationThrowsAsTold) {
 
 TEST(FakeServerScript, ActivationFailsAtEachStep) {
     const auto statusOf = [](auto&& prepare) {
-        kit::FakeServer server;
+        FakeServer server;
         prepare(server);
         HRESULT status = S_OK;
         EXPECT_EQ(ActivateAutomation(&status), nullptr);
@@ -116,7 +115,7 @@ TEST(FakeServerScript, ActivationFailsAtEachStep) {
 }
 
 TEST(FakeServerScript, ActivationCanFailForTheSecondObject) {
-    kit::FakeServer server;
+    FakeServer server;
     server.FailActivation(FakeClass::DriverAutomation, E_FAIL).ForObject(2);
     Bound(L"A")->Release();
     EXPECT_EQ(ActivateAutomation(), nullptr);
@@ -126,14 +125,13 @@ TEST(FakeServerScript, ActivationCanFailForTheSecondObject) {
 }
 
 TEST(FakeServerScript, ATypoFailsTheTest) {
-    kit::FakeServer server;
+    FakeServer server;
     EXPECT_NONFATAL_FAILURE(server.Fail("IDriverAutomation.GetComent", E_FAIL),
                             "no operation of the contract");
     EXPECT_NONFATAL_FAILURE(server.GiveText("IPrinterQueue.Purge", L"x"), "gives nothing of that kind");
     EXPECT_NONFATAL_FAILURE(server.GiveFlag("IDriverAutomation.GetComment", 1), "gives nothing of that kind");
     EXPECT_NONFATAL_FAILURE(server.GiveNull("IDriverActions.GetSupported"), "gives nothing of that kind");
-    EXPECT_NONFATAL_FAILURE(server.SupportErrorInfo("IPrintQueue", kit::ErrorInfoSupport::No),
-                            "no interface");
+    EXPECT_NONFATAL_FAILURE(server.SupportErrorInfo("IPrintQueue", ErrorInfoSupport::No), "no interface");
 }
 
 } // namespace

@@ -4,12 +4,12 @@
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/TestClient.h"
 
+using namespace kit;
+
 namespace {
 
-using kit::Lines;
-
 TEST(FakeServer, ActivationAndReleaseAreJournaledInOrder) {
-    kit::FakeServer server;
+    FakeServer server;
     CoInitialize(nullptr);
     Bound(L"Label A")->Release();
     CoUninitialize();
@@ -25,7 +25,7 @@ TEST(FakeServer, ActivationAndReleaseAreJournaledInOrder) {
 }
 
 TEST(FakeServer, ArgumentsAreShownAsTheyCame) {
-    kit::FakeServer server;
+    FakeServer server;
     IDriverAutomation* const automation = Bound(L"caf\u00E9");
     automation->PutComment(CallText(L""));
     automation->PutComment(nullptr);
@@ -60,7 +60,7 @@ TEST(FakeServer, ArgumentsAreShownAsTheyCame) {
 }
 
 TEST(FakeServer, ObjectsAreNumberedByClass) {
-    kit::FakeServer server;
+    FakeServer server;
     IDriverAutomation* const first = Bound(L"A");
     auto* const version = Activate<IVersionInformation>(__uuidof(VersionInformation));
     IDriverAutomation* const second = Bound(L"B");
@@ -81,7 +81,7 @@ TEST(FakeServer, ObjectsAreNumberedByClass) {
 }
 
 TEST(FakeServer, WithoutAScriptEverythingSucceedsWithTellingValues) {
-    kit::FakeServer server;
+    FakeServer server;
     IDriverAutomation* const automation = Bound(L"Label A");
     BSTR text = nullptr;
     EXPECT_EQ(automation->GetComment(&text), S_OK);
@@ -107,7 +107,7 @@ TEST(FakeServer, WithoutAScriptEverythingSucceedsWithTellingValues) {
 }
 
 TEST(FakeServer, ReservedPlacesAndLateBindingAreRefusedButJournaled) {
-    kit::FakeServer server;
+    FakeServer server;
     IDriverAutomation* const automation = Bound(L"A");
     EXPECT_EQ(automation->Reserved9(), E_NOTIMPL);
     EXPECT_EQ(automation->Invoke(1, IID_NULL, 0, DISPATCH_METHOD, nullptr, nullptr, nullptr, nullptr),
@@ -121,7 +121,7 @@ TEST(FakeServer, ReservedPlacesAndLateBindingAreRefusedButJournaled) {
 TEST(FakeServer, NothingIsRegisteredAfterwards) {
     CoInitialize(nullptr);
     {
-        const kit::FakeServer server;
+        const FakeServer server;
     }
     HRESULT status = S_OK;
     EXPECT_EQ(ActivateAutomation(&status), nullptr);

@@ -13,17 +13,15 @@
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Holdings.h"
 
-namespace {
+using namespace kit;
 
-using kit::Held;
-using kit::Holdings;
-using kit::Lines;
+namespace {
 
 class HoldingsWatch : public testing::Test {
   protected:
     HoldingsWatch() {
         static const bool watched = [] {
-            kit::WatchHoldings(GetModuleHandleW(nullptr), MayAllocate);
+            WatchHoldings(GetModuleHandleW(nullptr), MayAllocate);
             return true;
         }();
         static_cast<void>(watched);
@@ -140,32 +138,32 @@ TEST_F(HoldingsWatch, RefusesWhatTheGateDoesNotLetThrough) {
     kept = std::malloc(1);
     refusedCall = nullptr;
     EXPECT_EQ(kept, nullptr);
-    EXPECT_EQ(kit::Differences({}, {.heapBlocks = Since(&Holdings::heapBlocks),
-                                    .localBlocks = Since(&Holdings::localBlocks),
-                                    .texts = Since(&Holdings::texts)}),
+    EXPECT_EQ(Differences({}, {.heapBlocks = Since(&Holdings::heapBlocks),
+                               .localBlocks = Since(&Holdings::localBlocks),
+                               .texts = Since(&Holdings::texts)}),
               Lines{});
 }
 
 TEST_F(HoldingsWatch, AFakeServerAndItsRunLeaveNothing) {
     {
-        const kit::FakeServer first;
+        const FakeServer first;
     } // the process-wide parts of the runtime and of the kit
     const Holdings before = Held();
     {
-        kit::FakeServer server;
+        FakeServer server;
         server.GiveText("IDriverAutomation.GetComment",
                         L"a comment that is long enough for a block of its own");
     }
-    EXPECT_EQ(kit::Differences(before, Held()), Lines{});
+    EXPECT_EQ(Differences(before, Held()), Lines{});
 }
 
 TEST(HoldingsDifferences, AreReadableLines) {
     const Holdings before{.heapBlocks = 2, .handles = 1};
     const Holdings after{.heapBlocks = 5, .registryKeys = 1};
-    EXPECT_EQ(kit::Differences(before, after),
+    EXPECT_EQ(Differences(before, after),
               (Lines{"not given back: 3 heap blocks", "not given back: 1 registry keys",
                      "given back once too often: 1 handles"}));
-    EXPECT_EQ(kit::Differences(after, after), Lines{});
+    EXPECT_EQ(Differences(after, after), Lines{});
 }
 
 } // namespace

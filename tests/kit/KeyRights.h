@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+namespace kit {
+
 /// Leaves everybody, the test included, certain rights to a key and no more (beside that of changing the
 /// rights), until the end of its scope; then they are as before.
 class KeyRights {
@@ -53,3 +55,5 @@ class KeyRights {
     std::wstring m_path;
     std::vector<BYTE> m_before; // a self-relative security descriptor
 };
+
+} // namespace kit

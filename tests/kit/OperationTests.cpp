@@ -8,10 +8,9 @@
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/TestClient.h"
 
-namespace {
+using namespace kit;
 
-using kit::Gives;
-using kit::Lines;
+namespace {
 
 /// One object with each of the interfaces.
 struct Objects {
@@ -117,11 +116,11 @@ const std::map<std::string_view, CallOne> kCalls = {
 };
 
 TEST(Operations, TheTableNamesExactlyTheOperationsOfTheObjects) {
-    EXPECT_EQ(kit::AllOperations().size(), kCalls.size());
-    for (const kit::Operation& operation : kit::AllOperations()) {
+    EXPECT_EQ(AllOperations().size(), kCalls.size());
+    for (const Operation& operation : AllOperations()) {
         SCOPED_TRACE(operation.name);
         ASSERT_TRUE(kCalls.contains(operation.name));
-        kit::FakeServer server;
+        FakeServer server;
         {
             Objects objects;
             server.ClearJournal();
@@ -143,9 +142,9 @@ TEST(Operations, TheTableNamesExactlyTheOperationsOfTheObjects) {
 }
 
 TEST(Operations, EveryOneFailsWhenToldAndGivesNothing) {
-    for (const kit::Operation& operation : kit::AllOperations()) {
+    for (const Operation& operation : AllOperations()) {
         SCOPED_TRACE(operation.name);
-        kit::FakeServer server;
+        FakeServer server;
         {
             Objects objects;
             server.Fail(operation.name, E_ACCESSDENIED);
@@ -160,12 +159,12 @@ TEST(Operations, EveryOneFailsWhenToldAndGivesNothing) {
 }
 
 TEST(Operations, TextsAndObjectsCanBeNull) {
-    for (const kit::Operation& operation : kit::AllOperations()) {
+    for (const Operation& operation : AllOperations()) {
         if (operation.gives != Gives::Text && operation.gives != Gives::Object) {
             continue;
         }
         SCOPED_TRACE(operation.name);
-        kit::FakeServer server;
+        FakeServer server;
         Objects objects;
         server.GiveNull(operation.name);
         Out out;
@@ -176,19 +175,18 @@ TEST(Operations, TextsAndObjectsCanBeNull) {
 }
 
 TEST(Operations, EveryClassHasAnInterfaceWithOperations) {
-    for (const kit::FakeClass which : kit::kAllClasses) {
-        SCOPED_TRACE(kit::NameOf(which));
-        EXPECT_TRUE(std::ranges::any_of(kit::AllOperations(), [&](const kit::Operation& row) {
-            return row.Interface() == kit::InterfaceOf(which);
-        }));
+    for (const FakeClass which : kAllClasses) {
+        SCOPED_TRACE(NameOf(which));
+        EXPECT_TRUE(std::ranges::any_of(
+            AllOperations(), [&](const Operation& row) { return row.Interface() == InterfaceOf(which); }));
     }
 }
 
 TEST(Operations, AreFoundByTheirExactName) {
-    ASSERT_NE(kit::FindOperation("IPrinterQueue.Purge"), nullptr);
-    EXPECT_EQ(kit::FindOperation("IPrinterQueue.Purge")->Interface(), "IPrinterQueue");
-    EXPECT_EQ(kit::FindOperation("IPrinterQueue.purge"), nullptr);
-    EXPECT_EQ(kit::FindOperation("IPrinterQueue.Reserved1"), nullptr);
+    ASSERT_NE(FindOperation("IPrinterQueue.Purge"), nullptr);
+    EXPECT_EQ(FindOperation("IPrinterQueue.Purge")->Interface(), "IPrinterQueue");
+    EXPECT_EQ(FindOperation("IPrinterQueue.purge"), nullptr);
+    EXPECT_EQ(FindOperation("IPrinterQueue.Reserved1"), nullptr);
 }
 
 } // namespace

@@ -5,6 +5,8 @@
 
 #include "tests/kit/ProcessRun.h"
 
+using namespace kit;
+
 namespace {
 
 constexpr wchar_t kProbe[] = L"kit-probe.exe";
@@ -43,43 +45,43 @@ TEST(ProcessRun, AProgramReadsTheWordsAsTheyWereGiven) {
                                           L"a*b"};
     std::vector<std::wstring> line{L"words"};
     line.insert(line.end(), words.begin(), words.end());
-    EXPECT_EQ(WordsOf(kit::RunProgram(kProbe, line).output), words);
+    EXPECT_EQ(WordsOf(RunProgram(kProbe, line).output), words);
 }
 
 TEST(ProcessRun, TheStatusHasAll32Bits) {
     for (const DWORD status : {0UL, 2UL, 256UL, 0x80070005UL, 0xFFFFFFFFUL}) {
         SCOPED_TRACE(status);
-        EXPECT_EQ(kit::RunProgram(kProbe, {L"status", std::to_wstring(status)}).status, status);
+        EXPECT_EQ(RunProgram(kProbe, {L"status", std::to_wstring(status)}).status, status);
     }
 }
 
 TEST(ProcessRun, OutputAndErrorsArriveByteForByteAndApart) {
     for (const bool toFile : {false, true}) {
         SCOPED_TRACE(toFile);
-        kit::ProcessOptions options;
+        ProcessOptions options;
         options.outputToFile = toFile;
-        const kit::ProcessResult result = kit::RunProgram(kProbe, {L"both"}, options);
+        const ProcessResult result = RunProgram(kProbe, {L"both"}, options);
         EXPECT_EQ(result.output, std::string("out\0\n", 5));
         EXPECT_EQ(result.errors, "err\r\n");
     }
 }
 
 TEST(ProcessRun, MoreOutputThanAPipeHoldsArrivesWhole) {
-    const kit::ProcessResult result = kit::RunProgram(kProbe, {L"much"});
+    const ProcessResult result = RunProgram(kProbe, {L"much"});
     EXPECT_FALSE(result.timedOut);
     EXPECT_EQ(result.output.size(), 1'000'000U);
 }
 
 TEST(ProcessRun, StandardInputIsEmpty) {
-    EXPECT_EQ(kit::RunProgram(kProbe, {L"input"}).status, 0U);
+    EXPECT_EQ(RunProgram(kProbe, {L"input"}).status, 0U);
 }
 
 TEST(ProcessRun, ExtraVariablesReachTheProgramAndReplaceItsOwn) {
     SetEnvironmentVariableW(L"KIT_OLD", L"old");
-    kit::ProcessOptions options;
+    ProcessOptions options;
     options.environment = {{L"kit_old", L"new"}, {L"KIT_MORE", L"m=o r\u00E9"}};
     const auto valueOf = [&](const wchar_t* name) {
-        return kit::RunProgram(kProbe, {L"variable", name}, options).output;
+        return RunProgram(kProbe, {L"variable", name}, options).output;
     };
     EXPECT_EQ(valueOf(L"KIT_OLD"), std::string("n\0e\0w\0", 6));
     EXPECT_EQ(valueOf(L"KIT_MORE"), std::string("m\0=\0o\0 \0r\0\xE9\0", 12));
@@ -87,22 +89,22 @@ TEST(ProcessRun, ExtraVariablesReachTheProgramAndReplaceItsOwn) {
 }
 
 TEST(ProcessRun, AProgramThatRunsTooLongIsEnded) {
-    kit::ProcessOptions options;
+    ProcessOptions options;
     options.timeout = std::chrono::milliseconds(300);
     const ULONGLONG start = GetTickCount64();
-    EXPECT_TRUE(kit::RunProgram(kProbe, {L"sleep"}, options).timedOut);
+    EXPECT_TRUE(RunProgram(kProbe, {L"sleep"}, options).timedOut);
     EXPECT_LT(GetTickCount64() - start, 20'000U);
 }
 
 TEST(ProcessRun, AProgramThatIsMissingThrows) {
-    EXPECT_THROW(kit::RunProgram(L"kit-missing.exe", {}), std::runtime_error);
+    EXPECT_THROW(RunProgram(L"kit-missing.exe", {}), std::runtime_error);
 }
 
 TEST(ProcessRun, TheFolderOfTheProgramsCanBeChosen) {
-    const std::wstring beside = kit::ProgramPath(kProbe);
+    const std::wstring beside = ProgramPath(kProbe);
     EXPECT_NE(GetFileAttributesW(beside.c_str()), INVALID_FILE_ATTRIBUTES);
     SetEnvironmentVariableW(L"KEMBA_PROGRAMS", LR"(c:\elsewhere)");
-    EXPECT_EQ(kit::ProgramPath(kProbe), LR"(c:\elsewhere\kit-probe.exe)");
+    EXPECT_EQ(ProgramPath(kProbe), LR"(c:\elsewhere\kit-probe.exe)");
     SetEnvironmentVariableW(L"KEMBA_PROGRAMS", nullptr);
 }
 

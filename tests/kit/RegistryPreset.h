@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+namespace kit {
+
 /// A value's type and bytes.
 struct RegistryData {
     DWORD type = REG_NONE;
@@ -119,3 +121,5 @@ class ScratchKey {
     HKEY m_root;
     std::wstring m_path;
 };
+
+} // namespace kit

@@ -11,6 +11,8 @@
 #include "tests/kit/StdoutCapture.h"
 #include "tests/kit/WholeRun.h"
 
+using namespace kit;
+
 namespace {
 
 std::vector<std::wstring> g_seenWords;
@@ -28,14 +30,14 @@ int ModeOfOutput() {
 }
 
 TEST(WholeRun, TheEntryPointGetsTheProgramPathAndTheWords) {
-    const kit::RunResult result = kit::RunWords(KeepWords, {L"/p", L"Label A", L""});
+    const RunResult result = RunWords(KeepWords, {L"/p", L"Label A", L""});
     EXPECT_EQ(g_seenWords, (std::vector<std::wstring>{L"kemba", L"/p", L"Label A", L""}));
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(result.output, "");
 }
 
 TEST(WholeRun, EveryByteIsCapturedZerosIncluded) {
-    const auto result = kit::RunWords(
+    const auto result = RunWords(
         [](int, wchar_t**) {
             std::fwrite("a\0b\xFF", 1, 4, stdout);
             std::cout << "stream";
@@ -48,16 +50,16 @@ TEST(WholeRun, EveryByteIsCapturedZerosIncluded) {
 TEST(WholeRun, ATextModeStreamShowsTheLineEndsThatItWouldWrite) {
     const auto write = [](int, wchar_t**) { return std::fputs("x\ny\r\n", stdout); };
     _setmode(1, _O_TEXT);
-    EXPECT_EQ(kit::RunWords(write, {}).output, "x\r\ny\r\r\n");
+    EXPECT_EQ(RunWords(write, {}).output, "x\r\ny\r\r\n");
     _setmode(1, _O_BINARY);
-    const std::string binary = kit::RunWords(write, {}).output;
+    const std::string binary = RunWords(write, {}).output;
     _setmode(1, _O_TEXT);
     EXPECT_EQ(binary, "x\ny\r\n");
 }
 
 TEST(WholeRun, AModeThatTheRunChangedIsPutBack) {
     _setmode(1, _O_TEXT);
-    const auto result = kit::RunWords(
+    const auto result = RunWords(
         [](int, wchar_t**) {
             _setmode(1, _O_BINARY);
             return std::fputs("x\n", stdout);
@@ -72,14 +74,14 @@ TEST(WholeRun, NothingOfOneRunReachesTheNext) {
         std::fputs("once", stdout);
         return 0;
     };
-    EXPECT_EQ(kit::RunWords(write, {}).output, "once");
-    EXPECT_EQ(kit::RunWords(write, {}).output, "once");
+    EXPECT_EQ(RunWords(write, {}).output, "once");
+    EXPECT_EQ(RunWords(write, {}).output, "once");
 }
 
 TEST(WholeRun, AnExceptionComesThroughAndEndsTheCapture) {
-    EXPECT_THROW(kit::RunWords([](int, wchar_t**) -> int { throw std::runtime_error("gone"); }, {}),
+    EXPECT_THROW(RunWords([](int, wchar_t**) -> int { throw std::runtime_error("gone"); }, {}),
                  std::runtime_error);
-    kit::StdoutCapture capture;
+    StdoutCapture capture;
     std::fputs("still here", stdout);
     EXPECT_EQ(capture.Finish(), "still here");
 }

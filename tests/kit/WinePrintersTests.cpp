@@ -17,6 +17,8 @@
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/ProcessRun.h"
 
+using namespace kit;
+
 namespace {
 
 bool IsListed(const std::wstring& name) {
@@ -111,7 +113,7 @@ TEST(WinePrinters, TheNameOfAnotherPrinterIsRefused) {
 }
 
 TEST(WinePrinters, ARawJobArrivesByteForByte) {
-    const kit::PrinterPort port;
+    const PrinterPort port;
     const demo::Printer printer({.port = port.Name()});
     std::string bytes;
     for (int i = 0; i < 1024; ++i) {
@@ -162,7 +164,7 @@ class DemoPrinters : public testing::Test {
     DemoPrinters() { RemoveAll(); }
     ~DemoPrinters() override { RemoveAll(); }
 
-    static kit::ProcessResult Provide() { return kit::RunProgram(L"demo-printers.exe", {}); }
+    static ProcessResult Provide() { return RunProgram(L"demo-printers.exe", {}); }
 
     static void RemoveAll() {
         for (const wchar_t* const name : {L"Dock 1", L"Dock 2"}) {
@@ -178,7 +180,7 @@ class DemoPrinters : public testing::Test {
 };
 
 TEST_F(DemoPrinters, AreMadeWithTheFirstAsTheDefault) {
-    const kit::ProcessResult result = Provide();
+    const ProcessResult result = Provide();
     ASSERT_EQ(result.status, 0U) << result.errors;
     EXPECT_NE(result.output.find("Dock 1 prints to "), std::string::npos) << result.output;
     std::vector<BYTE> buffer;
@@ -190,9 +192,9 @@ TEST_F(DemoPrinters, AreMadeWithTheFirstAsTheDefault) {
 }
 
 TEST_F(DemoPrinters, AreLeftAloneWhenTheyAreThere) {
-    const kit::ProcessResult first = Provide();
+    const ProcessResult first = Provide();
     demo::SetDefaultPrinterName(L"Dock 2");
-    const kit::ProcessResult second = Provide();
+    const ProcessResult second = Provide();
     EXPECT_EQ(second.status, 0U) << second.errors;
     EXPECT_EQ(second.output, first.output);
     EXPECT_EQ(demo::GetDefaultPrinterName(), L"Dock 2");

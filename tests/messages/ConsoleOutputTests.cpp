@@ -11,12 +11,14 @@
 #include "messages/ConsoleOutput.h"
 #include "tests/kit/StdoutCapture.h"
 
+using namespace kit;
+
 namespace {
 
 /// What reaches standard output while `print` works on a writer.
 std::string Printed(const std::function<void(ConsoleOutput&)>& print, bool quiet = false) {
     ConsoleOutput console(quiet);
-    kit::StdoutCapture capture;
+    StdoutCapture capture;
     print(console);
     return capture.Finish();
 }
@@ -83,7 +85,7 @@ TEST(ConsoleOutput, QuietModeDropsEverything) {
 TEST(ConsoleOutput, TheQuietFlagIsLookedAtOnEveryWrite) {
     bool quiet = false;
     ConsoleOutput console(quiet);
-    kit::StdoutCapture capture;
+    StdoutCapture capture;
     console.PrintText(L"one");
     quiet = true;
     console.PrintText(L"two");

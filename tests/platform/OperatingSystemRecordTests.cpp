@@ -13,6 +13,8 @@
 #include "platform/OperatingSystem.h"
 #include "tests/core/SystemCallsPreset.h"
 
+using namespace kit;
+
 namespace {
 
 using kemba::OperatingSystem;

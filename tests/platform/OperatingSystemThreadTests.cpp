@@ -10,6 +10,8 @@
 #include "platform/OperatingSystem.h"
 #include "tests/kit/AtOnce.h"
 
+using namespace kit;
+
 namespace {
 
 using kemba::OperatingSystem;
@@ -20,7 +22,7 @@ constexpr int kThreads = 8;
 TEST(OperatingSystemThreads, ReadBothFormsOfEveryTextOfTheFirstAnswer) {
     std::array<const OperatingSystem*, kThreads> records{};
     std::atomic<int> wrong{0};
-    kit::AtOnce(kThreads, [&](int thread) {
+    AtOnce(kThreads, [&](int thread) {
         const OperatingSystem& record = TheOperatingSystem();
         records[static_cast<std::size_t>(thread)] = &record;
         wrong += record.filled ? 0 : 1;

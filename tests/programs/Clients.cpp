@@ -8,7 +8,7 @@
 
 #include "tests/kit/CommandLine.h"
 
-namespace programs {
+namespace kit {
 namespace {
 
 [[noreturn]] void Fail(const char* what) {
@@ -47,9 +47,9 @@ class Inheritance {
 } // namespace
 
 void Clients::Start(std::wstring_view name, const std::vector<std::wstring>& words) {
-    const std::wstring path = kit::ProgramPath(name);
-    std::wstring line = L"\"" + path + L"\" " + kit::MakeCommandLine(words);
-    const kit::Handle input = kit::OpenEmptyInput();
+    const std::wstring path = ProgramPath(name);
+    std::wstring line = L"\"" + path + L"\" " + MakeCommandLine(words);
+    const Handle input = OpenEmptyInput();
     Client& client = m_clients.emplace_back();
     std::vector<HANDLE> handles{input.Get(), client.output.WriteEnd()};
     Inheritance inheritance(handles);
@@ -68,16 +68,16 @@ void Clients::Start(std::wstring_view name, const std::vector<std::wstring>& wor
         SetLastError(error);
         Fail("the program cannot be started");
     }
-    client.process = kit::Handle(started.hProcess);
-    const kit::Handle thread(started.hThread);
+    client.process = Handle(started.hProcess);
+    const Handle thread(started.hThread);
 }
 
-std::vector<kit::ProcessResult> Clients::Finish(std::chrono::milliseconds timeout) {
+std::vector<ProcessResult> Clients::Finish(std::chrono::milliseconds timeout) {
     constexpr DWORD kLastWait = 10'000; // milliseconds for a process that has been ended
     const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(timeout.count());
-    std::vector<kit::ProcessResult> results;
+    std::vector<ProcessResult> results;
     for (Client& client : m_clients) {
-        kit::ProcessResult& result = results.emplace_back();
+        ProcessResult& result = results.emplace_back();
         const ULONGLONG now = GetTickCount64();
         if (WaitForSingleObject(client.process.Get(), now < end ? static_cast<DWORD>(end - now) : 0) !=
             WAIT_OBJECT_0) {
@@ -92,4 +92,4 @@ std::vector<kit::ProcessResult> Clients::Finish(std::chrono::milliseconds timeou
     return results;
 }
 
-} // namespace programs
+} // namespace kit

@@ -10,7 +10,7 @@
 #include "tests/kit/OutputChannel.h"
 #include "tests/kit/ProcessRun.h"
 
-namespace programs {
+namespace kit {
 
 /// All are started by one thread, one after the other, and inherit nothing but their own input and output; no
 /// pipe has to be emptied while they run.
@@ -22,19 +22,19 @@ class Clients {
     /// Ends those that still run.
     ~Clients() { Finish(std::chrono::milliseconds(0)); }
 
-    /// Starts a program, which kit::ProgramPath finds. Throws std::runtime_error with the system's error
+    /// Starts a program, which ProgramPath finds. Throws std::runtime_error with the system's error
     /// number.
     void Start(std::wstring_view name, const std::vector<std::wstring>& words);
     /// Waits for all, and ends those that still run after that time; the results in the order of the starts,
     /// standard output and standard error together as the output.
-    std::vector<kit::ProcessResult> Finish(std::chrono::milliseconds timeout);
+    std::vector<ProcessResult> Finish(std::chrono::milliseconds timeout);
 
   private:
     struct Client {
-        kit::OutputChannel output{true};
-        kit::Handle process;
+        OutputChannel output{true};
+        Handle process;
     };
     std::deque<Client> m_clients;
 };
 
-} // namespace programs
+} // namespace kit

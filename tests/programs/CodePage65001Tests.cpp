@@ -12,10 +12,9 @@
 #include "demo/WinePrinters.h"
 #include "tests/programs/Kemba.h"
 
-namespace {
+using namespace kit;
 
-using programs::Framed;
-using programs::Kemba;
+namespace {
 
 std::string Utf8(const std::wstring& text) {
     return OCore::EncodeUtf8(text);
@@ -41,7 +40,7 @@ std::wstring NoHelp(const std::wstring& topic) {
 }
 
 std::string HelpFor(const std::wstring& topic) {
-    const kit::ProcessResult run = Kemba({L"help", topic});
+    const ProcessResult run = Kemba({L"help", topic});
     EXPECT_EQ(run.errors, "");
     EXPECT_EQ(run.status, 0U);
     return run.output;
@@ -103,7 +102,7 @@ TEST(CodePage65001Programs, CarryNamesAndValuesAndCutNoMoreThanTheLine) {
     for (const std::wstring& comment : {std::wstring(L"\x5009\x5EAB %1"), std::wstring(300, L'\x5009')}) {
         const demo::Printer printer(
             name, {.port = L"LPT1:", .comment = comment, .location = L"", .shareName = L"", .attributes = 0});
-        const kit::ProcessResult run = Kemba({L"/p", name, L"get", L"comment"});
+        const ProcessResult run = Kemba({L"/p", name, L"get", L"comment"});
         EXPECT_EQ(run.output, Framed("Get", Printed(name + L": " + comment) + "\r\n"));
         EXPECT_EQ(run.errors, "");
         EXPECT_EQ(run.status, 0U);

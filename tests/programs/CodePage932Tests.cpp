@@ -7,6 +7,8 @@
 #include "demo/WinePrinters.h"
 #include "tests/kit/ProcessRun.h"
 
+using namespace kit;
+
 namespace {
 
 TEST(CodePage932, IsInForce) {
@@ -25,7 +27,7 @@ TEST(CodePage932, NamesAndValuesArriveInDoubleByteCharacters) {
     const std::wstring comment = L"\x5009\x5EAB %1 \x8868";
     const demo::Printer printer(
         name, {.port = L"LPT1:", .comment = comment, .location = L"", .shareName = L"", .attributes = 0});
-    const kit::ProcessResult run = kit::RunProgram(L"kemba.exe", {L"/p", name, L"get", L"comment"});
+    const ProcessResult run = RunProgram(L"kemba.exe", {L"/p", name, L"get", L"comment"});
     EXPECT_EQ(run.output, "Executing 'Get' command.\r\n" + std::string(OString(name.c_str()).Narrow()) +
                               ": " + OString(comment.c_str()).Narrow() +
                               "\r\nFinished processing command.\r\n");
@@ -34,7 +36,7 @@ TEST(CodePage932, NamesAndValuesArriveInDoubleByteCharacters) {
 }
 
 TEST(CodePage932, CharactersThatItCannotHoldAreReplaced) {
-    const kit::ProcessResult run = kit::RunProgram(L"kemba.exe", {L"\xAC00 \xD83D\xDE00"});
+    const ProcessResult run = RunProgram(L"kemba.exe", {L"\xAC00 \xD83D\xDE00"});
     EXPECT_EQ(run.output,
               "The command '" + std::string(OString(L"\xAC00 \xD83D\xDE00").Narrow()) + "' is unknown.\r\n");
     EXPECT_NE(run.output.find('?'), std::string::npos);

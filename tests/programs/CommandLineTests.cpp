@@ -8,22 +8,21 @@
 #include "messages/TextResource.h"
 #include "tests/programs/Kemba.h"
 
-namespace {
+using namespace kit;
 
-using programs::Kemba;
-using programs::Words;
+namespace {
 
 const std::string kHelp = std::string(TextResource().GetText("help:help").Narrow()) + "\r\n";
 
 TEST(KembaProgram, ShowsItsHelpAndNothingElse) {
-    const kit::ProcessResult run = Kemba({});
+    const ProcessResult run = Kemba({});
     EXPECT_EQ(run.output, kHelp);
     EXPECT_EQ(run.errors, "");
     EXPECT_EQ(run.status, 1U);
 }
 
 TEST(KembaProgram, WritesTheSameBytesToAPipeAndToAFile) {
-    kit::ProcessOptions toFile;
+    ProcessOptions toFile;
     toFile.outputToFile = true;
     EXPECT_EQ(Kemba({L"help"}, toFile).output, kHelp);
     EXPECT_EQ(Kemba({L"help"}).output, kHelp);
@@ -36,7 +35,7 @@ TEST(KembaProgram, ExitStatusesAreTheThreeOnes) {
 }
 
 TEST(KembaProgram, QuietModeWritesNothing) {
-    const kit::ProcessResult run = Kemba({L"/q", L"bogus"});
+    const ProcessResult run = Kemba({L"/q", L"bogus"});
     EXPECT_EQ(run.output, "");
     EXPECT_EQ(run.errors, "");
     EXPECT_EQ(run.status, 2U);
@@ -48,7 +47,7 @@ TEST(KembaProgram, WordsArriveAsTyped) {
                       L"a b", L"quote\"quote",  L"back\\slash\\", L"\\\"",
                       L"",    L"50%PATH%",      L"\x00E4"};
     for (const std::wstring& word : words) {
-        const kit::ProcessResult run = Kemba({L"help", word});
+        const ProcessResult run = Kemba({L"help", word});
         EXPECT_EQ(run.output,
                   "No help exists for '" + std::string(OString(word.c_str()).Narrow()) + "' command.\r\n");
         EXPECT_EQ(run.status, 0U);
@@ -63,13 +62,13 @@ TEST(KembaProgram, TakesAWordOf32000Characters) {
 TEST(KembaProgram, TakesAThousandWords) {
     Words words{L"help", L"usage"};
     words.resize(1000, L"w");
-    const kit::ProcessResult run = Kemba(words);
+    const ProcessResult run = Kemba(words);
     EXPECT_EQ(run.output.substr(0, 14), "KEMBA usage:\r\n");
     EXPECT_EQ(run.status, 0U);
 }
 
 TEST(KembaProgram, TakesALoneSurrogate) {
-    const kit::ProcessResult run = Kemba({L"\xD83D"});
+    const ProcessResult run = Kemba({L"\xD83D"});
     EXPECT_EQ(run.output, "The command '" + std::string(OString(L"\xD83D").Narrow()) + "' is unknown.\r\n");
     EXPECT_EQ(run.status, 2U);
 }
@@ -77,7 +76,7 @@ TEST(KembaProgram, TakesALoneSurrogate) {
 /// A resource of kemba.exe, as text; empty when there is none.
 std::string ResourceOfKemba(const wchar_t* type, const wchar_t* name) {
     const HMODULE program =
-        LoadLibraryExW(kit::ProgramPath(L"kemba.exe").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+        LoadLibraryExW(ProgramPath(L"kemba.exe").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
     const HRSRC found = FindResourceW(program, name, type);
     const std::string text =
         found ? std::string(static_cast<const char*>(LockResource(LoadResource(program, found))),

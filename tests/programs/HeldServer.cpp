@@ -8,7 +8,7 @@
 #include "automation/Activation.h"
 #include "tests/substitute/ServerProgram.h"
 
-namespace programs {
+namespace kit {
 
 HeldServer::HeldServer(const std::wstring& printer, std::chrono::seconds limit)
     : m_over(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {
@@ -24,9 +24,9 @@ HeldServer::HeldServer(const std::wstring& printer, std::chrono::seconds limit)
         throw std::runtime_error(std::to_string(servers.size()) + " servers are running");
     }
     m_processId = servers.front();
-    m_process = kit::Handle(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_SET_INFORMATION |
-                                            PROCESS_VM_READ | PROCESS_TERMINATE | SYNCHRONIZE,
-                                        FALSE, m_processId));
+    m_process = Handle(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_SET_INFORMATION | PROCESS_VM_READ |
+                                       PROCESS_TERMINATE | SYNCHRONIZE,
+                                   FALSE, m_processId));
     if (!m_process.Get() || !m_over.Get()) {
         throw std::runtime_error("the server cannot be watched, error " + std::to_string(GetLastError()));
     }
@@ -65,4 +65,4 @@ void HeldServer::EndAfter(std::chrono::milliseconds limit) {
     }
 }
 
-} // namespace programs
+} // namespace kit

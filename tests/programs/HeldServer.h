@@ -11,7 +11,7 @@
 #include "automation/Owners.h"
 #include "tests/kit/OutputChannel.h"
 
-namespace programs {
+namespace kit {
 
 /// Holds an object of each interface. That keeps the server from ending between two clients, and Wine's
 /// runtime from a wait without end, which it may fall into when the last object of an interface goes in the
@@ -42,9 +42,9 @@ class HeldServer {
     kemba::ComPtr<IPrinterInformation> m_information;
     kemba::ComPtr<IPrinterQueue> m_queue;
     DWORD m_processId = 0;
-    kit::Handle m_process;
-    kit::Handle m_over; // set when the limit is of no interest any more
+    Handle m_process;
+    Handle m_over; // set when the limit is of no interest any more
     std::thread m_watch;
 };
 
-} // namespace programs
+} // namespace kit

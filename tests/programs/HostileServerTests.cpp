@@ -25,12 +25,8 @@
 
 namespace {
 
+using namespace kit;
 using namespace std::chrono_literals;
-using programs::Framed;
-using programs::OwnClasses;
-using programs::Printed;
-using programs::TextOf;
-using programs::Words;
 
 constexpr DWORD kPatience = 30'000; // milliseconds for a process to come or to go
 
@@ -38,13 +34,13 @@ constexpr DWORD kPatience = 30'000; // milliseconds for a process to come or to 
 class OwnKemba {
   public:
     OwnKemba() : m_program(m_folder.File(L"kemba.exe")) {
-        std::filesystem::copy_file(kit::ProgramPath(L"kemba.exe"), m_program);
+        std::filesystem::copy_file(ProgramPath(L"kemba.exe"), m_program);
         classes.PutInto(m_program);
     }
-    kit::ProcessResult Run(const Words& words, std::chrono::milliseconds timeout = 60s) const {
-        kit::ProcessOptions options;
+    ProcessResult Run(const Words& words, std::chrono::milliseconds timeout = 60s) const {
+        ProcessOptions options;
         options.timeout = timeout;
-        kit::ProcessResult result = kit::RunProgram(m_program, words, options);
+        ProcessResult result = RunProgram(m_program, words, options);
         EXPECT_FALSE(result.timedOut);
         EXPECT_EQ(result.errors, "");
         return result;
@@ -69,10 +65,10 @@ class HostileServer {
     HostileServer(const OwnClasses& classes, const Hostility& hostility)
         : m_events(L"kemba hostile " + TextOf(classes.automation)), m_ready(MakeEvent(L" ready")),
           m_over(MakeEvent(L" over")),
-          m_line(L"\"" + kit::ProgramPath(L"hostile-server.exe") + L"\" " +
-                 kit::MakeCommandLine({TextOf(classes.automation),
-                                       std::wstring(hostility.operation.begin(), hostility.operation.end()),
-                                       hostility.how})) {}
+          m_line(L"\"" + ProgramPath(L"hostile-server.exe") + L"\" " +
+                 MakeCommandLine({TextOf(classes.automation),
+                                  std::wstring(hostility.operation.begin(), hostility.operation.end()),
+                                  hostility.how})) {}
     HostileServer(const HostileServer&) = delete;
     HostileServer& operator=(const HostileServer&) = delete;
     ~HostileServer() { SetEvent(m_over.Get()); }
@@ -89,8 +85,8 @@ class HostileServer {
                             &started)) {
             throw std::runtime_error("the hostile server cannot be started");
         }
-        const kit::Handle thread(started.hThread);
-        m_process = kit::Handle(started.hProcess);
+        const Handle thread(started.hThread);
+        m_process = Handle(started.hProcess);
         const HANDLE either[] = {m_ready.Get(), m_process.Get()};
         EXPECT_EQ(WaitForMultipleObjects(2, either, FALSE, kPatience), WAIT_OBJECT_0);
     }
@@ -106,15 +102,15 @@ class HostileServer {
   private:
     static constexpr DWORD kDeath = 9; // its exit status when it dies
 
-    kit::Handle MakeEvent(const wchar_t* suffix) const {
-        return kit::Handle(CreateEventW(nullptr, TRUE, FALSE, (m_events + suffix).c_str()));
+    Handle MakeEvent(const wchar_t* suffix) const {
+        return Handle(CreateEventW(nullptr, TRUE, FALSE, (m_events + suffix).c_str()));
     }
 
     const std::wstring m_events;
-    const kit::Handle m_ready;
-    const kit::Handle m_over;
+    const Handle m_ready;
+    const Handle m_over;
     const std::wstring m_line;
-    kit::Handle m_process;
+    Handle m_process;
 };
 
 /// What stands in the registry for the classes of one server, as long as it lives.
@@ -229,7 +225,7 @@ class DeathOfTheServer : public testing::TestWithParam<DeathRow> {};
 TEST_P(DeathOfTheServer, IsARefusal) {
     const DeathRow& row = GetParam();
     const demo::Printer printer;
-    const kit::TemporaryFile file;
+    const TemporaryFile file;
     const OwnKemba kemba;
     HostileServer server(kemba.classes, {row.operation, L"die"});
     server.Start();
@@ -237,7 +233,7 @@ TEST_P(DeathOfTheServer, IsARefusal) {
     for (const std::wstring& word : row.words) {
         words.push_back(word == L"%f" ? file.Path() : word);
     }
-    const kit::ProcessResult run = kemba.Run(words);
+    const ProcessResult run = kemba.Run(words);
     EXPECT_EQ(run.output,
               OString(row.output.c_str()).ReplaceAll("%p", OString(printer.Name().c_str())).Narrow());
     EXPECT_EQ(run.status, row.status);
@@ -252,7 +248,7 @@ INSTANTIATE_TEST_SUITE_P(In, DeathOfTheServer, testing::ValuesIn(DeathRows()), [
 
 TEST(DeathOfTheServer, IsTriedInEveryOperation) {
     const std::vector<DeathRow> rows = DeathRows();
-    for (const kit::Operation& operation : kit::AllOperations()) {
+    for (const Operation& operation : AllOperations()) {
         EXPECT_EQ(std::ranges::count(rows, operation.name, &DeathRow::operation), 1) << operation.name;
     }
 }
@@ -261,7 +257,7 @@ class HostileServers : public testing::Test {
   protected:
     const demo::Printer printer;
     const OwnKemba kemba;
-    kit::ProcessResult GetComments() const {
+    ProcessResult GetComments() const {
         return kemba.Run({L"/p", printer.Name(), L"/p", printer.Name(), L"get", L"comment"});
     }
     const std::string kServed =
@@ -272,7 +268,7 @@ class HostileServers : public testing::Test {
 TEST_F(HostileServers, ThatAreNoneServe) {
     HostileServer server(kemba.classes, {"none", L"die"});
     server.Start();
-    const kit::ProcessResult run = GetComments();
+    const ProcessResult run = GetComments();
     EXPECT_EQ(run.output, kServed);
     EXPECT_EQ(run.status, 0U);
 }
@@ -280,7 +276,7 @@ TEST_F(HostileServers, ThatAreNoneServe) {
 TEST_F(HostileServers, ThatDieLeaveTheNextPrinterItsTurn) {
     HostileServer server(kemba.classes, {"IDriverAutomation.GetComment", L"die"});
     server.Start();
-    const kit::ProcessResult run = GetComments();
+    const ProcessResult run = GetComments();
     EXPECT_EQ(run.output, kRefused);
     EXPECT_EQ(run.status, 0U);
     EXPECT_TRUE(server.Died());
@@ -288,7 +284,7 @@ TEST_F(HostileServers, ThatDieLeaveTheNextPrinterItsTurn) {
 
 /// Whether half a minute is waited for; the short tests wait two seconds.
 bool IsSlowRun() {
-    return !kit::EnvironmentVariable(L"KEMBA_SLOW_TESTS").empty();
+    return !EnvironmentVariable(L"KEMBA_SLOW_TESTS").empty();
 }
 
 /// Without a printer, for which all other tests would wait as long.
@@ -300,7 +296,7 @@ TEST_P(SlowServers, AreWaitedFor) {
     HostileServer server(kemba.classes, {GetParam(), std::to_wstring(milliseconds)});
     server.Start();
     const ULONGLONG begin = GetTickCount64();
-    const kit::ProcessResult run = kemba.Run({L"version", L"interface"}, 90s);
+    const ProcessResult run = kemba.Run({L"version", L"interface"}, 90s);
     EXPECT_EQ(run.output, "DAL: Version [VersionDetail]\r\n");
     EXPECT_EQ(run.status, 0U);
     EXPECT_GE(GetTickCount64() - begin, milliseconds);
@@ -319,10 +315,10 @@ class Activation : public HostileServers {
   protected:
     /// With no server to be had: the same words as for any other refusal.
     void ExpectNone() const {
-        const kit::ProcessResult get = GetComments();
+        const ProcessResult get = GetComments();
         EXPECT_EQ(get.output, kRefused);
         EXPECT_EQ(get.status, 0U);
-        const kit::ProcessResult version = kemba.Run({L"version", L"interface"});
+        const ProcessResult version = kemba.Run({L"version", L"interface"});
         EXPECT_EQ(version.output, SystemError(REGDB_E_CLASSNOTREG)); // Wine's word for all of these
         EXPECT_EQ(version.status, 0U);
         EXPECT_EQ(kemba.Run({L"/p", printer.Name(), L"version", L"driver"}).status, 2U);
@@ -343,7 +339,7 @@ TEST_F(Activation, StartsARegisteredProgram) {
 TEST_F(Activation, SurvivesARegisteredProgramThatDies) {
     const HostileServer server(kemba.classes, {"IDriverAutomation.GetComment", L"die"});
     const Registered registered(kemba.classes, L"LocalServer32", server.Line());
-    const kit::ProcessResult run = GetComments();
+    const ProcessResult run = GetComments();
     EXPECT_EQ(run.output, kRefused);
     EXPECT_EQ(run.status, 0U);
     EXPECT_TRUE(server.WasStarted());
@@ -360,7 +356,7 @@ TEST_F(Activation, OfAMissingProgramFails) {
 }
 
 TEST_F(Activation, OfAProgramThatIsNoServerFails) {
-    const Registered registered(kemba.classes, L"LocalServer32", kit::ProgramPath(L"planted-victim.exe"));
+    const Registered registered(kemba.classes, L"LocalServer32", ProgramPath(L"planted-victim.exe"));
     ExpectNone();
 }
 
@@ -371,7 +367,7 @@ TEST(SlowActivation, OfAProgramThatServesOthersFails) {
     const OwnKemba kemba;
     const HostileServer server(OwnClasses(), {"none", L"die"});
     const Registered registered(kemba.classes, L"LocalServer32", server.Line());
-    const kit::ProcessResult run = kemba.Run({L"version", L"interface"}, 90s);
+    const ProcessResult run = kemba.Run({L"version", L"interface"}, 90s);
     EXPECT_EQ(run.output, SystemError(REGDB_E_CLASSNOTREG));
     EXPECT_EQ(run.status, 0U);
     EXPECT_TRUE(server.WasStarted());

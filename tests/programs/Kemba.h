@@ -7,12 +7,12 @@
 #include "core/OString.h"
 #include "tests/kit/ProcessRun.h"
 
-namespace programs {
+namespace kit {
 
 using Words = std::vector<std::wstring>;
 
-inline kit::ProcessResult Kemba(const Words& words, const kit::ProcessOptions& options = {}) {
-    return kit::RunProgram(L"kemba.exe", words, options);
+inline ProcessResult Kemba(const Words& words, const ProcessOptions& options = {}) {
+    return RunProgram(L"kemba.exe", words, options);
 }
 
 /// The text in the code page of the output.
@@ -25,4 +25,4 @@ inline std::string Framed(const std::string& command, const std::string& lines) 
     return "Executing '" + command + "' command.\r\n" + lines + "Finished processing command.\r\n";
 }
 
-} // namespace programs
+} // namespace kit

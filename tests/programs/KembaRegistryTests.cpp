@@ -11,16 +11,14 @@
 #include "tests/kit/RegistryPreset.h"
 #include "tests/programs/Kemba.h"
 
-namespace {
+using namespace kit;
 
-using programs::Framed;
-using programs::Kemba;
-using programs::Printed;
+namespace {
 
 constexpr wchar_t kMasks[] = L"SOFTWARE\\Brandle\\Drivers\\DebugLogMasks";
 
 void ExpectAnUnknownCommand() {
-    const kit::ProcessResult run = Kemba({L"bogus"});
+    const ProcessResult run = Kemba({L"bogus"});
     EXPECT_EQ(run.output, "The command 'bogus' is unknown.\r\n");
     EXPECT_EQ(run.errors, "");
     EXPECT_EQ(run.status, 2U);
@@ -52,7 +50,7 @@ TEST(KembaProgram, WorksWhereTheRegistryIsDenied) {
         SCOPED_TRACE(rights);
         const KeyRights few(HKEY_LOCAL_MACHINE, kMasks, rights);
         ExpectAnUnknownCommand();
-        const kit::ProcessResult run = Kemba({L"/p", printer.Name(), L"get", L"comment"});
+        const ProcessResult run = Kemba({L"/p", printer.Name(), L"get", L"comment"});
         EXPECT_EQ(run.output, Framed("Get", Printed(printer.Name()) + ": by the door\r\n"));
         EXPECT_EQ(run.errors, "");
         EXPECT_EQ(run.status, 0U);

@@ -22,12 +22,8 @@
 
 namespace {
 
+using namespace kit;
 using namespace std::chrono_literals;
-using programs::Clients;
-using programs::Framed;
-using programs::HeldServer;
-using programs::Kemba;
-using programs::Printed;
 
 constexpr int kClients = 8;
 constexpr int kCommands = 40;                                            // of each client in a round
@@ -50,7 +46,7 @@ void RunClients(int commands, const std::vector<std::wstring>& printers, HeldSer
         clients.Start(L"load-client.exe", words);
     }
     bool allAnswered = true;
-    for (const kit::ProcessResult& result : clients.Finish(60s)) {
+    for (const ProcessResult& result : clients.Finish(60s)) {
         allAnswered = allAnswered && !result.timedOut;
         EXPECT_EQ(result.status, 0U) << result.output;
     }
@@ -101,10 +97,10 @@ TEST(ServerUnderLoad, ServesManyClientsWithoutAFailureAndLeavesNothing) {
 TEST(ServerLastTest, AClientThatDiesInTheMiddleHurtsNoOther) {
     const demo::Printer printer(
         {.port = L"LPT1:", .comment = L"by the door", .location = L"", .shareName = L"", .attributes = 0});
-    kit::ProcessOptions shortLived;
+    ProcessOptions shortLived;
     shortLived.timeout = 2s; // then it is ended, somewhere in its thousands of calls
-    EXPECT_TRUE(kit::RunProgram(L"load-client.exe", {L"100000", printer.Name()}, shortLived).timedOut);
-    const kit::ProcessResult run = Kemba({L"/p", printer.Name(), L"get", L"comment"});
+    EXPECT_TRUE(RunProgram(L"load-client.exe", {L"100000", printer.Name()}, shortLived).timedOut);
+    const ProcessResult run = Kemba({L"/p", printer.Name(), L"get", L"comment"});
     EXPECT_EQ(run.output, Framed("Get", Printed(printer.Name()) + ": by the door\r\n"));
     for (const DWORD server : RunningServers()) {
         const HANDLE process = OpenProcess(PROCESS_TERMINATE, FALSE, server);

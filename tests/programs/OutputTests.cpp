@@ -12,10 +12,9 @@
 #include "tests/kit/TemporaryFile.h"
 #include "tests/programs/Kemba.h"
 
-namespace {
+using namespace kit;
 
-using programs::Kemba;
-using programs::Words;
+namespace {
 
 SECURITY_ATTRIBUTES Inheritable() {
     SECURITY_ATTRIBUTES attributes{};
@@ -24,37 +23,35 @@ SECURITY_ATTRIBUTES Inheritable() {
     return attributes;
 }
 
-kit::Handle Open(const std::wstring& path, DWORD access) {
+Handle Open(const std::wstring& path, DWORD access) {
     SECURITY_ATTRIBUTES attributes = Inheritable();
-    return kit::Handle(CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &attributes,
-                                   OPEN_EXISTING, 0, nullptr));
+    return Handle(CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &attributes,
+                              OPEN_EXISTING, 0, nullptr));
 }
 
 /// A standard output that takes nothing.
 struct BadOutput {
     const char* title;
     DWORD error; ///< of the system, when somebody writes there
-    kit::Handle (*open)(const kit::TemporaryFile& file);
+    Handle (*open)(const TemporaryFile& file);
 };
 
 const BadOutput kBadOutputs[] = {
-    {"None", ERROR_INVALID_HANDLE, [](const kit::TemporaryFile&) { return kit::Handle(); }},
-    {"Invalid", ERROR_INVALID_HANDLE,
-     [](const kit::TemporaryFile&) { return kit::Handle(INVALID_HANDLE_VALUE); }},
+    {"None", ERROR_INVALID_HANDLE, [](const TemporaryFile&) { return Handle(); }},
+    {"Invalid", ERROR_INVALID_HANDLE, [](const TemporaryFile&) { return Handle(INVALID_HANDLE_VALUE); }},
     {"Unknown", ERROR_INVALID_HANDLE,
-     [](const kit::TemporaryFile&) { return kit::Handle(reinterpret_cast<HANDLE>(0x7FFC)); }},
+     [](const TemporaryFile&) { return Handle(reinterpret_cast<HANDLE>(0x7FFC)); }},
     {"ReadOnly", ERROR_ACCESS_DENIED,
-     [](const kit::TemporaryFile& file) { return Open(file.Path(), GENERIC_READ); }},
-    {"Full", ERROR_DISK_FULL,
-     [](const kit::TemporaryFile&) { return Open(L"Z:\\dev\\full", GENERIC_WRITE); }},
+     [](const TemporaryFile& file) { return Open(file.Path(), GENERIC_READ); }},
+    {"Full", ERROR_DISK_FULL, [](const TemporaryFile&) { return Open(L"Z:\\dev\\full", GENERIC_WRITE); }},
     {"ReaderGone", ERROR_NO_DATA,
-     [](const kit::TemporaryFile&) {
+     [](const TemporaryFile&) {
          SECURITY_ATTRIBUTES attributes = Inheritable();
          HANDLE read = nullptr;
          HANDLE write = nullptr;
          EXPECT_TRUE(CreatePipe(&read, &write, &attributes, 0));
          CloseHandle(read);
-         return kit::Handle(write);
+         return Handle(write);
      }},
 };
 
@@ -65,17 +62,17 @@ void PrintTo(const BadOutput& output, std::ostream* out) {
 class OutputThatFails : public testing::TestWithParam<BadOutput> {
   protected:
     /// Runs kemba.exe with this standard output.
-    kit::ProcessResult Run(const Words& words) const {
-        kit::ProcessOptions options;
+    ProcessResult Run(const Words& words) const {
+        ProcessOptions options;
         options.output = m_output.Get();
-        const kit::ProcessResult run = Kemba(words, options);
+        const ProcessResult run = Kemba(words, options);
         EXPECT_FALSE(run.timedOut);
         EXPECT_EQ(run.errors, "");
         return run;
     }
 
-    const kit::TemporaryFile m_file{"what was there"};
-    const kit::Handle m_output = GetParam().open(m_file);
+    const TemporaryFile m_file{"what was there"};
+    const Handle m_output = GetParam().open(m_file);
 };
 
 TEST_P(OutputThatFails, FailsForEverybody) {
@@ -99,9 +96,8 @@ TEST_P(OutputThatFails, DoesNotKeepTheWorkFromBeingDone) {
     const demo::Printer printer({.comment = L"by the door"});
     EXPECT_EQ(Run({L"/p", printer.Name(), L"set", L"comment", L"at the window"}).status, 0U);
     EXPECT_EQ(Run({L"/p", printer.Name(), L"get", L"comment"}).status, 0U);
-    const kit::ProcessResult seen = Kemba({L"/p", printer.Name(), L"get", L"comment"});
-    EXPECT_EQ(seen.output,
-              programs::Framed("Get", programs::Printed(printer.Name()) + ": at the window\r\n"));
+    const ProcessResult seen = Kemba({L"/p", printer.Name(), L"get", L"comment"});
+    EXPECT_EQ(seen.output, Framed("Get", Printed(printer.Name()) + ": at the window\r\n"));
     EXPECT_EQ(m_file.Read(), "what was there");
 }
 

@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <string_view>
 
-namespace programs {
+namespace kit {
 namespace {
 
 std::string_view Bytes(const CLSID& id) {
@@ -59,4 +59,4 @@ std::wstring TextOf(const CLSID& id) {
     return text;
 }
 
-} // namespace programs
+} // namespace kit

@@ -5,7 +5,7 @@
 
 #include <string>
 
-namespace programs {
+namespace kit {
 
 /// Fresh classes in the place of the contract's. A server under them has no other clients and may simply be
 /// ended: Wine never forgets the classes of a server that was.
@@ -27,4 +27,4 @@ struct OwnClasses {
 /// As the registry and command lines write it, braces included.
 std::wstring TextOf(const CLSID& id);
 
-} // namespace programs
+} // namespace kit

@@ -18,12 +18,12 @@
 #include "tests/programs/OwnClasses.h"
 #include "tests/substitute/TemporaryFolder.h"
 
+using namespace kit;
+
 namespace {
 
 using kemba::ComPtr;
 using kemba::OwnedBstr;
-using programs::Framed;
-using programs::Printed;
 
 /// What the programs import besides known DLLs, and what Wine's own libraries load behind those calls.
 const std::vector<std::wstring> kLibraries = {L"WINSPOOL.DRV", L"VERSION.dll",  L"actxprxy.dll",
@@ -37,7 +37,7 @@ class PlantedLibrary : public testing::Test {
   protected:
     PlantedLibrary() {
         for (const std::wstring& library : kLibraries) {
-            std::filesystem::copy_file(kit::ProgramPath(L"planted_library.dll"), folder.File(library));
+            std::filesystem::copy_file(ProgramPath(L"planted_library.dll"), folder.File(library));
         }
     }
     ~PlantedLibrary() override {
@@ -50,7 +50,7 @@ class PlantedLibrary : public testing::Test {
     /// to prefer; gives its path.
     std::wstring Bring(const std::wstring& program) {
         const std::wstring name = L"planted-" + std::to_wstring(GetCurrentProcessId()) + L"-" + program;
-        std::filesystem::copy_file(kit::ProgramPath(program), folder.File(name));
+        std::filesystem::copy_file(ProgramPath(program), folder.File(name));
         m_keys.push_back(L"Software\\Wine\\AppDefaults\\" + name);
         for (const std::wstring& library : kLibraries) {
             const std::wstring stem =
@@ -112,7 +112,7 @@ class OwnServer {
     }
 
   private:
-    const programs::OwnClasses m_classes;
+    const OwnClasses m_classes;
     HANDLE m_process = nullptr;
 };
 
@@ -124,10 +124,10 @@ std::wstring Ask(IDriverAutomation& automation, HRESULT (IDriverAutomation::*que
 
 TEST_F(PlantedLibrary, IsLoadedByAProgramThatTakesNoCare) {
     const std::wstring victim = Bring(L"planted-victim.exe");
-    kit::RunProgram(victim, {});
+    RunProgram(victim, {});
     EXPECT_TRUE(WasLoaded(L"WINSPOOL.DRV"));
     EXPECT_TRUE(WasLoaded(L"VERSION.dll"));
-    kit::RunProgram(victim, kLibraries);
+    RunProgram(victim, kLibraries);
     for (const std::wstring& library : kLibraries) {
         EXPECT_TRUE(WasLoaded(library)) << Printed(library);
     }
@@ -135,8 +135,7 @@ TEST_F(PlantedLibrary, IsLoadedByAProgramThatTakesNoCare) {
 
 TEST_F(PlantedLibrary, IsNotLoadedByKemba) {
     const demo::Printer printer({.comment = L"by the door"});
-    const kit::ProcessResult run =
-        kit::RunProgram(Bring(L"kemba.exe"), {L"/p", printer.Name(), L"get", L"comment"});
+    const ProcessResult run = RunProgram(Bring(L"kemba.exe"), {L"/p", printer.Name(), L"get", L"comment"});
     EXPECT_EQ(run.output, Framed("Get", Printed(printer.Name()) + ": by the door\r\n"));
     EXPECT_EQ(run.status, 0U);
     ExpectNoneWasLoaded();

@@ -6,10 +6,12 @@
 #include "core/ProgramEnd.h"
 #include "tests/kit/ProcessRun.h"
 
+using namespace kit;
+
 namespace {
 
-kit::ProcessResult RunWith(const std::wstring& word) {
-    const kit::ProcessResult run = kit::RunProgram(L"ended-program.exe", {word});
+ProcessResult RunWith(const std::wstring& word) {
+    const ProcessResult run = RunProgram(L"ended-program.exe", {word});
     EXPECT_FALSE(run.timedOut);
     EXPECT_EQ(run.output, "");
     EXPECT_EQ(run.errors, "");

@@ -18,9 +18,9 @@
 #include "tests/kit/Environment.h"
 #include "tests/programs/HeldServer.h"
 
-namespace {
+using namespace kit;
 
-using programs::HeldServer;
+namespace {
 
 constexpr std::size_t kRounds = 5;
 /// A second question of the spooler would make it 1.26 to 1.4; one gives 1.0 to 1.03.
@@ -28,7 +28,7 @@ constexpr double kMostInTheBestRound = 1.2;
 
 /// How many reads make up a round: KEMBA_READ_COUNT, or what a run of all tests has time for.
 int ReadCount() {
-    const std::wstring count = kit::EnvironmentVariable(L"KEMBA_READ_COUNT");
+    const std::wstring count = EnvironmentVariable(L"KEMBA_READ_COUNT");
     return count.empty() ? 200 : std::stoi(count);
 }
 

@@ -6,17 +6,12 @@
 #include "demo/WinePrinters.h"
 #include "tests/programs/Kemba.h"
 
+using namespace kit;
+
 namespace {
 
-using programs::Kemba;
-using programs::Printed;
-
-std::string Framed(const std::string& lines) {
-    return programs::Framed("Get", lines);
-}
-
 struct RealPair : testing::Test {
-    kit::ProcessResult Get(const wchar_t* field) { return Kemba({L"/p", printer.Name(), L"get", field}); }
+    ProcessResult Get(const wchar_t* field) { return Kemba({L"/p", printer.Name(), L"get", field}); }
     /// What `get` prints for a value of the printer.
     std::string Line(const std::string& value) const {
         return Printed(printer.Name()) + ": " + value + "\r\n";
@@ -30,38 +25,38 @@ struct RealPair : testing::Test {
 };
 
 TEST_F(RealPair, GetReadsEveryFieldFromTheSpooler) {
-    EXPECT_EQ(Get(L"comment").output, Framed(Line("by the door, 50% %1")));
-    EXPECT_EQ(Get(L"location").output, Framed(Line("Hall 3/b")));
-    EXPECT_EQ(Get(L"sharename").output, Framed(Line("dock")));
-    EXPECT_EQ(Get(L"portname").output, Framed(Line("LPT1:")));
-    const kit::ProcessResult status = Get(L"status");
-    EXPECT_EQ(status.output, Framed(Line("Ready")));
+    EXPECT_EQ(Get(L"comment").output, Framed("Get", Line("by the door, 50% %1")));
+    EXPECT_EQ(Get(L"location").output, Framed("Get", Line("Hall 3/b")));
+    EXPECT_EQ(Get(L"sharename").output, Framed("Get", Line("dock")));
+    EXPECT_EQ(Get(L"portname").output, Framed("Get", Line("LPT1:")));
+    const ProcessResult status = Get(L"status");
+    EXPECT_EQ(status.output, Framed("Get", Line("Ready")));
     EXPECT_EQ(status.errors, "");
     EXPECT_EQ(status.status, 0U);
 }
 
 TEST_F(RealPair, EveryPrinterIsServedInTurn) {
-    const kit::ProcessResult run =
+    const ProcessResult run =
         Kemba({L"/p", printer.Name(), L"/p", L"Nobody", L"/p", printer.Name(), L"get", L"Comment"});
     const std::string line = Line("by the door, 50% %1");
-    EXPECT_EQ(run.output, "The printer 'Nobody' is not found.\r\n" + Framed(line + line));
+    EXPECT_EQ(run.output, "The printer 'Nobody' is not found.\r\n" + Framed("Get", line + line));
     EXPECT_EQ(run.status, 0U);
 }
 
 TEST_F(RealPair, AnUnknownFieldIsInvalid) {
-    const kit::ProcessResult run = Get(L"stat");
-    EXPECT_EQ(run.output, Framed("Argument 'stat' is invalid.\r\n"));
+    const ProcessResult run = Get(L"stat");
+    EXPECT_EQ(run.output, Framed("Get", "Argument 'stat' is invalid.\r\n"));
     EXPECT_EQ(run.status, 0U);
 }
 
 TEST_F(RealPair, QuietModeAsksTheServerAndPrintsNothing) {
-    const kit::ProcessResult run = Kemba({L"/q", L"/p", printer.Name(), L"get", L"comment"});
+    const ProcessResult run = Kemba({L"/q", L"/p", printer.Name(), L"get", L"comment"});
     EXPECT_EQ(run.output, "");
     EXPECT_EQ(run.status, 0U);
 }
 
 TEST_F(RealPair, TheServersVersionIsTheProducts) {
-    const kit::ProcessResult run = Kemba({L"version", L"interface"});
+    const ProcessResult run = Kemba({L"version", L"interface"});
     EXPECT_EQ(run.output.substr(0, 11), "DAL: 1.0.0 ");
     EXPECT_EQ(run.status, 0U);
 }

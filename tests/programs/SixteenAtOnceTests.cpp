@@ -16,10 +16,8 @@
 
 namespace {
 
+using namespace kit;
 using namespace std::chrono_literals;
-using programs::Framed;
-using programs::Printed;
-using programs::Words;
 
 constexpr int kRuns = 16;
 
@@ -50,13 +48,13 @@ TEST(SixteenAtOnce, ArePrintedAndEndAsEachAlone) {
     };
     ASSERT_EQ(CoInitialize(nullptr), S_OK);
     {
-        const programs::HeldServer server(one.Name(), 100s);
-        programs::Clients clients;
+        const HeldServer server(one.Name(), 100s);
+        Clients clients;
         for (int run = 0; run < kRuns; ++run) {
             clients.Start(L"kemba.exe", expected[run % std::size(expected)].words);
         }
         int run = 0;
-        for (const kit::ProcessResult& result : clients.Finish(60s)) {
+        for (const ProcessResult& result : clients.Finish(60s)) {
             SCOPED_TRACE(run);
             const Expected& each = expected[run++ % std::size(expected)];
             EXPECT_FALSE(result.timedOut);

@@ -11,7 +11,7 @@
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
 
-namespace programs {
+namespace kit {
 
 using namespace kemba::substitute;
 
@@ -126,4 +126,4 @@ std::optional<std::vector<SoakJob>> JobsIn(std::string_view received) {
     return jobs;
 }
 
-} // namespace programs
+} // namespace kit

@@ -17,7 +17,7 @@
 
 #include "substitute/settings/Settings.h"
 
-namespace programs {
+namespace kit {
 
 inline constexpr int kSoakClients = 8;
 inline constexpr int kSoakPrinters = 20;
@@ -56,7 +56,7 @@ std::wstring ImportPath(const std::wstring& folder, int state);
 std::wstring ReferencePath(const std::wstring& folder, int state);
 
 /// Every other printer has a file as its port. A job replaces the one before it there, so that one client
-/// alone sends to it, and looks after each job; all of them send at once. The rest have kit::PrinterPort,
+/// alone sends to it, and looks after each job; all of them send at once. The rest have PrinterPort,
 /// which collects the jobs of all clients; those go one at a time, under the lock, because Wine starts a
 /// program for each of them, and two that are started in the same moment may wait for each other for ever.
 bool HasFilePort(int printer);
@@ -78,4 +78,4 @@ std::string JobBytes(const SoakJob& job);
 /// one.
 std::optional<std::vector<SoakJob>> JobsIn(std::string_view received);
 
-} // namespace programs
+} // namespace kit

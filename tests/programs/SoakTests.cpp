@@ -29,12 +29,12 @@
 
 namespace {
 
+using namespace kit;
 using namespace std::chrono_literals;
-using namespace programs;
 
 /// How long the clients work: KEMBA_SOAK_SECONDS, or what a run of all tests has time for.
 std::chrono::seconds SoakTime() {
-    const std::wstring seconds = kit::EnvironmentVariable(L"KEMBA_SOAK_SECONDS");
+    const std::wstring seconds = EnvironmentVariable(L"KEMBA_SOAK_SECONDS");
     return std::chrono::seconds(seconds.empty() ? 12 : std::stol(seconds));
 }
 
@@ -46,7 +46,7 @@ struct SoakPrinter {
                    .location = FieldText(number, 1, 0),
                    .shareName = FieldText(number, 2, 0)}) {}
 
-    const kit::PrinterPort port;
+    const PrinterPort port;
     const demo::Printer printer;
 };
 

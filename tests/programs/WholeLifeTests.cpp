@@ -15,12 +15,9 @@
 #include "tests/kit/TemporaryFile.h"
 #include "tests/programs/Kemba.h"
 
-namespace {
+using namespace kit;
 
-using programs::Framed;
-using programs::Kemba;
-using programs::Printed;
-using programs::Words;
+namespace {
 
 const std::string kUnsupported = "The command is unsupported on this printer.\r\n";
 
@@ -84,7 +81,7 @@ struct WholeLife : testing::Test {
     /// A run on the printer; its exit status must be 0.
     std::string On(Words words) {
         words.insert(words.end(), {L"/p", printer.Name()});
-        const kit::ProcessResult run = Kemba(words);
+        const ProcessResult run = Kemba(words);
         EXPECT_EQ(run.status, 0U);
         EXPECT_EQ(run.errors, "");
         return run.output;
@@ -98,7 +95,7 @@ struct WholeLife : testing::Test {
         return output.substr(before.size(), output.size() - before.size() - after.size());
     }
 
-    const kit::PrinterPort port;
+    const PrinterPort port;
     const demo::Printer printer{
         {.port = port.Name(), .comment = L"", .location = L"", .shareName = L"", .attributes = 0}};
     const std::string name = Printed(printer.Name());
@@ -130,7 +127,7 @@ TEST_F(WholeLife, ALongCommentIsWrittenAndReadBack) {
 
 TEST_F(WholeLife, TwentyMegabytesArriveAtThePortsOtherEndByteForByte) {
     const std::string bytes = RandomBytes(20'000'000);
-    const kit::TemporaryFile file(bytes);
+    const TemporaryFile file(bytes);
     EXPECT_EQ(On({L"send", file.Path()}), Framed("Send", "File sent to '" + name + "'.\r\n"));
     const std::string received = port.Received(bytes.size());
     EXPECT_EQ(received.size(), bytes.size());
@@ -138,7 +135,7 @@ TEST_F(WholeLife, TwentyMegabytesArriveAtThePortsOtherEndByteForByte) {
 }
 
 TEST_F(WholeLife, SettingsAreExportedImportedAndReset) {
-    const kit::TemporaryFile file;
+    const TemporaryFile file;
     EXPECT_EQ(On({L"settings", L"export", file.Path()}),
               Framed("Export", "Settings exported for '" + name + "'.\r\n"));
     const std::string exported = file.Read();
@@ -147,7 +144,7 @@ TEST_F(WholeLife, SettingsAreExportedImportedAndReset) {
     PrinterSettings settings(printer.Name());
     settings.SetOrientation(DMORIENT_LANDSCAPE);
     settings.SetData(L"Darkness", 17);
-    const kit::TemporaryFile changed;
+    const TemporaryFile changed;
     On({L"settings", L"export", changed.Path()});
     EXPECT_NE(changed.Read(), exported);
 
@@ -164,19 +161,18 @@ TEST_F(WholeLife, SettingsAreExportedImportedAndReset) {
 }
 
 TEST_F(WholeLife, ADamagedSettingsFileIsRefused) {
-    const kit::TemporaryFile file;
+    const TemporaryFile file;
     On({L"settings", L"export", file.Path()});
     std::string bytes = file.Read();
     bytes[bytes.size() / 2] = static_cast<char>(bytes[bytes.size() / 2] ^ 1);
-    const kit::TemporaryFile damaged(bytes);
+    const TemporaryFile damaged(bytes);
     EXPECT_EQ(On({L"settings", L"import", damaged.Path()}), Framed("Import", kUnsupported));
 }
 
 TEST_F(WholeLife, AProfilesActionArrivesAsItsBytes) {
     // The printer's own profile stands beside the server, named after the printer.
-    const std::filesystem::path path =
-        std::filesystem::path(kit::ProgramPath(L"kemba-dal.exe")).parent_path() / "profiles" /
-        (printer.Name() + L".profile");
+    const std::filesystem::path path = std::filesystem::path(ProgramPath(L"kemba-dal.exe")).parent_path() /
+                                       "profiles" / (printer.Name() + L".profile");
     std::filesystem::create_directories(path.parent_path());
     std::ofstream(path, std::ios::binary) << "Feed = ESC \"d\" 0x03\n";
     EXPECT_EQ(On({L"action", L"-n", L"Feed"}),
@@ -200,7 +196,7 @@ TEST_F(WholeLife, TheDriversVersionIsToldOrUnknown) {
 }
 
 TEST_F(WholeLife, AnEmptyFileIsRefused) {
-    const kit::TemporaryFile file;
+    const TemporaryFile file;
     EXPECT_EQ(On({L"send", file.Path()}), Framed("Send", kUnsupported));
 }
 

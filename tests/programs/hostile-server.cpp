@@ -24,6 +24,8 @@
 #include "tests/kit/ServerState.h"
 #include "tests/programs/OwnClasses.h"
 
+using namespace kit;
+
 namespace {
 
 constexpr UINT kDeath = 9;              // exit status
@@ -35,9 +37,9 @@ struct Hostility {
     std::function<void()> work;
 };
 
-class Factory final : public kit::OneInterface<IClassFactory> {
+class Factory final : public OneInterface<IClassFactory> {
   public:
-    Factory(std::shared_ptr<kit::ServerState> state, kit::FakeClass which, const Hostility& hostility)
+    Factory(std::shared_ptr<ServerState> state, FakeClass which, const Hostility& hostility)
         : m_state(std::move(state)), m_class(which), m_hostility(hostility) {}
 
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID id, void** object) override {
@@ -50,8 +52,8 @@ class Factory final : public kit::OneInterface<IClassFactory> {
     HRESULT STDMETHODCALLTYPE LockServer(WINBOOL) override { return S_OK; }
 
   private:
-    std::shared_ptr<kit::ServerState> m_state;
-    kit::FakeClass m_class;
+    std::shared_ptr<ServerState> m_state;
+    FakeClass m_class;
     const Hostility& m_hostility;
 };
 
@@ -69,10 +71,10 @@ int wmain(int count, wchar_t* words[]) {
         FAILED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))) {
         return 1;
     }
-    const Hostility hostility{kit::Narrow(words[2]), WorkOf(words[3])};
-    const auto state = std::make_shared<kit::ServerState>();
-    if (kit::FindOperation(hostility.operation)) {
-        kit::Answer answer;
+    const Hostility hostility{Narrow(words[2]), WorkOf(words[3])};
+    const auto state = std::make_shared<ServerState>();
+    if (FindOperation(hostility.operation)) {
+        Answer answer;
         answer.work = hostility.work;
         state->script.Add(hostility.operation, std::move(answer));
     }
@@ -81,10 +83,10 @@ int wmain(int count, wchar_t* words[]) {
     if (FAILED(CLSIDFromString(words[1], &first))) {
         return 1;
     }
-    const programs::OwnClasses own(first);
-    const std::pair<kit::FakeClass, CLSID> classes[] = {{kit::FakeClass::DriverAutomation, own.automation},
-                                                        {kit::FakeClass::DriverActions, own.actions},
-                                                        {kit::FakeClass::VersionInformation, own.version}};
+    const OwnClasses own(first);
+    const std::pair<FakeClass, CLSID> classes[] = {{FakeClass::DriverAutomation, own.automation},
+                                                   {FakeClass::DriverActions, own.actions},
+                                                   {FakeClass::VersionInformation, own.version}};
     for (const auto& [which, id] : classes) {
         DWORD registration = 0;
         auto* const factory = new Factory(state, which, hostility);

@@ -11,12 +11,14 @@
 #include "core/OString.h"
 #include "tests/kit/WholeRun.h"
 
+using namespace kit;
+
 namespace {
 
 /// A fresh process's settings for each run.
-kit::RunResult Run(const std::vector<std::wstring>& words) {
+RunResult Run(const std::vector<std::wstring>& words) {
     kemba::TheProcessObjects().settings.printerNames.RemoveAll();
-    return kit::RunWords(kemba::RunKemba, words);
+    return RunWords(kemba::RunKemba, words);
 }
 
 std::string Printed(const std::wstring& text) {

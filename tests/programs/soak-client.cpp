@@ -28,7 +28,7 @@
 
 namespace {
 
-using namespace programs;
+using namespace kit;
 using kemba::ComPtr;
 
 constexpr int kMostFailures = 20; // that are printed

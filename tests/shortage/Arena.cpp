@@ -7,7 +7,7 @@
 
 #include "tests/kit/ImportPatch.h"
 
-namespace shortage {
+namespace kit {
 namespace {
 
 constexpr std::size_t kBytes = std::size_t{64} << 20;
@@ -75,7 +75,7 @@ char* Duplicate(const char* text) {
 
 template<class Call>
 Call Replace(HMODULE module, const char* name, Call replacement) {
-    return reinterpret_cast<Call>(kit::PatchImport(module, name, reinterpret_cast<void*>(replacement)));
+    return reinterpret_cast<Call>(PatchImport(module, name, reinterpret_cast<void*>(replacement)));
 }
 
 } // namespace
@@ -104,4 +104,4 @@ void ShrinkArena(std::size_t size) {
     g_used = size;
 }
 
-} // namespace shortage
+} // namespace kit

@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-namespace shortage {
+namespace kit {
 
 /// Takes the place of the C runtime's heap for the module; what it gave before is still freed there. Memory
 /// is given out once, filled with a pattern, and so it is when it is freed.
@@ -18,4 +18,4 @@ char* ArenaStart();
 /// Forgets all that was given beyond that size.
 void ShrinkArena(std::size_t size);
 
-} // namespace shortage
+} // namespace kit

@@ -1,7 +1,7 @@
 // Table of command lines.
 #include "tests/shortage/CommandLines.h"
 
-namespace shortage {
+namespace kit {
 namespace {
 
 using enum Handling;
@@ -78,4 +78,4 @@ const std::vector<CommandLine>& AllCommandLines() {
     return lines;
 }
 
-} // namespace shortage
+} // namespace kit

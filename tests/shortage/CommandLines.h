@@ -6,7 +6,7 @@
 
 #include "tests/shortage/Run.h"
 
-namespace shortage {
+namespace kit {
 
 /// How a command ends when memory is short while it works on a printer, besides the ordinary and the abnormal
 /// end.
@@ -36,4 +36,4 @@ inline void PrintTo(const CommandLine& line, std::ostream* output) {
 /// Every command in its forms, with the program's printers "Dock 1", the default one, and "Dock 2".
 const std::vector<CommandLine>& AllCommandLines();
 
-} // namespace shortage
+} // namespace kit

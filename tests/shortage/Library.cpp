@@ -27,11 +27,9 @@
 #include "tests/shortage/Record.h"
 #include "tests/shortage/Snapshot.h"
 
-namespace {
+using namespace kit;
 
-using shortage::Board;
-using shortage::Record;
-using shortage::RepeatedRun;
+namespace {
 
 constexpr const wchar_t* kPrinters[] = {L"Dock 1", L"Dock 2"};
 
@@ -39,7 +37,7 @@ HMODULE g_library = nullptr;
 Board g_ownBoard; // where nobody asked for one
 Board* g_board = &g_ownBoard;
 Record* g_record = &g_ownBoard.single;
-kit::FakeServer* g_server = nullptr; // made at the first initialisation of the component runtime
+FakeServer* g_server = nullptr; // made at the first initialisation of the component runtime
 long g_initialisations = 0;
 RepeatedRun* g_repeated = nullptr; // the present one of several runs
 void* g_restart[5];                // where a repeated run goes on when it has ended
@@ -76,8 +74,8 @@ void Journalize(const std::string& call) {
 
 /// Makes operations fail as the variable says: "IPrinterQueue.Purge=80004005", and more such after a ";".
 /// "#2" behind the operation's name means the second object alone, "+" at the end adds error information.
-void FailingCalls(kit::FakeServer& server) {
-    std::string entries = Variable(shortage::kServerVariable);
+void FailingCalls(FakeServer& server) {
+    std::string entries = Variable(kServerVariable);
     for (std::size_t end = 0; !entries.empty(); entries.erase(0, end)) {
         end = std::min(entries.find(';'), entries.size());
         const std::string entry = entries.substr(0, end);
@@ -85,7 +83,7 @@ void FailingCalls(kit::FakeServer& server) {
         const std::size_t equals = entry.find('=');
         const std::size_t number = std::min(entry.find('#'), equals);
         const auto status = static_cast<HRESULT>(std::strtoul(entry.c_str() + equals + 1, nullptr, 16));
-        kit::Rule& rule = server.Fail(entry.substr(0, number), status);
+        Rule& rule = server.Fail(entry.substr(0, number), status);
         if (number < equals) {
             rule.ForObject(std::atoi(entry.c_str() + number + 1));
         }
@@ -97,7 +95,7 @@ void FailingCalls(kit::FakeServer& server) {
 
 HRESULT WINAPI Initialize(void* reserved) {
     if (!g_server) {
-        g_server = new kit::FakeServer;
+        g_server = new FakeServer;
         g_server->FollowCalls(Journalize);
         FailingCalls(*g_server);
     }
@@ -180,12 +178,12 @@ void NoteFault(const std::string& fault) {
 /// The program has done its work.
 void NoteReturn() {
     g_record->allocationsAtReturn = g_record->allocations;
-    kit::Holdings held = kit::Held();
+    Holdings held = Held();
     g_record->heapBlocks = held.heapBlocks;
     g_record->handles = held.handles;
     held.heapBlocks = held.handles = 0; // of which process-wide objects hold some
-    held.texts += kit::TextWatch::Given();
-    for (const std::string& fault : kit::Differences({}, held)) {
+    held.texts += TextWatch::Given();
+    for (const std::string& fault : Differences({}, held)) {
         NoteFault(fault);
     }
     if (g_server) {
@@ -240,13 +238,13 @@ void CleanUp() {
 
 /// Runs the program for each point on the board, each time from the state in which it is now.
 [[noreturn]] void RunRepeatedly(int (*program)(int, wchar_t*[]), int argumentCount, wchar_t* arguments[]) {
-    const shortage::Snapshot snapshot(GetModuleHandleW(nullptr));
-    const kit::Holdings held = kit::Held();
+    const Snapshot snapshot(GetModuleHandleW(nullptr));
+    const Holdings held = Held();
     const LONG allocations = g_record->allocations;
     for (g_repeated = g_board->repeated; g_repeated != g_board->repeated + g_board->runs; ++g_repeated) {
         snapshot.Restore();
-        kit::SetHeld(held);
-        kit::TextWatch::ForgetGiven();
+        SetHeld(held);
+        TextWatch::ForgetGiven();
         g_record = &g_repeated->record;
         g_record->allocations = g_record->allocationsAtStart = allocations;
         g_repeated->outputBegin = OutputSize();
@@ -274,7 +272,7 @@ LONG WINAPI EndAtCrash(EXCEPTION_POINTERS* exception) {
 }
 
 void ShareBoard() {
-    const std::string name = Variable(shortage::kBoardVariable);
+    const std::string name = Variable(kBoardVariable);
     const HANDLE memory = OpenFileMappingA(FILE_MAP_WRITE, FALSE, name.c_str());
     if (!memory) {
         return;
@@ -289,7 +287,7 @@ void ShareBoard() {
 void TakePoint() {
     constexpr std::string_view kOnce = "once:";
     constexpr std::string_view kLasting = "lasting:";
-    const std::string point = Variable(shortage::kPointVariable);
+    const std::string point = Variable(kPointVariable);
     g_record->isLasting = point.starts_with(kLasting);
     if (g_record->isLasting || point.starts_with(kOnce)) {
         g_record->firstRefused = std::atoi(point.c_str() + (g_record->isLasting ? kLasting : kOnce).size());
@@ -298,8 +296,7 @@ void TakePoint() {
 
 template<class Call>
 void Replace(const char* name, Call replacement, Call* real = nullptr) {
-    void* const found =
-        kit::PatchImport(GetModuleHandleW(nullptr), name, reinterpret_cast<void*>(replacement));
+    void* const found = PatchImport(GetModuleHandleW(nullptr), name, reinterpret_cast<void*>(replacement));
     if (real) {
         *real = reinterpret_cast<Call>(found);
     }
@@ -379,8 +376,8 @@ BOOL WINAPI DllMain(HINSTANCE library, DWORD reason, void*) {
         TakePoint();
         const HMODULE program = GetModuleHandleW(nullptr);
         if (g_board->runs > 0) {
-            shortage::UseArena(program);
-            shortage::Snapshot::WatchSlots(program);
+            UseArena(program);
+            Snapshot::WatchSlots(program);
         }
         Replace("CoInitialize", &Initialize, &g_coInitialize);
         Replace("CoUninitialize", &Uninitialize, &g_coUninitialize);
@@ -392,7 +389,7 @@ BOOL WINAPI DllMain(HINSTANCE library, DWORD reason, void*) {
         Replace("RegCloseKey", &CloseKey);
         Replace("RegQueryValueExW", &QueryValue);
         Replace("RegSetValueExW", &SetValue);
-        kit::WatchHoldings(program, MayAllocate);
+        WatchHoldings(program, MayAllocate);
     }
     return TRUE;
 }

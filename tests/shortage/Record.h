@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-namespace shortage {
+namespace kit {
 
 /// The variables by which a process is told what to do; without any, its one run is undisturbed.
 inline constexpr char kPointVariable[] = "KEMBA_SHORTAGE";         ///< "once:7", "lasting:7"
@@ -46,4 +46,4 @@ struct Board {
     RepeatedRun repeated[kMostRuns];
 };
 
-} // namespace shortage
+} // namespace kit

@@ -10,7 +10,7 @@
 #include "tests/kit/ProcessRun.h"
 #include "tests/shortage/Record.h"
 
-namespace shortage {
+namespace kit {
 namespace {
 
 constexpr wchar_t kProgram[] = L"kemba-short.exe";
@@ -25,8 +25,8 @@ class SharedBoard {
     SharedBoard() {
         static int made = 0;
         m_name = "kemba-shortage-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++made);
-        m_memory = kit::Handle(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
-                                                  sizeof(Board), m_name.c_str()));
+        m_memory = Handle(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(Board),
+                                             m_name.c_str()));
         m_view =
             m_memory.Get() ? MapViewOfFile(m_memory.Get(), FILE_MAP_WRITE, 0, 0, sizeof(Board)) : nullptr;
         if (!m_view) {
@@ -42,7 +42,7 @@ class SharedBoard {
 
   private:
     std::string m_name;
-    kit::Handle m_memory;
+    Handle m_memory;
     void* m_view = nullptr;
 };
 
@@ -69,9 +69,9 @@ Outcome Read(const Record& record) {
     return run;
 }
 
-kit::ProcessResult Start(const Words& words, const SharedBoard& board, const Point& point,
-                         const std::string& failing, bool outputToFile) {
-    kit::ProcessOptions options;
+ProcessResult Start(const Words& words, const SharedBoard& board, const Point& point,
+                    const std::string& failing, bool outputToFile) {
+    ProcessOptions options;
     options.environment = {{Widened(kPointVariable), Widened(point.Text())},
                            {Widened(kServerVariable), Widened(failing)},
                            {Widened(kBoardVariable), Widened(board.Name())}};
@@ -79,7 +79,7 @@ kit::ProcessResult Start(const Words& words, const SharedBoard& board, const Poi
     if (board.Get().runs > 0) {
         options.timeout = std::chrono::minutes(2);
     }
-    return kit::RunProgram(kProgram, words, options);
+    return RunProgram(kProgram, words, options);
 }
 
 } // namespace
@@ -90,7 +90,7 @@ std::string Point::Text() const {
 
 Outcome RunShort(const Words& words, const Point& point, const std::string& failing) {
     const SharedBoard board;
-    const kit::ProcessResult ended = Start(words, board, point, failing, false);
+    const ProcessResult ended = Start(words, board, point, failing, false);
     Outcome run = Read(board.Get().single);
     run.status = ended.status;
     run.timedOut = ended.timedOut;
@@ -112,7 +112,7 @@ std::vector<Outcome> RunAllShort(const Words& words, const std::vector<Point>& p
             shared.repeated[index].record.firstRefused = point.first;
             shared.repeated[index].record.isLasting = point.lasts;
         }
-        const kit::ProcessResult ended = Start(words, board, {}, failing, true);
+        const ProcessResult ended = Start(words, board, {}, failing, true);
         for (LONG index = 0; index < shared.runs; ++index) {
             const RepeatedRun& repeated = shared.repeated[index];
             // Whoever brought the process down, or wrote where nobody may write, shows when each runs alone.
@@ -142,4 +142,4 @@ std::string Repetition(const Words& words, const Point& point, const std::string
     return line;
 }
 
-} // namespace shortage
+} // namespace kit

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace shortage {
+namespace kit {
 
 using Words = std::vector<std::wstring>;
 
@@ -50,4 +50,4 @@ std::vector<Outcome> RunAllShort(const Words& words, const std::vector<Point>& p
 /// The command by which the run is repeated from a prompt, in the project's folder.
 std::string Repetition(const Words& words, const Point& point, const std::string& failing);
 
-} // namespace shortage
+} // namespace kit

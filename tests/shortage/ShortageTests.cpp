@@ -19,7 +19,8 @@
 #include "tests/shortage/Run.h"
 #include "tests/shortage/Verdict.h"
 
-namespace shortage {
+using namespace kit;
+
 namespace {
 
 constexpr const char* kWrongNames[] = {
@@ -55,8 +56,8 @@ class Shortage : public testing::TestWithParam<CommandLine> {
 
     /// Whether the point is among those that are tried.
     bool IsChosen(const Point& point) const {
-        static const bool all = !kit::EnvironmentVariable(L"KEMBA_SHORTAGE_ALL").empty();
-        static const std::wstring seed = kit::EnvironmentVariable(L"KEMBA_SHORTAGE_SEED");
+        static const bool all = !EnvironmentVariable(L"KEMBA_SHORTAGE_ALL").empty();
+        static const std::wstring seed = EnvironmentVariable(L"KEMBA_SHORTAGE_SEED");
         std::uint32_t hash = 2166136261; // FNV-1a
         const std::string text = line.name + point.Text() + std::string(seed.begin(), seed.end());
         for (const char each : text) {
@@ -153,4 +154,3 @@ INSTANTIATE_TEST_SUITE_P(Of, Shortage, testing::ValuesIn(AllCommandLines()),
                          [](const testing::TestParamInfo<CommandLine>& each) { return each.param.name; });
 
 } // namespace
-} // namespace shortage

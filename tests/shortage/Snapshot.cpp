@@ -6,7 +6,7 @@
 #include "tests/kit/ImportPatch.h"
 #include "tests/shortage/Arena.h"
 
-namespace shortage {
+namespace kit {
 namespace {
 
 std::vector<DWORD> g_slots; // taken by the program and not freed
@@ -22,7 +22,7 @@ DWORD WINAPI TakeSlot() {
 } // namespace
 
 void Snapshot::WatchSlots(HMODULE module) {
-    kit::PatchImport(module, "TlsAlloc", reinterpret_cast<void*>(&TakeSlot));
+    PatchImport(module, "TlsAlloc", reinterpret_cast<void*>(&TakeSlot));
 }
 
 Snapshot::Snapshot(HMODULE module) {
@@ -55,4 +55,4 @@ void Snapshot::Restore() const {
     }
 }
 
-} // namespace shortage
+} // namespace kit

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-namespace shortage {
+namespace kit {
 
 /// The program's variables, its heap (the arena) and the values of its thread-local slots. What the system
 /// holds for it, handles for one, stays as it is.
@@ -29,4 +29,4 @@ class Snapshot {
     std::vector<void*> m_slots; // values of the slots taken so far, in their order
 };
 
-} // namespace shortage
+} // namespace kit

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <string_view>
 
-namespace shortage {
+namespace kit {
 namespace {
 
 constexpr std::string_view kUnspecified = "Unspecified error.\r\n";
@@ -182,4 +182,4 @@ Verdict Judge(const Outcome& run, const std::vector<Outcome>& ways, Handling han
     return faults.empty() ? Verdict{} : Verdict{Wrong::NotGivenBack, faults.front()};
 }
 
-} // namespace shortage
+} // namespace kit

@@ -7,7 +7,7 @@
 #include "tests/shortage/CommandLines.h"
 #include "tests/shortage/Run.h"
 
-namespace shortage {
+namespace kit {
 
 /// How a program that cannot go on ends: at once and without a word.
 inline constexpr DWORD kAbnormalEnd = 3;
@@ -36,4 +36,4 @@ Outcome WithoutCall(Outcome refused, const std::string& call);
 /// whose argument could not be allocated.
 Verdict Judge(const Outcome& run, const std::vector<Outcome>& ways, Handling handling);
 
-} // namespace shortage
+} // namespace kit

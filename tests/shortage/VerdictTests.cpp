@@ -6,7 +6,8 @@
 
 #include "tests/shortage/Verdict.h"
 
-namespace shortage {
+using namespace kit;
+
 namespace {
 
 const std::string kHeader = "Executing 'Get' command.\r\n";
@@ -130,4 +131,3 @@ TEST(ShortageVerdict, FindsTheArgumentsThatAreAllocated) {
 }
 
 } // namespace
-} // namespace shortage

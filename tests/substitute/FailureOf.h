@@ -7,6 +7,8 @@
 
 #include "substitute/base/Failure.h"
 
+namespace kit {
+
 /// Does the work; its failure, or S_OK without a reason when it has none.
 template<class Work>
 kemba::substitute::Failure FailureOf(Work&& work) {
@@ -17,3 +19,5 @@ kemba::substitute::Failure FailureOf(Work&& work) {
     }
     return {S_OK, {}};
 }
+
+} // namespace kit

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <thread>
 
+namespace kit {
+
 using kemba::substitute::Bytes;
 using kemba::substitute::CompareNames;
 
@@ -467,3 +469,5 @@ DWORD FakeSpooler::ShowProperties(HANDLE handle) {
 DWORD FakeSpooler::ShowQueue(const std::wstring& printer) {
     return Note(Call::ShowQueue, nullptr, L"queue of " + printer);
 }
+
+} // namespace kit

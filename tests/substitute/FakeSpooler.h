@@ -18,6 +18,8 @@
 #include "substitute/base/Names.h"
 #include "substitute/spooler/Spooler.h"
 
+namespace kit {
+
 /// A device mode with a private part, whose number of copies tells one from another.
 kemba::substitute::Bytes MakeMode(short copies, WORD privateSize = 8);
 /// The number of copies; -1 for no mode.
@@ -177,3 +179,5 @@ class FakeSpooler : public kemba::substitute::Spooler {
     std::map<std::wstring, Record, LessName> m_removed; // handles may still be open
     DWORD m_latestJob = 0;
 };
+
+} // namespace kit

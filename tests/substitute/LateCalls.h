@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace kit {
+
 /// A VARIANT that is cleared in the end.
 struct Value : VARIANT {
     Value() : VARIANT{} {}
@@ -99,3 +101,5 @@ inline HRESULT CallNamed(IDispatch& object, const std::wstring& name, std::vecto
     return object.Invoke(IdOf(object, name), IID_NULL, LOCALE_NEUTRAL, flags, &given, result,
                          told ? &told->exception : nullptr, told ? &told->wrongArgument : nullptr);
 }
+
+} // namespace kit

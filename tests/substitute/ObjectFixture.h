@@ -11,6 +11,8 @@
 #include "substitute/objects/DriverAutomationObject.h"
 #include "tests/substitute/FakeSpooler.h"
 
+namespace kit {
+
 /// A BSTR argument for one call.
 class InText {
   public:
@@ -69,3 +71,5 @@ class ObjectFixture : public testing::Test {
     kemba::substitute::ContractTypes types;
     kemba::substitute::ServerContext context{spooler, locks, profiles, uses, types};
 };
+
+} // namespace kit

@@ -7,6 +7,7 @@
 
 #include "core/Handles.h"
 
+namespace kit {
 namespace {
 
 using OCore::UniqueHandle;
@@ -80,3 +81,5 @@ std::vector<std::wstring> SnapshotRegistry(HKEY root, const std::wstring& key, R
     }
     return lines;
 }
+
+} // namespace kit

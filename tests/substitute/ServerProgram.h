@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace kit {
+
 /// Process identifiers of all running server programs.
 std::vector<DWORD> RunningServers();
 
@@ -17,3 +19,5 @@ std::optional<std::wstring> ReadRegistryText(HKEY root, const std::wstring& key,
 
 /// Every key and value below a key, types included, one line each, in the registry's order.
 std::vector<std::wstring> SnapshotRegistry(HKEY root, const std::wstring& key, REGSAM view = KEY_WOW64_64KEY);
+
+} // namespace kit

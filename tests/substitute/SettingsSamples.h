@@ -4,6 +4,8 @@
 #include "substitute/settings/Settings.h"
 #include "tests/substitute/FakeSpooler.h"
 
+namespace kit {
+
 /// A printer with both device modes and values of several kinds, in two keys.
 inline FakeSpooler::State MakeRichState() {
     FakeSpooler::State state;
@@ -39,3 +41,5 @@ inline kemba::substitute::Settings SettingsOf(const FakeSpooler::State& state) {
     }
     return settings;
 }
+
+} // namespace kit

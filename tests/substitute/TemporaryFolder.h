@@ -7,6 +7,8 @@
 #include <fstream>
 #include <string>
 
+namespace kit {
+
 /// A new empty folder under a name that no other test has; deleted with everything in it in the end.
 class TemporaryFolder {
   public:
@@ -41,3 +43,5 @@ class TemporaryFolder {
   private:
     std::filesystem::path m_path;
 };
+
+} // namespace kit

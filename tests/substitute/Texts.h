@@ -5,6 +5,8 @@
 
 #include <string>
 
+namespace kit {
+
 /// Succeeds when the text begins so; what follows may be the system's own words.
 inline testing::AssertionResult BeginsWith(const std::wstring& text, const std::wstring& begin) {
     if (text.compare(0, begin.size(), begin) == 0) {
@@ -22,3 +24,5 @@ inline testing::AssertionResult SpeaksForItself(const std::wstring& text) {
     }
     return testing::AssertionSuccess();
 }
+
+} // namespace kit

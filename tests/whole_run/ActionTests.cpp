@@ -3,14 +3,9 @@
 
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace {
+using namespace kit;
 
-using kit::FakeClass;
-using kit::Lines;
-using whole_run::Output;
-using whole_run::Printed;
-using whole_run::WholeRunTest;
-using whole_run::Words;
+namespace {
 
 class Action : public WholeRunTest {
   protected:

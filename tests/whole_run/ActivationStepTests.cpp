@@ -13,7 +13,8 @@
 #include "tests/whole_run/FaultTable.h"
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace whole_run {
+using namespace kit;
+
 namespace {
 
 constexpr HRESULT kOther = E_ACCESSDENIED;
@@ -30,7 +31,7 @@ struct Steps {
 int liveObjects = 0;
 
 /// Counts the live ones; the interfaces that it has fail when they are used.
-class Counted : public kit::OneInterface<IUnknown> {
+class Counted : public OneInterface<IUnknown> {
   public:
     Counted() { ++liveObjects; }
 
@@ -58,7 +59,7 @@ class Object final : public Counted {
     const Steps m_steps;
 };
 
-class ClassObject final : public kit::OneInterface<IClassFactory> {
+class ClassObject final : public OneInterface<IClassFactory> {
   public:
     explicit ClassObject(const Steps& steps) : m_steps(steps) { ++liveObjects; }
     ~ClassObject() override { --liveObjects; }
@@ -130,8 +131,8 @@ const Row kRows[] = {
 class ActivationSteps : public WholeRunTest, public testing::WithParamInterface<Row> {
   protected:
     ActivationSteps() {
-        server.Unregister(kit::FakeClass::DriverAutomation);
-        server.Unregister(kit::FakeClass::VersionInformation);
+        server.Unregister(FakeClass::DriverAutomation);
+        server.Unregister(FakeClass::VersionInformation);
     }
 };
 
@@ -159,4 +160,3 @@ INSTANTIATE_TEST_SUITE_P(Each, ActivationSteps, testing::ValuesIn(kRows),
                          [](const auto& row) { return std::string(row.param.title); });
 
 } // namespace
-} // namespace whole_run

@@ -4,13 +4,9 @@
 
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace {
+using namespace kit;
 
-using kit::Lines;
-using whole_run::Output;
-using whole_run::Printed;
-using whole_run::WholeRunTest;
-using whole_run::Words;
+namespace {
 
 class BadInput : public WholeRunTest {};
 

@@ -8,12 +8,9 @@
 #include "tests/kit/RegistryPreset.h"
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace {
+using namespace kit;
 
-using kit::FakeClass;
-using kit::Lines;
-using whole_run::Output;
-using whole_run::WholeRunTest;
+namespace {
 
 class EntryPoint : public WholeRunTest {
   protected:
@@ -45,7 +42,7 @@ TEST_F(EntryPoint, OnlyOptionsAreNoCommand) {
 TEST_F(EntryPoint, AnUnknownCommandIsReportedAsTyped) {
     for (const wchar_t* const word : {L"import", L"export", L"Bogus", L"", L"/x", L"gets", L"hel"}) {
         const auto run = Run({word, L"get", L"status"});
-        EXPECT_EQ(run.output, Output({"The command '" + whole_run::Printed(word) + "' is unknown."}));
+        EXPECT_EQ(run.output, Output({"The command '" + Printed(word) + "' is unknown."}));
         EXPECT_EQ(run.status, 2);
     }
 }

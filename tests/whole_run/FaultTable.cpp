@@ -12,11 +12,8 @@
 #include "core/OString.h"
 #include "tests/kit/Operations.h"
 
-namespace whole_run {
+namespace kit {
 namespace {
-
-using kit::FakeServer;
-using kit::Gives;
 
 constexpr HRESULT kServerFailed = static_cast<HRESULT>(0x80080005);
 constexpr HRESULT kOwnStatus = static_cast<HRESULT>(0x80040205);
@@ -25,9 +22,9 @@ std::string OperationName(const std::string& className, const std::string& event
     return "I" + className + "." + event;
 }
 
-kit::FakeClass ClassOf(const Step& step) {
-    return *std::ranges::find(kit::kAllClasses, step.className,
-                              [](kit::FakeClass which) { return std::string(NameOf(which)); });
+FakeClass ClassOf(const Step& step) {
+    return *std::ranges::find(kAllClasses, step.className,
+                              [](FakeClass which) { return std::string(NameOf(which)); });
 }
 
 std::vector<Fault> FaultsOfCreation(const Step& step) {
@@ -76,38 +73,32 @@ struct RefusalRow {
     bool hasInformation;
     std::optional<std::wstring> source;
     std::optional<std::wstring> description;
-    kit::ErrorInfoSupport support;
-    kit::Lines printed;
+    ErrorInfoSupport support;
+    Lines printed;
 };
 
 const RefusalRow kRefusals[] = {
-    {"refused without information", E_ACCESSDENIED, false, {}, {}, kit::ErrorInfoSupport::Yes, {}},
+    {"refused without information", E_ACCESSDENIED, false, {}, {}, ErrorInfoSupport::Yes, {}},
     {"the server is gone",
      HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE),
      false,
      {},
      {},
-     kit::ErrorInfoSupport::Absent,
+     ErrorInfoSupport::Absent,
      {}},
-    {"the object is cut off", RPC_E_DISCONNECTED, false, {}, {}, kit::ErrorInfoSupport::Absent, {}},
+    {"the object is cut off", RPC_E_DISCONNECTED, false, {}, {}, ErrorInfoSupport::Absent, {}},
     {"refused with information",
      kOwnStatus,
      true,
      L"Driver",
      L"Out of paper",
-     kit::ErrorInfoSupport::Yes,
+     ErrorInfoSupport::Yes,
      {"Source: Driver", ""}}, // the description's key is no section of the catalogue
-    {"refused with a source", E_FAIL, true, L"Driver", L"", kit::ErrorInfoSupport::Yes, {"Source: Driver"}},
-    {"refused with a description", E_FAIL, true, {}, L"Out of paper", kit::ErrorInfoSupport::Yes, {""}},
-    {"refused with empty information", E_FAIL, true, {}, {}, kit::ErrorInfoSupport::Yes, {}},
-    {"refused with information of others", E_FAIL, true, L"Driver", L"x", kit::ErrorInfoSupport::No, {}},
-    {"refused by an object without information",
-     E_FAIL,
-     true,
-     L"Driver",
-     L"x",
-     kit::ErrorInfoSupport::Absent,
-     {}},
+    {"refused with a source", E_FAIL, true, L"Driver", L"", ErrorInfoSupport::Yes, {"Source: Driver"}},
+    {"refused with a description", E_FAIL, true, {}, L"Out of paper", ErrorInfoSupport::Yes, {""}},
+    {"refused with empty information", E_FAIL, true, {}, {}, ErrorInfoSupport::Yes, {}},
+    {"refused with information of others", E_FAIL, true, L"Driver", L"x", ErrorInfoSupport::No, {}},
+    {"refused by an object without information", E_FAIL, true, L"Driver", L"x", ErrorInfoSupport::Absent, {}},
 };
 
 std::vector<Fault> FaultsOfCall(const Step& step) {
@@ -120,8 +111,7 @@ std::vector<Fault> FaultsOfCall(const Step& step) {
              .information = row.printed,
              .arm = [=](FakeServer& server) {
                  server.SupportErrorInfo(row.support);
-                 kit::Rule& rule =
-                     server.Fail(operation, row.status).ForObject(step.object).ForCall(step.call);
+                 Rule& rule = server.Fail(operation, row.status).ForObject(step.object).ForCall(step.call);
                  if (row.hasInformation) {
                      rule.WithInformation(row.source, row.description);
                  }
@@ -130,7 +120,7 @@ std::vector<Fault> FaultsOfCall(const Step& step) {
     faults.push_back({.title = "throws", .effect = Effect::Breakage, .arm = [=](FakeServer& server) {
                           server.Throw(operation).ForObject(step.object).ForCall(step.call);
                       }});
-    const Gives gives = kit::FindOperation(operation)->gives;
+    const Gives gives = FindOperation(operation)->gives;
     if (gives == Gives::Text || gives == Gives::Object) {
         faults.push_back({.title = "gives nothing",
                           .effect = gives == Gives::Text ? Effect::NoText : Effect::Refusal,
@@ -150,7 +140,7 @@ std::vector<Fault> FaultsOfCall(const Step& step) {
 
 } // namespace
 
-kit::Lines ErrorLines(HRESULT status) {
+Lines ErrorLines(HRESULT status) {
     wchar_t* text = nullptr;
     std::string shown;
     if (FormatMessageW(
@@ -169,16 +159,16 @@ kit::Lines ErrorLines(HRESULT status) {
     return {"*** COM Exception ***", "Error: " + shown};
 }
 
-kit::Lines WithoutNumbers(const kit::Lines& lines) {
+Lines WithoutNumbers(const Lines& lines) {
     static const std::regex number("#[0-9]+");
-    kit::Lines result;
+    Lines result;
     for (const std::string& line : lines) {
         result.push_back(std::regex_replace(line, number, ""));
     }
     return result;
 }
 
-std::vector<Step> StepsOf(const kit::Lines& journal) {
+std::vector<Step> StepsOf(const Lines& journal) {
     static const std::regex creation("new (\\w+)#(\\d+)");
     static const std::regex event("(\\w+)#(\\d+)\\.(\\w+)\\([^]*");
     std::map<std::string, int> counts;
@@ -196,7 +186,7 @@ std::vector<Step> StepsOf(const kit::Lines& journal) {
         step.className = parts[1];
         step.object = std::stoi(parts[2]);
         step.call = ++counts[parts.str(1) + parts.str(2) + step.event];
-        step.isCall = kit::FindOperation(OperationName(step.className, step.event)) != nullptr;
+        step.isCall = FindOperation(OperationName(step.className, step.event)) != nullptr;
         step.shown = WithoutNumbers({line}).front();
         steps.push_back(step);
     }
@@ -216,4 +206,4 @@ std::vector<Fault> FaultsAt(const Step& step) {
     return step.isCall ? FaultsOfCall(step) : std::vector<Fault>{};
 }
 
-} // namespace whole_run
+} // namespace kit

@@ -9,10 +9,10 @@
 
 #include "tests/kit/FakeServer.h"
 
-namespace whole_run {
+namespace kit {
 
 /// What the error printer shows of a status without further information.
-kit::Lines ErrorLines(HRESULT status);
+Lines ErrorLines(HRESULT status);
 
 /// One line of a journal that a fault can strike: an event of an activation, or a call.
 struct Step {
@@ -30,10 +30,10 @@ struct Step {
     }
 };
 
-std::vector<Step> StepsOf(const kit::Lines& journal);
+std::vector<Step> StepsOf(const Lines& journal);
 
 /// The lines of a journal without the numbers of objects, which depend on what went wrong before.
-kit::Lines WithoutNumbers(const kit::Lines& lines);
+Lines WithoutNumbers(const Lines& lines);
 
 /// What a fault is to the client.
 enum class Effect {
@@ -45,12 +45,12 @@ enum class Effect {
 struct Fault {
     std::string title;
     Effect effect = Effect::Refusal;
-    HRESULT status = S_OK;    ///< of a refusal, as the client raises it
-    kit::Lines information{}; ///< what the error printer shows below it
-    std::function<void(kit::FakeServer&)> arm;
+    HRESULT status = S_OK; ///< of a refusal, as the client raises it
+    Lines information{};   ///< what the error printer shows below it
+    std::function<void(FakeServer&)> arm;
 };
 
 /// All faults that can strike at the step.
 std::vector<Fault> FaultsAt(const Step& step);
 
-} // namespace whole_run
+} // namespace kit

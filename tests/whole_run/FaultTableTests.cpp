@@ -10,7 +10,8 @@
 #include "tests/whole_run/FaultTable.h"
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace whole_run {
+using namespace kit;
+
 namespace {
 
 enum class Loop { GoesOn, Stops };
@@ -180,8 +181,8 @@ class FaultTable : public testing::TestWithParam<Row> {
         : m_release(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion", L"ReleaseId") {}
 
     /// Runs the row's command line on a server of its own that `arm` has prepared.
-    Outcome Run(const Row& row, const std::function<void(kit::FakeServer&)>& arm = {}) {
-        kit::FakeServer server;
+    Outcome Run(const Row& row, const std::function<void(FakeServer&)>& arm = {}) {
+        FakeServer server;
         if (row.actionsUnsupported) {
             server.GiveFlag("IDriverActions.GetSupported", VARIANT_FALSE);
         }
@@ -230,7 +231,7 @@ class FaultTable : public testing::TestWithParam<Row> {
     }
 
     const demo::Printer m_printers[2];
-    const kit::TemporaryFile m_file;
+    const TemporaryFile m_file;
     const RegistryPreset m_release; // absent, so that the system has one line
 };
 
@@ -324,7 +325,7 @@ TEST_F(FaultTableRows, MeetEveryOperationOfTheContract) {
             }
         }
     }
-    for (const kit::Operation& operation : kit::AllOperations()) {
+    for (const Operation& operation : AllOperations()) {
         EXPECT_TRUE(met.contains(std::string(operation.name))) << operation.name;
     }
 }
@@ -337,4 +338,3 @@ TEST_F(FaultTableRows, NeedNoneForTheSystemsVersion) {
 }
 
 } // namespace
-} // namespace whole_run

@@ -3,12 +3,9 @@
 
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace {
+using namespace kit;
 
-using kit::FakeClass;
-using kit::Lines;
-using whole_run::Output;
-using whole_run::WholeRunTest;
+namespace {
 
 class Get : public WholeRunTest {
   protected:
@@ -47,7 +44,7 @@ class GetField : public Get, public testing::WithParamInterface<Field> {
 };
 
 INSTANTIATE_TEST_SUITE_P(Words, GetField, testing::ValuesIn(kFields),
-                         [](const auto& row) { return whole_run::Printed(row.param.word); });
+                         [](const auto& row) { return Printed(row.param.word); });
 
 TEST_P(GetField, IsReadByItsOperationAndPrintedAfterTheName) {
     server.GiveText(GetParam().operation, L"a value: with / and %1");
@@ -128,7 +125,7 @@ TEST_F(Get, AnUnknownFieldIsReportedAsTypedForEveryPrinterAfterTheBinding) {
                                       L"d"}) {
         server.ClearJournal();
         const auto run = RunOnBoth({L"get", word});
-        const std::string rejected = "Argument '" + whole_run::Printed(word) + "' is invalid.";
+        const std::string rejected = "Argument '" + Printed(word) + "' is invalid.";
         EXPECT_EQ(run.output,
                   Output({"Executing 'Get' command.", rejected, rejected, "Finished processing command."}));
         EXPECT_EQ(run.status, 0);
@@ -140,7 +137,7 @@ TEST_F(Get, LettersBeyondAToZAreNotFolded) {
     // The dotless i and the long s would match under the folding of some locales.
     for (const wchar_t* const word : {L"portnam\x0115", L"locat\x0131on", L"\x017Ftatus"}) {
         EXPECT_EQ(RunOnFirst({L"get", word}).output,
-                  FirstFramed("Argument '" + whole_run::Printed(word) + "' is invalid."));
+                  FirstFramed("Argument '" + Printed(word) + "' is invalid."));
     }
 }
 

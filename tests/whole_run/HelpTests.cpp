@@ -2,12 +2,9 @@
 #include "messages/TextResource.h"
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace {
+using namespace kit;
 
-using kit::Lines;
-using whole_run::Output;
-using whole_run::WholeRunTest;
-using whole_run::Words;
+namespace {
 
 std::string PageOf(const char* key) {
     const std::string page = TextResource().GetText(key).Narrow();
@@ -124,7 +121,7 @@ TEST_F(Help, EveryRoadToTheGeneralPageIsASuccess) {
 TEST_F(Help, AnUnknownTopicIsReportedAndStillASuccess) {
     for (const wchar_t* const word : {L"foo", L"?", L"", L"helpx", L"command"}) {
         const auto run = Run({L"help", word});
-        EXPECT_EQ(run.output, Output({"No help exists for '" + whole_run::Printed(word) + "' command."}));
+        EXPECT_EQ(run.output, Output({"No help exists for '" + Printed(word) + "' command."}));
         EXPECT_EQ(run.status, 0);
     }
 }

@@ -3,12 +3,9 @@
 #include "tests/kit/TemporaryFile.h"
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace {
+using namespace kit;
 
-using kit::Lines;
-using whole_run::Output;
-using whole_run::WholeRunTest;
-using whole_run::Words;
+namespace {
 
 class ImportExport : public WholeRunTest {
   protected:
@@ -17,7 +14,7 @@ class ImportExport : public WholeRunTest {
 
     const std::string end = "Finished processing command.";
     const std::string unsupported = "The command is unsupported on this printer.";
-    const kit::TemporaryFile file;
+    const TemporaryFile file;
 };
 
 class Import : public ImportExport {
@@ -34,7 +31,7 @@ TEST_F(Import, ServesEveryPrinterWithThePathAsTyped) {
     const auto run = RunOnBoth({L"settings", L"import", file.Path(), L"ignored"});
     EXPECT_EQ(run.output, Output({begin, Imported(firstName), Imported(secondName), end}));
     EXPECT_EQ(run.status, 0);
-    const std::string arguments = "(\"" + kit::Narrow(file.Path()) + "\", VT_ERROR:0x80020004)";
+    const std::string arguments = "(\"" + Narrow(file.Path()) + "\", VT_ERROR:0x80020004)";
     EXPECT_EQ(server.Calls(),
               (Lines{"DriverAutomation#1.PutPrinterName(\"" + firstName + "\")",
                      "DriverAutomation#1.GetSettings()", "DriverSettings#1.ImportSettings" + arguments,
@@ -85,7 +82,7 @@ TEST_F(Import, ServesAllPrinters) {
     const auto run = Run({L"/a", L"settings", L"import", file.Path()});
     Lines expected{begin};
     for (const std::wstring& name : demo::PrinterNames()) {
-        expected.push_back(Imported(whole_run::Printed(name)));
+        expected.push_back(Imported(Printed(name)));
     }
     ASSERT_GE(expected.size(), 3U);
     expected.push_back(end);

@@ -14,7 +14,7 @@
 
 #include "tests/core/SystemCallsPreset.h"
 
-namespace whole_run {
+namespace kit {
 
 /// A spooler whose list of printers the test writes.
 class ListedPrinters {
@@ -58,4 +58,4 @@ inline std::vector<std::wstring> Numbered(int count) {
     return names;
 }
 
-} // namespace whole_run
+} // namespace kit

@@ -16,37 +16,32 @@
 #include "tests/whole_run/ListedPrinters.h"
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace {
+using namespace kit;
 
-using whole_run::Lines;
-using whole_run::ListedPrinters;
-using whole_run::Numbered;
-using whole_run::Output;
-using whole_run::Printed;
-using whole_run::RunResult;
+namespace {
 
 constexpr int kPrinters = 5'000;
 constexpr std::size_t kMost = std::size_t{10} * 1024 * 1024; // bytes, more than for one printer
 
 /// Makes the test kit's objects, of which nothing is kept: no journal, and no object after its last
 /// reference.
-class ForgetfulClass final : public kit::OneInterface<IClassFactory> {
+class ForgetfulClass final : public OneInterface<IClassFactory> {
   public:
     ForgetfulClass() {
         m_state->isOpen = false;
-        kit::Answer answer;
+        Answer answer;
         answer.work = [state = m_state.get()] { state->journal.Clear(); };
         m_state->script.Add("IPrinterInformation.GetStatus", std::move(answer));
     }
 
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID id, void** object) override {
         m_state->problems.clear(); // the texts are nobody's concern here
-        return MakeFakeObject(m_state, kit::FakeClass::DriverAutomation, id, object);
+        return MakeFakeObject(m_state, FakeClass::DriverAutomation, id, object);
     }
     HRESULT STDMETHODCALLTYPE LockServer(WINBOOL) override { return S_OK; }
 
   private:
-    const std::shared_ptr<kit::ServerState> m_state = std::make_shared<kit::ServerState>();
+    const std::shared_ptr<ServerState> m_state = std::make_shared<ServerState>();
 };
 
 /// The most memory that this process ever had, in bytes: what it committed, and what was in the machine's.
@@ -64,7 +59,7 @@ struct Peak {
 /// Reads the status of all printers; every line is looked at.
 void ReadStatus(const std::vector<std::wstring>& names) {
     const ListedPrinters printers(names);
-    const RunResult run = whole_run::RunAfresh({L"/a", L"get", L"status"});
+    const RunResult run = RunAfresh({L"/a", L"get", L"status"});
     std::string expected = "Executing 'Get' command.\r\n";
     for (const std::wstring& name : names) {
         expected += Printed(name) + ": Status\r\n";

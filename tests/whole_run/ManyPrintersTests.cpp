@@ -6,27 +6,20 @@
 #include "tests/whole_run/ListedPrinters.h"
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace {
+using namespace kit;
 
-using kit::Lines;
-using kit::Narrow;
-using whole_run::ListedPrinters;
-using whole_run::Numbered;
-using whole_run::Output;
-using whole_run::Printed;
-using whole_run::RunResult;
-using whole_run::Words;
+namespace {
 
 /// A scripted server; the printers are what each test lists.
 class ManyPrinters : public testing::Test {
   protected:
     RunResult Run(const Words& words) {
-        RunResult result = whole_run::RunAfresh(words);
+        RunResult result = RunAfresh(words);
         EXPECT_EQ(server.Faults(), Lines{});
         return result;
     }
 
-    kit::FakeServer server;
+    FakeServer server;
 };
 
 TEST_F(ManyPrinters, AreServedInTheOrderOfTheList) {
@@ -101,7 +94,7 @@ const std::vector<std::wstring> kHardNames = {
 
 TEST_F(ManyPrinters, OfAnyNameAreBoundAndPrintedAsTheyAre) {
     const ListedPrinters printers(kHardNames);
-    const kit::TemporaryFile file;
+    const TemporaryFile file;
     const struct {
         Words words;
         std::string opening;

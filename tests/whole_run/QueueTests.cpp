@@ -1,11 +1,9 @@
 // queue: pause, resume, purge, and failures.
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace {
+using namespace kit;
 
-using kit::Lines;
-using whole_run::Output;
-using whole_run::WholeRunTest;
+namespace {
 
 class Queue : public WholeRunTest {
   protected:
@@ -112,7 +110,7 @@ TEST_F(Queue, AnUnknownWordIsReportedAsTypedForEveryPrinterAfterTheQueueIsFetche
                                       L"ause"}) {
         server.ClearJournal();
         const auto run = RunOnBoth({L"queue", word});
-        const std::string rejected = "Argument '" + whole_run::Printed(word) + "' is invalid.";
+        const std::string rejected = "Argument '" + Printed(word) + "' is invalid.";
         EXPECT_EQ(run.output, Framed({rejected, rejected}));
         EXPECT_EQ(run.status, 0);
         EXPECT_EQ(server.Calls().size(), 4U) << "each queue is fetched before the word is looked at";

@@ -3,12 +3,9 @@
 #include "demo/SpoolerLock.h"
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace {
+using namespace kit;
 
-using kit::Lines;
-using whole_run::Output;
-using whole_run::WholeRunTest;
-using whole_run::Words;
+namespace {
 
 class WholeSelection : public WholeRunTest {
   protected:

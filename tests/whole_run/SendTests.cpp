@@ -3,12 +3,9 @@
 #include "tests/kit/TemporaryFile.h"
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace {
+using namespace kit;
 
-using kit::Lines;
-using kit::Narrow;
-using whole_run::Output;
-using whole_run::WholeRunTest;
+namespace {
 
 /// Another user of a file.
 class OpenFile {
@@ -43,7 +40,7 @@ class Send : public WholeRunTest {
         EXPECT_EQ(server.Journal(), (Lines{"CoInitialize(2)", "CoUninitialize()"}));
     }
 
-    const kit::TemporaryFile file{"data"};
+    const TemporaryFile file{"data"};
 };
 
 TEST_F(Send, PassesThePathAndAnEmptyTextForEveryPrinter) {

@@ -2,11 +2,9 @@
 #include "tests/kit/Narrow.h"
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace {
+using namespace kit;
 
-using kit::Lines;
-using whole_run::Output;
-using whole_run::WholeRunTest;
+namespace {
 
 class Set : public WholeRunTest {
   protected:
@@ -41,14 +39,14 @@ class SetField : public Set, public testing::WithParamInterface<FieldRow> {
     /// The call that writes the value, on the n-th object.
     static std::string Written(int number, const std::wstring& value) {
         return "DriverAutomation#" + std::to_string(number) + "." + GetParam().operation + "(\"" +
-               kit::Narrow(value) + "\")";
+               Narrow(value) + "\")";
     }
 
     const std::string interfaceAndOperation = std::string("IDriverAutomation.") + GetParam().operation;
 };
 
 INSTANTIATE_TEST_SUITE_P(Words, SetField, testing::ValuesIn(kFields),
-                         [](const auto& row) { return whole_run::Printed(row.param.word); });
+                         [](const auto& row) { return Printed(row.param.word); });
 
 TEST_P(SetField, IsWrittenToEveryPrinterWithoutALine) {
     const auto run = RunOnBoth({L"set", GetParam().word, L"by the door", L"ignored"});
@@ -109,8 +107,7 @@ TEST_F(Set, EveryPrinterHasItsOwnObjectReleasedBeforeTheNext) {
 }
 
 TEST_F(Set, WithFewerThanTwoWordsStopsBeforeAnyObjectIsMade) {
-    for (const whole_run::Words& words :
-         {whole_run::Words{L"set"}, {L"set", L"comment"}, {L"set", L"bogus"}}) {
+    for (const Words& words : {Words{L"set"}, {L"set", L"comment"}, {L"set", L"bogus"}}) {
         server.ClearJournal();
         const auto run = RunOnBoth(words);
         EXPECT_EQ(run.output, Framed({"Incorrect number of arguments."}));
@@ -124,7 +121,7 @@ TEST_F(Set, AnUnknownFieldIsReportedAsTypedForEveryPrinterAfterTheBinding) {
                                       L"locat\x0131on", L"\x017Fharename"}) {
         server.ClearJournal();
         const auto run = RunOnBoth({L"set", word, L"x"});
-        const std::string rejected = "Argument '" + whole_run::Printed(word) + "' is invalid.";
+        const std::string rejected = "Argument '" + Printed(word) + "' is invalid.";
         EXPECT_EQ(run.output, Framed({rejected, rejected}));
         EXPECT_EQ(run.status, 0);
         EXPECT_EQ(server.Calls().size(), 2U) << "each printer is bound before the word is looked at";

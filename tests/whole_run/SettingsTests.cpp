@@ -2,11 +2,9 @@
 #include "tests/kit/TemporaryFile.h"
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace {
+using namespace kit;
 
-using kit::Lines;
-using whole_run::Output;
-using whole_run::WholeRunTest;
+namespace {
 
 class Settings : public WholeRunTest {
   protected:
@@ -39,7 +37,7 @@ TEST_F(Settings, TheSubActionIsFoundInAnyCaseAndFurtherWordsAreIgnored) {
         EXPECT_EQ(RunOnFirst({L"SETTINGS", word, L"import", L"x"}).output,
                   Output({begin, ResetOf(firstName), end}));
     }
-    const kit::TemporaryFile file;
+    const TemporaryFile file;
     for (const wchar_t* const word : {L"Import", L"IMPORT"}) {
         EXPECT_EQ(RunOnFirst({L"settings", word, file.Path()}).output,
                   Output({"Executing 'Import' command.", "Settings imported for '" + firstName + "'.", end}));
@@ -51,7 +49,7 @@ TEST_F(Settings, TheSubActionIsFoundInAnyCaseAndFurtherWordsAreIgnored) {
 }
 
 TEST_F(Settings, ASubActionsCommandHasItsOwnRuntimeInsideTheOuterOne) {
-    const kit::TemporaryFile file;
+    const TemporaryFile file;
     for (const wchar_t* const word : {L"import", L"export"}) {
         server.ClearJournal();
         RunOnFirst({L"settings", word, file.Path()});
@@ -76,7 +74,7 @@ TEST_F(Settings, AnUnknownSubActionIsReportedAsTypedOnce) {
                                       L"re\x017F"
                                       L"et"}) {
         const auto run = RunOnBoth({L"settings", word, L"reset"});
-        EXPECT_EQ(run.output, Output({"The command '" + whole_run::Printed(word) + "' is unknown."}));
+        EXPECT_EQ(run.output, Output({"The command '" + Printed(word) + "' is unknown."}));
         EXPECT_EQ(run.status, 2);
     }
     EXPECT_EQ(server.Calls(), Lines{});
@@ -87,7 +85,7 @@ TEST_F(Settings, AnUnknownPrinterIsReportedAtEachOfTheTwoSelections) {
     const auto reset = RunOnFirst({L"/p", L"No such printer", L"settings", L"reset"});
     EXPECT_EQ(reset.output, Output({missing, missing, begin, ResetOf(firstName), end}));
     EXPECT_EQ(reset.status, 0);
-    const kit::TemporaryFile file;
+    const TemporaryFile file;
     const auto imported = RunOnFirst({L"/p", L"No such printer", L"settings", L"import", file.Path()});
     EXPECT_EQ(imported.output, Output({missing, missing, "Executing 'Import' command.",
                                        "Settings imported for '" + firstName + "'.", end}));
@@ -97,12 +95,12 @@ TEST_F(Settings, AnUnknownPrinterIsReportedAtEachOfTheTwoSelections) {
 }
 
 TEST_F(Settings, WithNoPrinterLeftNothingElseIsLookedAt) {
-    for (const whole_run::Words& words : {whole_run::Words{L"settings"},
-                                          {L"settings", L"bogus"},
-                                          {L"settings", L"reset"},
-                                          {L"settings", L"import"},
-                                          {L"settings", L"export"}}) {
-        whole_run::Words line{L"/p", L"No such printer"};
+    for (const Words& words : {Words{L"settings"},
+                               {L"settings", L"bogus"},
+                               {L"settings", L"reset"},
+                               {L"settings", L"import"},
+                               {L"settings", L"export"}}) {
+        Words line{L"/p", L"No such printer"};
         line.insert(line.end(), words.begin(), words.end());
         const auto run = Run(line);
         EXPECT_EQ(run.output, Output({"The printer 'No such printer' is not found.",
@@ -122,7 +120,7 @@ TEST_F(Settings, ARefusedResetIsReportedAndTheNextPrinterServed) {
 }
 
 TEST_F(Settings, APrinterWithoutAServerIsReportedAndTheNextOneServed) {
-    server.FailActivation(kit::FakeClass::DriverAutomation, REGDB_E_CLASSNOTREG).ForObject(1);
+    server.FailActivation(FakeClass::DriverAutomation, REGDB_E_CLASSNOTREG).ForObject(1);
     const auto run = RunOnBoth({L"settings", L"reset"});
     EXPECT_EQ(run.output, Output({begin, unsupported, ResetOf(secondName), end}));
     EXPECT_EQ(run.status, 0);

@@ -7,13 +7,9 @@
 #include "tests/whole_run/FaultTable.h"
 #include "tests/whole_run/WholeRunTest.h"
 
-namespace {
+using namespace kit;
 
-using kit::FakeClass;
-using kit::Lines;
-using whole_run::Output;
-using whole_run::WholeRunTest;
-using whole_run::Words;
+namespace {
 
 /// A system that tells its version in every detail, and none or one release identifier.
 class Version : public WholeRunTest {
@@ -174,7 +170,7 @@ TEST_F(Version, ADriverLineShowsWhatThereIs) {
 TEST_F(Version, AFailureOfTheServersVersionIsPrintedAndSucceeds) {
     server.Fail("IVersionInformation.GetVersionDetail", E_ACCESSDENIED)
         .WithInformation(L"Driver", L"Out of paper");
-    Lines expected = whole_run::ErrorLines(E_ACCESSDENIED);
+    Lines expected = ErrorLines(E_ACCESSDENIED);
     expected.push_back("Source: Driver");
     expected.push_back(""); // in place of the description
     for (const Words& words : {Words{L"version"}, {L"version", L"interface"}, {L"version", L"foo"}}) {
@@ -189,7 +185,7 @@ TEST_F(Version, AFailureOfTheServersVersionIsPrintedAndSucceeds) {
 TEST_F(Version, AServerWithoutTheInterfaceIsAnInvalidPointer) {
     server.LackInterface(FakeClass::VersionInformation);
     const auto run = RunOnFirst({L"version"});
-    EXPECT_EQ(run.output, Output(whole_run::ErrorLines(E_POINTER)));
+    EXPECT_EQ(run.output, Output(ErrorLines(E_POINTER)));
     EXPECT_EQ(run.status, 0);
 }
 
@@ -203,7 +199,7 @@ TEST_F(Version, AFailingDriverEndsTheSectionSilently) {
             const auto run = RunOnBoth({L"version"});
             EXPECT_EQ(run.output, Output({serverLine, systemLine}));
             EXPECT_EQ(run.status, 2);
-            const Lines journal = whole_run::WithoutNumbers(server.Journal());
+            const Lines journal = WithoutNumbers(server.Journal());
             EXPECT_EQ(std::count(journal.begin(), journal.end(), "new DriverAutomation"), 1);
         }
     }

@@ -7,7 +7,7 @@
 #include "cli/main/ProcessObjects.h"
 #include "tests/whole_run/FaultTable.h"
 
-namespace whole_run {
+namespace kit {
 namespace {
 
 Words OnPrinters(std::initializer_list<const demo::Printer*> printers, const Words& words) {
@@ -41,18 +41,18 @@ std::string Printed(const std::wstring& text) {
 
 RunResult RunAfresh(const Words& words) {
     ForgetSettings();
-    return kit::RunWords(kemba::RunKemba, words);
+    return RunWords(kemba::RunKemba, words);
 }
 
 Balance::Balance() {
     static const bool watched = [] {
-        kit::WatchHoldings(GetModuleHandleW(nullptr));
+        WatchHoldings(GetModuleHandleW(nullptr));
         // What is made once and kept: by the tests' own means, by the program's process-wide objects, the
         // first run looking at the system and at a printer, and by the runtime library when an exception is
         // thrown.
         SCOPED_TRACE("warming up");
         WithoutNumbers({});
-        kit::FakeServer server;
+        FakeServer server;
         const demo::Printer printer;
         RunAfresh({L"/p", printer.Name(), L"version"});
         server.Fail("IVersionInformation.GetVersion", E_FAIL);
@@ -61,13 +61,13 @@ Balance::Balance() {
     }();
     static_cast<void>(watched);
     ForgetSettings();
-    m_before = kit::Held();
+    m_before = Held();
 }
 
 Balance::~Balance() {
     ForgetSettings();
     if (!testing::Test::HasFailure()) {
-        EXPECT_EQ(kit::Differences(m_before, kit::Held()), Lines{});
+        EXPECT_EQ(Differences(m_before, Held()), Lines{});
     }
 }
 
@@ -85,4 +85,4 @@ RunResult WholeRunTest::RunOnBoth(const Words& words) {
     return Run(OnPrinters({&first, &second}, words));
 }
 
-} // namespace whole_run
+} // namespace kit

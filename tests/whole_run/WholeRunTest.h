@@ -11,10 +11,8 @@
 #include "tests/kit/Holdings.h"
 #include "tests/kit/WholeRun.h"
 
-namespace whole_run {
+namespace kit {
 
-using kit::Lines;
-using kit::RunResult;
 using Words = std::vector<std::wstring>;
 
 /// The lines as the program prints them, each ended by CR LF.
@@ -36,7 +34,7 @@ class Balance {
     ~Balance();
 
   private:
-    kit::Holdings m_before;
+    Holdings m_before;
 };
 
 /// A scripted server and two printers; every run must leave the server with nothing alive and nothing
@@ -50,11 +48,11 @@ class WholeRunTest : public testing::Test {
     RunResult RunOnBoth(const Words& words);
 
     const Balance balance; // first made and last gone: nothing of the others may stay either
-    kit::FakeServer server;
+    FakeServer server;
     const demo::Printer first;
     const demo::Printer second;
     const std::string firstName = Printed(first.Name());
     const std::string secondName = Printed(second.Name());
 };
 
-} // namespace whole_run
+} // namespace kit

@@ -14,6 +14,7 @@
 namespace {
 
 using namespace kemba::substitute;
+using namespace kit;
 using namespace std::string_literals;
 
 /// What the text is refused with, without the words that all refusals begin with.
@@ -268,7 +269,7 @@ TEST_F(ActionProfileFolderTest, IsRefusedInOurWordsWhenTheValueIsNoText) {
 }
 
 TEST(ActionProfile, TheSampleThatShipsIsUnderstood) {
-    const std::wstring program = kit::ProgramPath(L"kemba-dal.exe");
+    const std::wstring program = ProgramPath(L"kemba-dal.exe");
     const std::wstring folder = program.substr(0, program.rfind(L'\\')) + L"\\profiles";
     const auto sample = ActionProfiles([&] { return folder; }).Find(L"escpos-receipt", L"");
     ASSERT_TRUE(sample);

@@ -12,6 +12,7 @@ namespace {
 using kemba::ComPtr;
 using kemba::MakeObject;
 using namespace kemba::substitute;
+using namespace kit;
 
 class PerformActionTest : public ObjectFixture {
   protected:

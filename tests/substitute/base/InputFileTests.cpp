@@ -12,6 +12,7 @@
 namespace {
 
 using namespace kemba::substitute;
+using namespace kit;
 
 class InputFileTest : public testing::Test {
   protected:

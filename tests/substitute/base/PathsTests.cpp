@@ -7,6 +7,7 @@
 namespace {
 
 using namespace kemba::substitute;
+using namespace kit;
 using namespace std::string_literals;
 
 TEST(Paths, AnAbsoluteOneDependsOnNobodysFolder) {

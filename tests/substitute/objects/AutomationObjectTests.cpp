@@ -17,6 +17,7 @@ using kemba::ComPtr;
 using kemba::MakeObject;
 using kemba::OwnedBstr;
 using namespace kemba::substitute;
+using namespace kit;
 
 class AutomationObjectTest : public ObjectFixture {
   protected:

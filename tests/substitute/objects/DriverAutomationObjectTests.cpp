@@ -14,6 +14,7 @@ namespace {
 
 using kemba::ComPtr;
 using namespace kemba::substitute;
+using namespace kit;
 
 class DriverAutomationObjectTest : public ObjectFixture {
   protected:

@@ -19,6 +19,7 @@ namespace {
 
 using kemba::ComPtr;
 using namespace kemba::substitute;
+using namespace kit;
 
 /// The file's bytes, or nothing if it cannot be opened; nobody is kept from anything meanwhile.
 std::optional<Bytes> ReadAsOthersDo(const std::wstring& path) {

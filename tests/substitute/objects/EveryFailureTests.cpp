@@ -18,6 +18,7 @@ namespace {
 using kemba::ComPtr;
 using kemba::MakeObject;
 using namespace kemba::substitute;
+using namespace kit;
 using namespace std::chrono_literals;
 
 class EveryFailureTest : public ObjectFixture {
@@ -110,7 +111,7 @@ class EveryFailureTest : public ObjectFixture {
     TemporaryFolder files;
     const std::wstring saved = files.File(L"saved.vqs");
     const std::wstring again = files.File(L"again.vqs");
-    const kit::TemporaryFile file{std::string(100'000, 'x')};
+    const TemporaryFile file{std::string(100'000, 'x')};
     ComPtr<DriverAutomationObject> automation = MakeAutomation();
     ComPtr<DriverActionsObject> request = MakeObject<DriverActionsObject>(context);
     ComPtr<IDriverSettings> settings;

@@ -14,6 +14,7 @@ namespace {
 using kemba::ComPtr;
 using kemba::MakeObject;
 using namespace kemba::substitute;
+using namespace kit;
 
 class LateBindingRefusalTest : public ObjectFixture {
   protected:

@@ -14,6 +14,7 @@ using kemba::ComPtr;
 using kemba::MakeObject;
 using kemba::OwnedBstr;
 using namespace kemba::substitute;
+using namespace kit;
 
 class LateBindingTest : public ObjectFixture {
   protected:

@@ -18,6 +18,7 @@ namespace {
 using kemba::ComPtr;
 using kemba::MakeObject;
 using namespace kemba::substitute;
+using namespace kit;
 
 constexpr int kFirstVisits = 3; // after which all is there that is kept for ever
 constexpr int kVisits = 10;
@@ -158,7 +159,7 @@ class Visitor {
     Spooler& m_spooler;
     const std::wstring m_printer;
     const TemporaryFolder m_folder;
-    const kit::TemporaryFile m_label{"label"};
+    const TemporaryFile m_label{"label"};
     const TemporaryFolder m_profiles;
     PrinterLocks m_locks;
     const ActionProfiles m_actionProfiles{[this] { return m_profiles.Path(); }};

@@ -12,6 +12,7 @@ namespace {
 
 using kemba::ComPtr;
 using namespace kemba::substitute;
+using namespace kit;
 using namespace std::string_literals;
 
 class TextArgumentTest : public ObjectFixture {

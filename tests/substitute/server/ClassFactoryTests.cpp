@@ -12,6 +12,7 @@ namespace {
 using kemba::ComPtr;
 using kemba::MakeObject;
 using namespace kemba::substitute;
+using namespace kit;
 using namespace std::chrono_literals;
 
 class ClassFactoryTest : public ObjectFixture {

@@ -7,6 +7,7 @@
 namespace {
 
 using namespace kemba::substitute;
+using namespace kit;
 
 TEST(ClassHolders, ACommandLineNamesItsProgram) {
     const struct {
@@ -39,8 +40,8 @@ TEST(ClassHolders, ACopyOfTheServerIsKnownByItsFileName) {
 }
 
 TEST(ClassHolders, AFileIsTheSameHoweverItsPathIsWritten) {
-    const kit::TemporaryFile file;
-    const kit::TemporaryFile other;
+    const TemporaryFile file;
+    const TemporaryFile other;
     std::wstring capitals = file.Path();
     CharUpperW(capitals.data());
     std::wstring detour = file.Path();

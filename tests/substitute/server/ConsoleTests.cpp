@@ -10,6 +10,7 @@
 namespace {
 
 using namespace kemba::substitute;
+using namespace kit;
 
 TEST(Console, ConsolesGetTheTextItself) {
     FreeConsole();
@@ -25,7 +26,7 @@ TEST(Console, ConsolesGetTheTextItself) {
 }
 
 TEST(Console, FilesGetBytesOfTheAnsiCodePage) {
-    const kit::TemporaryFile file;
+    const TemporaryFile file;
     const OCore::UniqueHandle output = OCore::OwnFile(
         CreateFileW(file.Path().c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
     const std::wstring text = L"x \x00E4\r\n";
@@ -37,7 +38,7 @@ TEST(Console, FilesGetBytesOfTheAnsiCodePage) {
 }
 
 TEST(Console, WhatCannotBeWrittenIsReported) {
-    const kit::TemporaryFile file;
+    const TemporaryFile file;
     const OCore::UniqueHandle input = OCore::OwnFile(
         CreateFileW(file.Path().c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
     EXPECT_FALSE(WriteText(input.get(), L"x"));

@@ -13,6 +13,8 @@
 #include "tests/substitute/ServerProgram.h"
 #include "tests/substitute/TemporaryFolder.h"
 
+using namespace kit;
+
 namespace {
 
 using kemba::substitute::RemoveKeyIfEmpty;
@@ -184,7 +186,7 @@ void ExpectLibraryEntries(HKEY root, REGSAM view, const std::wstring& program) {
 }
 
 /// All entries, as programs of either word size see them.
-void ExpectRegistered(HKEY root, const std::wstring& program = kit::ProgramPath(L"kemba-dal.exe")) {
+void ExpectRegistered(HKEY root, const std::wstring& program = ProgramPath(L"kemba-dal.exe")) {
     for (const REGSAM view : kViews) {
         SCOPED_TRACE(view == KEY_WOW64_32KEY ? "32 bits" : "64 bits");
         ExpectClassEntries(root, view, program);
@@ -192,9 +194,9 @@ void ExpectRegistered(HKEY root, const std::wstring& program = kit::ProgramPath(
     }
 }
 
-kit::ProcessResult RunServer(const std::vector<std::wstring>& words,
-                             const std::wstring& program = L"kemba-dal.exe") {
-    return kit::RunProgram(program, words);
+ProcessResult RunServer(const std::vector<std::wstring>& words,
+                        const std::wstring& program = L"kemba-dal.exe") {
+    return RunProgram(program, words);
 }
 
 bool Contains(const std::string& text, std::string_view part) {
@@ -204,7 +206,7 @@ bool Contains(const std::string& text, std::string_view part) {
 /// A copy of the program in a folder of its own.
 class ServerCopy {
   public:
-    ServerCopy() { std::filesystem::copy_file(kit::ProgramPath(L"kemba-dal.exe"), Path()); }
+    ServerCopy() { std::filesystem::copy_file(ProgramPath(L"kemba-dal.exe"), Path()); }
     std::wstring Path() const { return m_folder.File(L"kemba-dal.exe"); }
     std::wstring Folder() const { return m_folder.File(L""); }
     void Delete() const { std::filesystem::remove(Path()); }
@@ -290,7 +292,7 @@ TEST_F(RegistrationTest, MayBeRepeated) {
 }
 
 TEST_F(RegistrationTest, SaysWhatItDid) {
-    const std::string program = "\"" + Narrow(kit::ProgramPath(L"kemba-dal.exe")) + "\"";
+    const std::string program = "\"" + Narrow(ProgramPath(L"kemba-dal.exe")) + "\"";
     const struct {
         std::vector<std::wstring> words;
         std::string output;
@@ -315,9 +317,9 @@ TEST_F(RegistrationTest, SaysWhatItDid) {
         {{L"/unregserver"}, "kemba-dal: removed the registration of " + program + " for all users\r\n"},
     };
     for (const auto& row : rows) {
-        kit::ProcessOptions options;
+        ProcessOptions options;
         options.outputToFile = &row == rows; // once to a file, then to a pipe
-        const kit::ProcessResult run = kit::RunProgram(L"kemba-dal.exe", row.words, options);
+        const ProcessResult run = RunProgram(L"kemba-dal.exe", row.words, options);
         EXPECT_EQ(run.status, 0u);
         EXPECT_EQ(run.output, row.output);
         EXPECT_EQ(run.errors, "");
@@ -352,7 +354,7 @@ TEST_F(RegistrationTest, RefusesToTakeAnotherProgramsPlaceAndLeavesItAlone) {
         SCOPED_TRACE(row.key);
         PutText(HKEY_LOCAL_MACHINE, row.view, row.key, row.text);
         const auto before = Snapshot();
-        const kit::ProcessResult refused = RunServer({L"/regserver"});
+        const ProcessResult refused = RunServer({L"/regserver"});
         EXPECT_EQ(refused.status, 1u);
         EXPECT_TRUE(Contains(refused.errors, row.named)) << refused.errors;
         EXPECT_EQ(refused.output, "");
@@ -368,7 +370,7 @@ TEST_F(RegistrationTest, RemovesNothingThatItDidNotWrite) {
     PutDriverPackage(KEY_WOW64_64KEY);
     PutDriverPackage(KEY_WOW64_32KEY);
     const auto before = Snapshot();
-    const kit::ProcessResult run = RunServer({L"/unregserver"});
+    const ProcessResult run = RunServer({L"/unregserver"});
     EXPECT_EQ(run.status, 0u);
     EXPECT_EQ(run.output, "kemba-dal: nothing is registered for all users that could be removed\r\n");
     EXPECT_EQ(Snapshot(), before);
@@ -378,7 +380,7 @@ TEST_F(RegistrationTest, PutsBackWhatItReplacedOnRequest) {
     PutDriverPackage(KEY_WOW64_64KEY);
     PutDriverPackage(KEY_WOW64_32KEY);
     const auto before = Snapshot();
-    const kit::ProcessResult replaced = RunServer({L"/regserver", L"/replace"});
+    const ProcessResult replaced = RunServer({L"/regserver", L"/replace"});
     EXPECT_EQ(replaced.status, 0u);
     EXPECT_TRUE(Contains(replaced.output, "\\automation.dll\" (DriverAutomation)")) << replaced.output;
     ExpectRegistered(HKEY_LOCAL_MACHINE);
@@ -423,7 +425,7 @@ TEST_F(RegistrationTest, KeepsWhatAnotherProgramHasWrittenSince) {
     PutText(HKEY_LOCAL_MACHINE, KEY_WOW64_64KEY, server, kForeignProgram);
     PutText(HKEY_LOCAL_MACHINE, KEY_WOW64_64KEY, library, kForeignProgram);
     // The entries that it has in common with this server are its own now.
-    const kit::ProcessResult run = RunServer({L"/unregserver"});
+    const ProcessResult run = RunServer({L"/unregserver"});
     EXPECT_EQ(run.status, 0u);
     EXPECT_TRUE(Contains(run.output, "registered is now \"C:\\Drivers\\automation.dll\"")) << run.output;
     const auto read = [](const std::wstring& key) {
@@ -444,12 +446,12 @@ TEST_F(RegistrationTest, AnotherCopyIsTakenOverButNotUnregistered) {
     const ServerCopy copy;
     ASSERT_EQ(RunServer({L"/regserver"}, copy.Path()).status, 0u);
     const auto copyRegistered = Snapshot();
-    const kit::ProcessResult refused = RunServer({L"/unregserver"});
+    const ProcessResult refused = RunServer({L"/unregserver"});
     EXPECT_EQ(refused.status, 1u);
     EXPECT_TRUE(Contains(refused.errors, Narrow(copy.Path()))) << refused.errors;
     EXPECT_EQ(Snapshot(), copyRegistered);
 
-    const kit::ProcessResult taken = RunServer({L"/regserver"});
+    const ProcessResult taken = RunServer({L"/regserver"});
     EXPECT_EQ(taken.status, 0u);
     EXPECT_TRUE(Contains(taken.output, " in place of \"" + Narrow(copy.Path()) + "\"")) << taken.output;
     ExpectRegistered(HKEY_LOCAL_MACHINE);
@@ -490,7 +492,7 @@ TEST_F(RegistrationTest, AFailureHalfWayLeavesWhatWasThere) {
         RegCloseKey(opened);
     }
     const auto before = Snapshot();
-    const kit::ProcessResult failed = RunServer({L"/regserver", L"/replace"});
+    const ProcessResult failed = RunServer({L"/regserver", L"/replace"});
     EXPECT_EQ(failed.status, 1u);
     EXPECT_TRUE(Contains(failed.errors, "Software\\Classes\\Interface\\{")) << failed.errors;
     EXPECT_EQ(Snapshot(), before);
@@ -502,7 +504,7 @@ TEST_F(RegistrationTest, AUsersOwnRegistrationIsWeighedAgainstTheMachines) {
     EXPECT_EQ(RunServer({L"/regserver", L"/user"}).status, 1u);
     EXPECT_EQ(Snapshot(), before);
     const auto machine = Snapshot(HKEY_LOCAL_MACHINE);
-    const kit::ProcessResult replaced = RunServer({L"/regserver", L"/user", L"/replace"});
+    const ProcessResult replaced = RunServer({L"/regserver", L"/user", L"/replace"});
     EXPECT_EQ(replaced.status, 0u);
     EXPECT_TRUE(Contains(replaced.errors, "kemba-dal: warning: for this user it goes before the machine's "))
         << replaced.errors;
@@ -515,7 +517,7 @@ TEST_F(RegistrationTest, AUsersOwnRegistrationIsWeighedAgainstTheMachines) {
 TEST_F(RegistrationTest, WarnsThatAUsersOwnRegistrationGoesBeforeTheMachines) {
     const ServerCopy copy;
     ASSERT_EQ(RunServer({L"/regserver", L"/user"}, copy.Path()).status, 0u);
-    const kit::ProcessResult run = RunServer({L"/regserver"});
+    const ProcessResult run = RunServer({L"/regserver"});
     EXPECT_EQ(run.status, 0u);
     EXPECT_TRUE(Contains(run.errors, "kemba-dal: warning: for this user")) << run.errors;
     EXPECT_TRUE(Contains(run.errors, Narrow(copy.Path()))) << run.errors;
@@ -549,7 +551,7 @@ TEST_F(RegistrationTest, WarnsOfAProgramThatUsersMayChange) {
         ASSERT_EQ(SetNamedSecurityInfoW(path.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr,
                                         nullptr, made, nullptr),
                   ERROR_SUCCESS + 0u);
-        const kit::ProcessResult run = RunServer({L"/regserver"}, copy.Path());
+        const ProcessResult run = RunServer({L"/regserver"}, copy.Path());
         EXPECT_EQ(run.status, 0u);
         EXPECT_EQ(Contains(run.errors, "kemba-dal: warning: any user of this computer may change"), row.warns)
             << run.errors;
@@ -561,7 +563,7 @@ TEST_F(RegistrationTest, FailuresReachAConsoleInAllLetters) {
             L"C:\\\x0416\x03A9.dll");
     FreeConsole();
     ASSERT_TRUE(AllocConsole());
-    const std::wstring path = kit::ProgramPath(L"kemba-dal.exe");
+    const std::wstring path = ProgramPath(L"kemba-dal.exe");
     std::wstring line = L"\"" + path + L"\" /regserver";
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);

@@ -14,6 +14,8 @@
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/TemporaryFile.h"
 
+using namespace kit;
+
 namespace {
 
 enum class Language { VBScript, JScript };
@@ -23,8 +25,7 @@ std::string NameOf(Language language) {
 }
 
 /// Runs the script in a process of its own; the words are its arguments.
-kit::ProcessResult RunScript(Language language, const std::string& text,
-                             const std::vector<std::wstring>& words) {
+ProcessResult RunScript(Language language, const std::string& text, const std::vector<std::wstring>& words) {
     const std::filesystem::path file =
         std::filesystem::temp_directory_path() / (L"kemba script " + std::to_wstring(GetCurrentProcessId()) +
                                                   (language == Language::VBScript ? L".vbs" : L".js"));
@@ -33,7 +34,7 @@ kit::ProcessResult RunScript(Language language, const std::string& text,
     GetSystemDirectoryW(system, MAX_PATH);
     std::vector<std::wstring> all = {L"//nologo", file.wstring()};
     all.insert(all.end(), words.begin(), words.end());
-    const kit::ProcessResult run = kit::RunProgram(std::wstring(system) + L"\\cscript.exe", all);
+    const ProcessResult run = RunProgram(std::wstring(system) + L"\\cscript.exe", all);
     std::filesystem::remove(file);
     return run;
 }
@@ -75,13 +76,13 @@ std::string Narrow(const std::wstring& text) {
 
 TEST(ScriptTest, TheVBScriptOfThePageDoesWhatItSays) {
     // The printer has the name of the sample's profile, which lies beside the server.
-    const kit::PrinterPort port;
+    const PrinterPort port;
     const demo::Printer printer(L"escpos-receipt", {.port = port.Name(), .comment = L"by the door"});
-    const kit::TemporaryFile file;
+    const TemporaryFile file;
     std::string script = ScriptOfThePage(Language::VBScript);
     Replace(script, "Dock 1", Narrow(printer.Name()));
     Replace(script, "C:\\Labels\\dock.vqs", Narrow(file.Path()));
-    const kit::ProcessResult run = RunScript(Language::VBScript, script, {});
+    const ProcessResult run = RunScript(Language::VBScript, script, {});
     EXPECT_EQ(run.status, 0u);
     EXPECT_EQ(run.output, "by the door Ready\r\nfed: True\r\n");
     EXPECT_EQ(port.Received(3), "\x1B"
@@ -91,13 +92,13 @@ TEST(ScriptTest, TheVBScriptOfThePageDoesWhatItSays) {
 
 TEST(ScriptTest, TheJScriptOfThePageDoesWhatItSays) {
     const demo::Printer printer({.comment = L"by the door"});
-    const kit::TemporaryFile file;
+    const TemporaryFile file;
     std::string path = Narrow(file.Path());
     Replace(path, "\\", "\\\\");
     std::string script = ScriptOfThePage(Language::JScript);
     Replace(script, "Dock 1", Narrow(printer.Name()));
     Replace(script, "C:\\\\Labels\\\\dock.vqs", path);
-    const kit::ProcessResult run = RunScript(Language::JScript, script, {});
+    const ProcessResult run = RunScript(Language::JScript, script, {});
     EXPECT_EQ(run.status, 0u);
     const std::string begin = "by the door\r\n800700a1 SendFile on printer \"" + Narrow(printer.Name()) +
                               "\": the file's path \"label.prn\" is not absolute: ";
@@ -108,7 +109,7 @@ TEST(ScriptTest, TheJScriptOfThePageDoesWhatItSays) {
 
 TEST(ScriptTest, EveryValueThatSaysNoneLeavesTheOptionOut) {
     const demo::Printer printer;
-    const kit::TemporaryFile file;
+    const TemporaryFile file;
     const std::pair<Language, std::string> rows[] = {
         {Language::VBScript, "Set printer = CreateObject(\"Kemba.DriverAutomation\")\r\n"
                              "printer.PutPrinterName WScript.Arguments(0)\r\n"
@@ -139,7 +140,7 @@ TEST(ScriptTest, EveryValueThatSaysNoneLeavesTheOptionOut) {
     };
     for (const auto& [language, script] : rows) {
         SCOPED_TRACE(NameOf(language));
-        const kit::ProcessResult run = RunScript(language, script, {printer.Name(), file.Path()});
+        const ProcessResult run = RunScript(language, script, {printer.Name(), file.Path()});
         EXPECT_EQ(run.status, 0u);
         EXPECT_EQ(run.output, "done\r\n80070057 ResetSettings on printer \"" + Narrow(printer.Name()) +
                                   "\": the optional argument has to be omitted\r\n");
@@ -166,7 +167,7 @@ TEST(ScriptTest, CallsThatDoNotFitAreRefusedAndChangeNothing) {
                                "printer.Reserved4\r\n"
                                "WScript.Echo Hex(Err.Number), Err.Description\r\n"
                                "WScript.Echo printer.GetComment()\r\n";
-    const kit::ProcessResult run = RunScript(Language::VBScript, script, {printer.Name()});
+    const ProcessResult run = RunScript(Language::VBScript, script, {printer.Name()});
     const std::string on = " on printer \"" + Narrow(printer.Name()) + "\": ";
     EXPECT_EQ(run.status, 0u);
     EXPECT_EQ(run.output, "True\r\nTrue\r\nTrue\r\n80070057 PutComment" + on +

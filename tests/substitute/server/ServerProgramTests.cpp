@@ -23,6 +23,7 @@ namespace {
 
 using kemba::ComPtr;
 using namespace kemba::substitute;
+using namespace kit;
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
@@ -99,21 +100,21 @@ TEST_F(ServerProgramTest, ServesTwoClientsAtOnce) {
 }
 
 TEST_F(ServerProgramTest, WordsThatItDoesNotKnowGetTheUsageText) {
-    const kit::ProcessResult run = kit::RunProgram(L"kemba-dal.exe", {L"/help"});
+    const ProcessResult run = RunProgram(L"kemba-dal.exe", {L"/help"});
     EXPECT_EQ(run.status, 2u);
     EXPECT_EQ(run.errors.find("usage: kemba-dal /regserver [/user] "), 0u);
-    EXPECT_EQ(kit::RunProgram(L"kemba-dal.exe", {}).status, 2u);
+    EXPECT_EQ(RunProgram(L"kemba-dal.exe", {}).status, 2u);
 }
 
 TEST_F(ServerProgramTest, ChangesAPrinterAndSendsAFileForAClient) {
-    const kit::PrinterPort port;
+    const PrinterPort port;
     const demo::Printer printer({.port = port.Name()});
     const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
     ASSERT_TRUE(automation);
     ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
     EXPECT_EQ(automation->PutComment(InText(L"changed")), S_OK);
     ExpectComment(printer, L"changed");
-    const kit::TemporaryFile file("label");
+    const TemporaryFile file("label");
     EXPECT_EQ(automation->SendFile(InText(file.Path()), InText(L"")), S_OK);
     EXPECT_EQ(port.Received(5), "label");
     EXPECT_EQ(automation->SendFile(InText(L"C:\\no such file"), InText(L"")),
@@ -132,7 +133,7 @@ TEST_F(ServerProgramTest, TheQueueObjectAndItsRefusalReachTheClient) {
 
 TEST_F(ServerProgramTest, AClientsRequestIsRecognisedInTheServer) {
     // The printer has the name of the sample's profile, which lies beside the server.
-    const kit::PrinterPort port;
+    const PrinterPort port;
     const demo::Printer printer(L"escpos-receipt", {.port = port.Name()});
     const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
     const auto request = Activate<IDriverActions>(__uuidof(DriverActions));
@@ -250,7 +251,7 @@ class SetAccount {
 
 TEST_F(ServerLifetimeTest, RefusesToServeWhenTheApplicationIsToRunAsAnAccount) {
     const SetAccount account(L"Interactive User");
-    const kit::ProcessResult run = kit::RunProgram(L"kemba-dal.exe", {L"/automation"});
+    const ProcessResult run = RunProgram(L"kemba-dal.exe", {L"/automation"});
     EXPECT_EQ(run.status, 1u);
     EXPECT_NE(run.errors.find("the application is set to run as \"Interactive User\""), std::string::npos);
 }

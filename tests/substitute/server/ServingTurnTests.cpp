@@ -13,6 +13,7 @@
 namespace {
 
 using namespace kemba::substitute;
+using namespace kit;
 using namespace std::chrono_literals;
 
 /// A name that no other test has.

@@ -18,6 +18,7 @@
 namespace {
 
 using namespace kemba::substitute;
+using namespace kit;
 
 const Bytes kOld = {1, 2, 3};
 const Bytes kNew = {4, 5, 6, 7, 8};

@@ -14,6 +14,7 @@
 namespace {
 
 using namespace kemba::substitute;
+using namespace kit;
 
 class SettingsStoreTest : public testing::Test {
   protected:

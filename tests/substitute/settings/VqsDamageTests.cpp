@@ -44,6 +44,7 @@ void operator delete(void* block, std::size_t) noexcept {
 namespace {
 
 using namespace kemba::substitute;
+using namespace kit;
 
 constexpr int kVariants = 100000;
 constexpr std::size_t kSmallBound = 16384;    // for a handful of values and the words of a refusal

@@ -12,6 +12,7 @@
 namespace {
 
 using namespace kemba::substitute;
+using namespace kit;
 
 HRESULT DecodeStatus(const Bytes& bytes) {
     return FailureOf([&] { DecodeVqs(bytes); }).status;

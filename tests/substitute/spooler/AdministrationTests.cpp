@@ -11,6 +11,7 @@ namespace {
 
 using kemba::ComPtr;
 using namespace kemba::substitute;
+using namespace kit;
 
 class AdministrationTest : public ObjectFixture {
   protected:

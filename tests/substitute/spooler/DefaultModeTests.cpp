@@ -5,6 +5,8 @@
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/FakeSpooler.h"
 
+using namespace kit;
+
 namespace {
 
 using kemba::substitute::Bytes;

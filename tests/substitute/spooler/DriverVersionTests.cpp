@@ -10,6 +10,7 @@ namespace {
 
 using kemba::ComPtr;
 using namespace kemba::substitute;
+using namespace kit;
 
 FILETIME DateOf(WORD year, WORD month, WORD day) {
     SYSTEMTIME date = {};
@@ -39,7 +40,7 @@ TEST(DriverVersion, IsFourPartsOfSixteenBits) {
 }
 
 TEST(DriverVersion, ADriverWithoutOneHasThatOfItsFile) {
-    const std::wstring program = kit::ProgramPath(L"kemba-dal.exe");
+    const std::wstring program = ProgramPath(L"kemba-dal.exe");
     EXPECT_EQ(DriverVersionText({.version = 0, .date = {}, .provider = L"", .path = program}), L"1.0.0.0");
     EXPECT_EQ(DriverVersionText({.version = 1, .date = {}, .provider = L"", .path = program}), L"0.0.0.1");
 }

@@ -16,6 +16,7 @@ using kemba::substitute::CanShowDialogs;
 using kemba::substitute::Failure;
 using kemba::substitute::Printer;
 using kemba::substitute::PrinterHold;
+using namespace kit;
 using namespace std::chrono_literals;
 
 class PrinterTest : public testing::Test {

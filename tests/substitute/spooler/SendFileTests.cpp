@@ -12,6 +12,7 @@ namespace {
 
 using kemba::ComPtr;
 using namespace kemba::substitute;
+using namespace kit;
 using Call = FakeSpooler::Call;
 
 class SendFileTest : public ObjectFixture {
@@ -44,7 +45,7 @@ std::string EveryByte(std::size_t count) {
 
 TEST_F(SendFileTest, TheBytesAreOneRawJobCalledAsTheFile) {
     const std::string bytes = EveryByte(1'000) + "\x1A\r\n\n";
-    const kit::TemporaryFile file(bytes);
+    const TemporaryFile file(bytes);
     EXPECT_EQ(Send(file.Path()), S_OK);
     EXPECT_EQ(spooler.printed, bytes);
     const std::wstring name = std::filesystem::path(file.Path()).filename().wstring();
@@ -54,7 +55,7 @@ TEST_F(SendFileTest, TheBytesAreOneRawJobCalledAsTheFile) {
 }
 
 TEST_F(SendFileTest, TheSecondArgumentIsTheDocumentsName) {
-    const kit::TemporaryFile file("x");
+    const TemporaryFile file("x");
     EXPECT_EQ(Send(file.Path(), L"Parcels"), S_OK);
     EXPECT_EQ(spooler.journal.front(), L"RAW job Parcels");
     EXPECT_EQ(automation->SendFile(InText(file.Path()), nullptr), S_OK);
@@ -62,7 +63,7 @@ TEST_F(SendFileTest, TheSecondArgumentIsTheDocumentsName) {
 }
 
 TEST_F(SendFileTest, EveryKindOfAbsolutePathIsTaken) {
-    const kit::TemporaryFile file("x");
+    const TemporaryFile file("x");
     std::wstring slashed = file.Path();
     std::replace(slashed.begin(), slashed.end(), L'\\', L'/');
     const std::wstring name = std::filesystem::path(file.Path()).filename().wstring();
@@ -78,7 +79,7 @@ TEST_F(SendFileTest, GoesInBlocksWhateverTheSize) {
         SCOPED_TRACE(size);
         spooler.printed.clear();
         const std::string bytes = EveryByte(size);
-        const kit::TemporaryFile file(bytes);
+        const TemporaryFile file(bytes);
         EXPECT_EQ(Send(file.Path()), S_OK);
         EXPECT_TRUE(spooler.printed == bytes);
         EXPECT_LE(spooler.largestWrite, 65'536u);
@@ -88,7 +89,7 @@ TEST_F(SendFileTest, GoesInBlocksWhateverTheSize) {
 TEST_F(SendFileTest, ASpoolerThatTakesLessIsGivenTheRest) {
     spooler.mostAtOnce = 300;
     const std::string bytes = EveryByte(1'000);
-    const kit::TemporaryFile file(bytes);
+    const TemporaryFile file(bytes);
     EXPECT_EQ(Send(file.Path()), S_OK);
     EXPECT_EQ(spooler.printed, bytes);
     spooler.mostAtOnce = 0; // says that it worked, and takes nothing
@@ -97,7 +98,7 @@ TEST_F(SendFileTest, ASpoolerThatTakesLessIsGivenTheRest) {
 }
 
 TEST_F(SendFileTest, AnXpsDriverGetsItsOwnDataType) {
-    const kit::TemporaryFile file("x");
+    const TemporaryFile file("x");
     const struct {
         DWORD level, attributes;
         const wchar_t* journal;
@@ -117,7 +118,7 @@ TEST_F(SendFileTest, AnXpsDriverGetsItsOwnDataType) {
 }
 
 TEST_F(SendFileTest, AJobThatFailsHalfWayIsDeleted) {
-    const kit::TemporaryFile file(EveryByte(100'000)); // two blocks
+    const TemporaryFile file(EveryByte(100'000)); // two blocks
     const struct {
         Call step;
         bool started;
@@ -145,14 +146,14 @@ TEST_F(SendFileTest, AJobThatFailsHalfWayIsDeleted) {
 }
 
 TEST_F(SendFileTest, ADriverThatDoesNotTellOfItselfIsNoReasonToFail) {
-    const kit::TemporaryFile file("x");
+    const TemporaryFile file("x");
     spooler.failing = Call::GetDriver;
     EXPECT_EQ(Send(file.Path()), S_OK);
     EXPECT_EQ(spooler.printed, "x");
 }
 
 TEST_F(SendFileTest, AJobWhoseEndFailedAfterItsBytesWentOutIsTakenOutOfTheQueue) {
-    const kit::TemporaryFile file("x");
+    const TemporaryFile file("x");
     spooler.failing = Call::EndDocument;
     spooler.endLosesDocument = true;
     EXPECT_EQ(Send(file.Path()), HRESULT_FROM_WIN32(ERROR_PRINT_CANCELLED));
@@ -163,7 +164,7 @@ TEST_F(SendFileTest, AJobWhoseEndFailedAfterItsBytesWentOutIsTakenOutOfTheQueue)
 }
 
 TEST_F(SendFileTest, AJobThatCannotBeDeletedIsNamed) {
-    const kit::TemporaryFile file("x");
+    const TemporaryFile file("x");
     spooler.endLosesDocument = true;
     spooler.before = [&](Call call) {
         spooler.failing = call == Call::EndDocument || call == Call::DeleteJob ? call : Call::None;
@@ -175,7 +176,7 @@ TEST_F(SendFileTest, AJobThatCannotBeDeletedIsNamed) {
 }
 
 TEST_F(SendFileTest, WhatIsNoFileWithBytesIsRefusedBeforeAnyJob) {
-    const kit::TemporaryFile empty;
+    const TemporaryFile empty;
     const std::wstring place = L"SendFile on printer \"Label A\": ";
     EXPECT_TRUE(BeginsWith(RefusalOf(empty.Path(), ERROR_INVALID_DATA),
                            place + L"the file \"" + empty.Path() + L"\" is empty: "));
@@ -183,7 +184,7 @@ TEST_F(SendFileTest, WhatIsNoFileWithBytesIsRefusedBeforeAnyJob) {
                            place + L"opening the file \"C:\\no such file\" failed: "));
     EXPECT_TRUE(BeginsWith(RefusalOf(L"C:\\windows", ERROR_ACCESS_DENIED),
                            place + L"opening the file \"C:\\windows\" failed: "));
-    const kit::TemporaryFile file("x");
+    const TemporaryFile file("x");
     for (const std::wstring& device : {std::wstring(L"\\\\.\\NUL"), std::wstring(L"\\\\.\\C:"),
                                        std::wstring(L"//./C:"), L"\\\\.\\" + file.Path()}) {
         EXPECT_TRUE(
@@ -201,7 +202,7 @@ TEST_F(SendFileTest, APathOfSomeFolderThatTheServerCannotKnowIsRefused) {
 }
 
 TEST_F(SendFileTest, AFileThatSomebodyWritesToIsRefused) {
-    const kit::TemporaryFile file("half a la");
+    const TemporaryFile file("half a la");
     const HANDLE writer = CreateFileW(file.Path().c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                       nullptr, OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(writer, INVALID_HANDLE_VALUE);
@@ -211,7 +212,7 @@ TEST_F(SendFileTest, AFileThatSomebodyWritesToIsRefused) {
 }
 
 TEST_F(SendFileTest, NothingIsSentBeforeBinding) {
-    const kit::TemporaryFile file("x");
+    const TemporaryFile file("x");
     EXPECT_EQ(MakeAutomation()->SendFile(InText(file.Path()), nullptr), E_UNEXPECTED);
 }
 

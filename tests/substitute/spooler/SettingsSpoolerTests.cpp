@@ -19,6 +19,7 @@ namespace {
 using kemba::ComPtr;
 using kemba::MakeObject;
 using namespace kemba::substitute;
+using namespace kit;
 
 class SettingsSpoolerTest : public ObjectFixture {
   protected:

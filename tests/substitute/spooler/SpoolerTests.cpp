@@ -17,6 +17,7 @@ namespace {
 using kemba::ComPtr;
 using kemba::MakeObject;
 using namespace kemba::substitute;
+using namespace kit;
 
 class SpoolerTest : public ObjectFixture {
   protected:
@@ -103,7 +104,7 @@ TEST_F(SpoolerTest, AQueueCommandThatTheSpoolerDoesNotKnowIsRefusedCleanly) {
 }
 
 TEST_F(SpoolerTest, AFilesBytesArriveAtThePort) {
-    const kit::PrinterPort port;
+    const PrinterPort port;
     const demo::Printer printer({.port = port.Name()});
     const auto automation = MakeReal();
     ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
@@ -111,7 +112,7 @@ TEST_F(SpoolerTest, AFilesBytesArriveAtThePort) {
     for (std::size_t index = 0; index < bytes.size(); ++index) {
         bytes[index] = static_cast<char>(index * 7 + index / 256);
     }
-    const kit::TemporaryFile file(bytes);
+    const TemporaryFile file(bytes);
     EXPECT_EQ(automation->SendFile(InText(file.Path()), nullptr), S_OK);
     EXPECT_TRUE(port.Received(bytes.size()) == bytes);
 }
@@ -120,7 +121,7 @@ TEST_F(SpoolerTest, AnActionsBytesArriveAtThePort) {
     const TemporaryFolder folder;
     profileFolder = folder.Path();
     folder.Put(std::wstring(demo::kLabelDriver) + L".profile", "Feed = NUL FF 0xFF");
-    const kit::PrinterPort port;
+    const PrinterPort port;
     const demo::Printer printer({.port = port.Name()});
     const auto automation = MakeReal();
     ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
