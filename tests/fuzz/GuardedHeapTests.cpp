@@ -127,7 +127,7 @@ TEST_F(GuardedHeapDeathTest, TrappedUndefinedBehaviourAndAbortAreReportedToo) {
     EXPECT_EXIT(Do([] { std::terminate(); }), testing::ExitedWithCode(3), "abort");
 }
 
-TEST(GuardedHeapTest, EveryKindOfBlockIsGuardedAndNoneIsLeft) {
+TEST(GuardedHeap, EveryKindOfBlockIsGuardedAndNoneIsLeft) {
     const std::int64_t before = GuardedHeap::LiveBlocks();
     {
         const GuardedHeap guarded;
@@ -148,7 +148,7 @@ TEST(GuardedHeapTest, EveryKindOfBlockIsGuardedAndNoneIsLeft) {
     EXPECT_EQ(GuardedHeap::Unguarded(), 0U);
 }
 
-TEST(GuardedHeapTest, BlocksKeepWhatIsWrittenAndAreZeroWhereTheyMustBe) {
+TEST(GuardedHeap, BlocksKeepWhatIsWrittenAndAreZeroWhereTheyMustBe) {
     const GuardedHeap guarded;
     for (std::size_t size : {1, 16, 4095, 4096, 4097, 70'000}) {
         auto* block = static_cast<char*>(std::calloc(size, 1));
@@ -163,7 +163,7 @@ TEST(GuardedHeapTest, BlocksKeepWhatIsWrittenAndAreZeroWhereTheyMustBe) {
     }
 }
 
-TEST(GuardedHeapTest, BlocksOfTheOrdinaryHeapMayBeFreedWhileGuardingAndTheOtherWayRound) {
+TEST(GuardedHeap, BlocksOfTheOrdinaryHeapMayBeFreedWhileGuardingAndTheOtherWayRound) {
     void* ordinary = std::malloc(20);
     EXPECT_FALSE(GuardedHeap::Holds(ordinary));
     void* block = nullptr;
@@ -182,7 +182,7 @@ TEST(GuardedHeapTest, BlocksOfTheOrdinaryHeapMayBeFreedWhileGuardingAndTheOtherW
     std::free(block);
 }
 
-TEST(GuardedHeapTest, BlocksLieWhereTheyAreToLie) {
+TEST(GuardedHeap, BlocksLieWhereTheyAreToLie) {
     const auto addressOf = [](std::size_t size) {
         return reinterpret_cast<std::uintptr_t>(std::unique_ptr<char[]>(new char[size]).get());
     };
@@ -198,7 +198,7 @@ TEST(GuardedHeapTest, BlocksLieWhereTheyAreToLie) {
     }
 }
 
-TEST(GuardedHeapTest, AFreedPlaceIsNotTheNextOneGivenOut) {
+TEST(GuardedHeap, AFreedPlaceIsNotTheNextOneGivenOut) {
     const GuardedHeap guarded;
     void* const first = std::malloc(100);
     std::free(first);

@@ -94,7 +94,7 @@ TEST(ServerUnderLoad, ServesManyClientsWithoutAFailureAndLeavesNothing) {
 
 /// Wine does not give back what a dead client held, so that the server stays: nothing may come after this
 /// test.
-TEST(ServerLastTest, AClientThatDiesInTheMiddleHurtsNoOther) {
+TEST(ServerLast, AClientThatDiesInTheMiddleHurtsNoOther) {
     const demo::Printer printer(
         {.port = L"LPT1:", .comment = L"by the door", .location = L"", .shareName = L"", .attributes = 0});
     ProcessOptions shortLived;

@@ -126,13 +126,13 @@ TEST(ActionProfile, WhateverTheBytesAreTheyAreTakenOrRefusedInOurWords) {
     EXPECT_GT(refused, 0);
 }
 
-class ActionProfilesTest : public testing::Test {
+class ActionProfiles : public testing::Test {
   protected:
     TemporaryFolder folder;
-    ActionProfiles profiles{[this] { return folder.Path(); }};
+    kemba::substitute::ActionProfiles profiles{[this] { return folder.Path(); }};
 };
 
-TEST_F(ActionProfilesTest, ThePrintersGoesBeforeItsDrivers) {
+TEST_F(ActionProfiles, ThePrintersGoesBeforeItsDrivers) {
     EXPECT_FALSE(profiles.Find(L"Dock", L"Zippy 300"));
     folder.Put(L"Zippy 300.profile", "Feed = \"driver\"\nCut = \"driver\"");
     EXPECT_EQ(profiles.Find(L"Dock", L"Zippy 300")->at(4), "driver");
@@ -142,14 +142,14 @@ TEST_F(ActionProfilesTest, ThePrintersGoesBeforeItsDrivers) {
     EXPECT_FALSE(profiles.Find(L"Other", L"Other"));
 }
 
-TEST_F(ActionProfilesTest, CharactersThatNoFileNameMayHaveAreUnderlines) {
+TEST_F(ActionProfiles, CharactersThatNoFileNameMayHaveAreUnderlines) {
     folder.Put(L"__srv_a_b_c_d_e_f_g.profile", "Feed = \"x\"");
     EXPECT_TRUE(profiles.Find(L"\\\\srv\\a:b/c\"d<e>f|g", L""));
     EXPECT_TRUE(profiles.Find(L"", L"?*srv\ta:b/c\"d<e>f|g"));
     EXPECT_FALSE(profiles.Find(L"..\\x", L"NUL"));
 }
 
-TEST_F(ActionProfilesTest, ADamagedFileIsRefusedByName) {
+TEST_F(ActionProfiles, ADamagedFileIsRefusedByName) {
     folder.Put(L"Dock.profile", "Feed = FF\nCut = ?");
     folder.Put(L"Zippy.profile", "Feed = FF");
     const Failure failure = FailureOf([&] { profiles.Find(L"Dock", L"Zippy"); });
@@ -159,9 +159,9 @@ TEST_F(ActionProfilesTest, ADamagedFileIsRefusedByName) {
     EXPECT_TRUE(profiles.Find(L"Other", L"Zippy")); // and concerns nobody else
 }
 
-TEST_F(ActionProfilesTest, TheLargestFileIsTakenAndALargerOneIsRefused) {
+TEST_F(ActionProfiles, TheLargestFileIsTakenAndALargerOneIsRefused) {
     std::string text = "Feed = FF #";
-    text.resize(ActionProfiles::kLargestFile, '.');
+    text.resize(kemba::substitute::ActionProfiles::kLargestFile, '.');
     folder.Put(L"Dock.profile", text);
     EXPECT_TRUE(profiles.Find(L"Dock", L""));
     folder.Put(L"Dock.profile", text + ".");
@@ -171,15 +171,15 @@ TEST_F(ActionProfilesTest, TheLargestFileIsTakenAndALargerOneIsRefused) {
                            L"reading the action profile \"" + folder.Path() + L"\\Dock.profile\" failed"));
 }
 
-TEST_F(ActionProfilesTest, AProfileThatCannotBeReadIsNotTakenForNone) {
+TEST_F(ActionProfiles, AProfileThatCannotBeReadIsNotTakenForNone) {
     std::filesystem::create_directory(folder.Path() + L"\\Dock.profile");
     EXPECT_THROW(profiles.Find(L"Dock", L""), Failure);
 }
 
 /// A registry key of the test's own for the value that names the folder.
-class ActionProfileFolderTest : public testing::Test {
+class ActionProfileFolder : public testing::Test {
   protected:
-    ~ActionProfileFolderTest() override { RegDeleteKeyW(HKEY_CURRENT_USER, key.c_str()); }
+    ~ActionProfileFolder() override { RegDeleteKeyW(HKEY_CURRENT_USER, key.c_str()); }
 
     void Put(DWORD type, const void* data, std::size_t size) const {
         ASSERT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"ActionProfiles", type, data,
@@ -188,7 +188,9 @@ class ActionProfileFolderTest : public testing::Test {
     }
     /// The text as it stands, with no zero behind it.
     void Put(const std::wstring& text) const { Put(REG_SZ, text.data(), text.size() * sizeof(wchar_t)); }
-    std::wstring Folder() const { return ActionProfileFolder(HKEY_CURRENT_USER, key.c_str()); }
+    std::wstring Folder() const {
+        return kemba::substitute::ActionProfileFolder(HKEY_CURRENT_USER, key.c_str());
+    }
     Failure Refusal() const {
         return FailureOf([&] { Folder(); });
     }
@@ -196,7 +198,7 @@ class ActionProfileFolderTest : public testing::Test {
     const std::wstring key = L"Software\\kemba profile test " + std::to_wstring(GetCurrentProcessId());
 };
 
-TEST_F(ActionProfileFolderTest, IsBesideTheProgramWithoutTheKeyOrTheValue) {
+TEST_F(ActionProfileFolder, IsBesideTheProgramWithoutTheKeyOrTheValue) {
     const std::wstring program = ProgramPath();
     const std::wstring beside = program.substr(0, program.rfind(L'\\')) + L"\\profiles";
     EXPECT_EQ(Folder(), beside);
@@ -204,7 +206,7 @@ TEST_F(ActionProfileFolderTest, IsBesideTheProgramWithoutTheKeyOrTheValue) {
     EXPECT_EQ(Folder(), beside);
 }
 
-TEST_F(ActionProfileFolderTest, IsWhatTheRegistrySays) {
+TEST_F(ActionProfileFolder, IsWhatTheRegistrySays) {
     const std::wstring longest = L"C:\\" + std::wstring(32'000, L'x');
     for (const std::wstring& folder : {L"C:\\some folder"s, L"\\\\server\\share"s, longest}) {
         Put(folder + L"\0"s);
@@ -219,7 +221,7 @@ TEST_F(ActionProfileFolderTest, IsWhatTheRegistrySays) {
     EXPECT_EQ(Folder(), L"C:\\some folder");
 }
 
-TEST_F(ActionProfileFolderTest, IsRefusedInOurWordsWhenTheValueIsNoAbsolutePath) {
+TEST_F(ActionProfileFolder, IsRefusedInOurWordsWhenTheValueIsNoAbsolutePath) {
     const std::wstring words = L"the registry value \"ActionProfiles\" is no absolute path: ";
     for (const std::wstring& text :
          {L""s, L"\0"s, L"\0\0"s, L"some folder\0"s, L"C:folder\0"s, L"C"s, L"C:\\some\0folder\0"s,
@@ -232,7 +234,7 @@ TEST_F(ActionProfileFolderTest, IsRefusedInOurWordsWhenTheValueIsNoAbsolutePath)
     }
 }
 
-TEST_F(ActionProfileFolderTest, IsRefusedWhenTheValueNamesADevice) {
+TEST_F(ActionProfileFolder, IsRefusedWhenTheValueNamesADevice) {
     for (const std::wstring& text : {L"\\\\.\\C:\\some folder"s, L"//./C:/some folder"s, L"C:\\NUL"s,
                                      L"\\\\?\\GLOBALROOT\\Device\\HarddiskVolume1\\some folder"s}) {
         SCOPED_TRACE(testing::PrintToString(text));
@@ -243,7 +245,7 @@ TEST_F(ActionProfileFolderTest, IsRefusedWhenTheValueNamesADevice) {
     }
 }
 
-TEST_F(ActionProfileFolderTest, IsRefusedInOurWordsWhenTheValueIsNoText) {
+TEST_F(ActionProfileFolder, IsRefusedInOurWordsWhenTheValueIsNoText) {
     const wchar_t text[] = L"C:\\some folder";
     for (const DWORD type : {REG_NONE, REG_DWORD, REG_BINARY, REG_MULTI_SZ, REG_QWORD}) {
         for (const std::size_t size : {std::size_t{0}, std::size_t{1}, std::size_t{4}, sizeof(text)}) {
@@ -271,7 +273,8 @@ TEST_F(ActionProfileFolderTest, IsRefusedInOurWordsWhenTheValueIsNoText) {
 TEST(ActionProfile, TheSampleThatShipsIsUnderstood) {
     const std::wstring program = ProgramPath(L"kemba-dal.exe");
     const std::wstring folder = program.substr(0, program.rfind(L'\\')) + L"\\profiles";
-    const auto sample = ActionProfiles([&] { return folder; }).Find(L"escpos-receipt", L"");
+    const auto sample =
+        kemba::substitute::ActionProfiles([&] { return folder; }).Find(L"escpos-receipt", L"");
     ASSERT_TRUE(sample);
     EXPECT_EQ(sample->at(3), "\x1DVB\0"s);
     EXPECT_EQ(sample->at(4), "\x1B"

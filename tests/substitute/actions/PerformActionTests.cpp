@@ -14,9 +14,9 @@ using kemba::MakeObject;
 using namespace kemba::substitute;
 using namespace kit;
 
-class PerformActionTest : public ObjectFixture {
+class PerformAction : public ObjectFixture {
   protected:
-    PerformActionTest() {
+    PerformAction() {
         profileFolder = folder.Path();
         spooler.printers[L"Label A"].driver = L"Zippy 300";
         EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
@@ -67,7 +67,7 @@ const struct {
     {10, "PrintConfiguration = NUL \"10\"", L"PrintConfiguration"},
 };
 
-TEST_F(PerformActionTest, AnActionOfTheProfileIsSentAsOneJobWithoutAnyDialog) {
+TEST_F(PerformAction, AnActionOfTheProfileIsSentAsOneJobWithoutAnyDialog) {
     for (const auto& row : kByteActions) {
         SCOPED_TRACE(row.code);
         Profile(row.line);
@@ -84,7 +84,7 @@ TEST_F(PerformActionTest, AnActionOfTheProfileIsSentAsOneJobWithoutAnyDialog) {
     }
 }
 
-TEST_F(PerformActionTest, AskingSendsNothing) {
+TEST_F(PerformAction, AskingSendsNothing) {
     Profile("Feed = FF");
     EXPECT_EQ(Perform(4, 0), S_OK);
     EXPECT_TRUE(Supported());
@@ -94,7 +94,7 @@ TEST_F(PerformActionTest, AskingSendsNothing) {
     EXPECT_TRUE(Untouched());
 }
 
-TEST_F(PerformActionTest, EveryNonZeroFlagExecutes) {
+TEST_F(PerformAction, EveryNonZeroFlagExecutes) {
     Profile("Feed = FF");
     for (const int flag : {1, -1, 2, -32'768}) {
         SCOPED_TRACE(flag);
@@ -104,7 +104,7 @@ TEST_F(PerformActionTest, EveryNonZeroFlagExecutes) {
     }
 }
 
-TEST_F(PerformActionTest, WithoutProfileOrEntryNothingIsSupported) {
+TEST_F(PerformAction, WithoutProfileOrEntryNothingIsSupported) {
     for (const VARIANT_BOOL execute : {VARIANT_BOOL(0), VARIANT_BOOL(1)}) {
         for (const auto& row : kByteActions) {
             EXPECT_EQ(Perform(row.code, execute), S_OK);
@@ -118,7 +118,7 @@ TEST_F(PerformActionTest, WithoutProfileOrEntryNothingIsSupported) {
     EXPECT_TRUE(Untouched());
 }
 
-TEST_F(PerformActionTest, WhatTheSpoolerHasNothingForIsNotSupported) {
+TEST_F(PerformAction, WhatTheSpoolerHasNothingForIsNotSupported) {
     // Caches, memory, radio tags, information and commands of the device; a code that is nobody's.
     for (const LONG code : {5, 6, 11, 30, 13, 15, 16, 12, 0, -1, 99}) {
         for (const VARIANT_BOOL execute : {VARIANT_BOOL(0), VARIANT_BOOL(1)}) {
@@ -131,7 +131,7 @@ TEST_F(PerformActionTest, WhatTheSpoolerHasNothingForIsNotSupported) {
     EXPECT_TRUE(Untouched());
 }
 
-TEST_F(PerformActionTest, TheSystemsDialogsAreShownAndSaidToBeDialogs) {
+TEST_F(PerformAction, TheSystemsDialogsAreShownAndSaidToBeDialogs) {
     for (const LONG code : {17, 14}) {
         EXPECT_EQ(Perform(code, 0), S_OK);
         EXPECT_TRUE(Supported());
@@ -146,7 +146,7 @@ TEST_F(PerformActionTest, TheSystemsDialogsAreShownAndSaidToBeDialogs) {
     EXPECT_EQ(spooler.journal, (std::vector<std::wstring>{L"properties of Label A", L"queue of Label A"}));
 }
 
-TEST_F(PerformActionTest, PropertiesMayBeChangedByAdministratorsAndLookedAtByOthers) {
+TEST_F(PerformAction, PropertiesMayBeChangedByAdministratorsAndLookedAtByOthers) {
     spooler.rights = PRINTER_ACCESS_USE;
     EXPECT_EQ(Perform(17, 1), S_OK);
     EXPECT_EQ(spooler.journal, std::vector<std::wstring>{L"properties to look at of Label A"});
@@ -159,7 +159,7 @@ TEST_F(PerformActionTest, PropertiesMayBeChangedByAdministratorsAndLookedAtByOth
     EXPECT_EQ(spooler.accesses.size(), 1u);
 }
 
-TEST_F(PerformActionTest, NoDialogIsShownWhereNobodyWouldSeeIt) {
+TEST_F(PerformAction, NoDialogIsShownWhereNobodyWouldSeeIt) {
     spooler.desktop.visible = false;
     for (const auto& [code, word] : {std::pair(17, L"ConfigurePrinter"), {14, L"StatusMonitoring"}}) {
         SCOPED_TRACE(word);
@@ -175,7 +175,7 @@ TEST_F(PerformActionTest, NoDialogIsShownWhereNobodyWouldSeeIt) {
     EXPECT_TRUE(Untouched());
 }
 
-TEST_F(PerformActionTest, ADialogThatFailsIsReported) {
+TEST_F(PerformAction, ADialogThatFailsIsReported) {
     spooler.failing = FakeSpooler::Call::ShowProperties;
     spooler.failure = ERROR_CALL_NOT_IMPLEMENTED;
     EXPECT_EQ(Perform(17, 1), HRESULT_FROM_WIN32(ERROR_CALL_NOT_IMPLEMENTED));
@@ -183,7 +183,7 @@ TEST_F(PerformActionTest, ADialogThatFailsIsReported) {
                                                          L"dialog of action ConfigurePrinter failed: "));
 }
 
-TEST_F(PerformActionTest, AFailedActionLeavesNoJobAndNoOldAnswer) {
+TEST_F(PerformAction, AFailedActionLeavesNoJobAndNoOldAnswer) {
     Profile("Feed = FF");
     EXPECT_EQ(Perform(4, 1), S_OK);
     EXPECT_TRUE(Supported());
@@ -194,7 +194,7 @@ TEST_F(PerformActionTest, AFailedActionLeavesNoJobAndNoOldAnswer) {
     EXPECT_FALSE(Supported());
 }
 
-TEST_F(PerformActionTest, ADamagedProfileIsRefusedEvenWhenOnlyAsked) {
+TEST_F(PerformAction, ADamagedProfileIsRefusedEvenWhenOnlyAsked) {
     Profile("Feed = FF\nBogus = FF");
     for (const VARIANT_BOOL execute : {VARIANT_BOOL(0), VARIANT_BOOL(1)}) {
         EXPECT_EQ(Perform(4, execute), HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
@@ -206,7 +206,7 @@ TEST_F(PerformActionTest, ADamagedProfileIsRefusedEvenWhenOnlyAsked) {
     EXPECT_TRUE(Untouched());
 }
 
-TEST_F(PerformActionTest, WhatIsNoRequestOfThisServerIsRefused) {
+TEST_F(PerformAction, WhatIsNoRequestOfThisServerIsRefused) {
     Profile("Feed = FF");
     VARIANT number = {};
     number.vt = VT_I4;
@@ -258,7 +258,7 @@ TEST_F(PerformActionTest, WhatIsNoRequestOfThisServerIsRefused) {
     request->Release();
 }
 
-TEST_F(PerformActionTest, ARequestMayComeAsAnyKindOfObjectAndByReference) {
+TEST_F(PerformAction, ARequestMayComeAsAnyKindOfObjectAndByReference) {
     Profile("Feed = FF");
     request->PutExecute(1);
     VARIANT plain = Argument(request.Get());
@@ -285,7 +285,7 @@ TEST_F(PerformActionTest, ARequestMayComeAsAnyKindOfObjectAndByReference) {
     }
 }
 
-TEST_F(PerformActionTest, AFreshRequestKnowsNothingAndAsksOnly) {
+TEST_F(PerformAction, AFreshRequestKnowsNothingAndAsksOnly) {
     EXPECT_FALSE(Supported());
     EXPECT_FALSE(Displays());
     EXPECT_EQ(request->GetSupported(nullptr), E_POINTER);
@@ -296,7 +296,7 @@ TEST_F(PerformActionTest, AFreshRequestKnowsNothingAndAsksOnly) {
     EXPECT_TRUE(Untouched());
 }
 
-TEST_F(PerformActionTest, NothingIsDoneBeforeBinding) {
+TEST_F(PerformAction, NothingIsDoneBeforeBinding) {
     request->PutExecute(1);
     EXPECT_EQ(MakeAutomation()->PerformAction(17, Argument(request.Get())), E_UNEXPECTED);
     EXPECT_TRUE(Untouched());

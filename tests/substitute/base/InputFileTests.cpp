@@ -14,12 +14,12 @@ namespace {
 using namespace kemba::substitute;
 using namespace kit;
 
-class InputFileTest : public testing::Test {
+class InputFile : public testing::Test {
   protected:
     void Put(const std::string& bytes) { folder.Put(name, bytes); }
     /// What opening fails with.
     Failure Refusal(const std::wstring& file) {
-        return FailureOf([&] { InputFile(L"parcel", file); });
+        return FailureOf([&] { kemba::substitute::InputFile(L"parcel", file); });
     }
 
     TemporaryFolder folder;
@@ -27,14 +27,14 @@ class InputFileTest : public testing::Test {
     std::wstring path = folder.File(name);
 };
 
-TEST_F(InputFileTest, GivesAllBytesInPiecesOrAtOnce) {
+TEST_F(InputFile, GivesAllBytesInPiecesOrAtOnce) {
     std::string bytes(2'500'000, '\0');
     for (std::size_t index = 0; index < bytes.size(); ++index) {
         bytes[index] = static_cast<char>(index * 7 + index / 256);
     }
     Put(bytes);
-    EXPECT_TRUE(InputFile(L"parcel", path).ReadAll<std::string>(bytes.size()) == bytes);
-    InputFile file(L"parcel", path);
+    EXPECT_TRUE(kemba::substitute::InputFile(L"parcel", path).ReadAll<std::string>(bytes.size()) == bytes);
+    kemba::substitute::InputFile file(L"parcel", path);
     std::string read(1'500'000, '\0');
     EXPECT_EQ(file.Read(read.data(), read.size()), read.size());
     EXPECT_TRUE(read == bytes.substr(0, read.size()));
@@ -43,18 +43,21 @@ TEST_F(InputFileTest, GivesAllBytesInPiecesOrAtOnce) {
     EXPECT_EQ(file.Read(read.data(), read.size()), 0u);
 }
 
-TEST_F(InputFileTest, MoreThanTheLimitIsRefusedUnread) {
+TEST_F(InputFile, MoreThanTheLimitIsRefusedUnread) {
     Put("12345");
-    EXPECT_EQ(InputFile(L"parcel", path).ReadAll<std::string>(5), "12345");
-    const Failure failure = FailureOf([&] { InputFile(L"parcel", path).ReadAll<std::string>(4); });
+    EXPECT_EQ(kemba::substitute::InputFile(L"parcel", path).ReadAll<std::string>(5), "12345");
+    const Failure failure =
+        FailureOf([&] { kemba::substitute::InputFile(L"parcel", path).ReadAll<std::string>(4); });
     EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_FILE_TOO_LARGE));
     EXPECT_TRUE(BeginsWith(failure.reason, L"reading the parcel \"" + path + L"\" failed: "));
     std::filesystem::resize_file(path, 1ull << 32); // takes no room on the disk
-    EXPECT_EQ(FailureOf([&] { InputFile(L"parcel", path).ReadAll<std::string>(1u << 24); }).status,
+    EXPECT_EQ(FailureOf([&] {
+                  kemba::substitute::InputFile(L"parcel", path).ReadAll<std::string>(1u << 24);
+              }).status,
               HRESULT_FROM_WIN32(ERROR_FILE_TOO_LARGE));
 }
 
-TEST_F(InputFileTest, SaysWhichFileItCouldNotOpen) {
+TEST_F(InputFile, SaysWhichFileItCouldNotOpen) {
     const Failure failure = Refusal(path);
     EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
     EXPECT_TRUE(BeginsWith(failure.reason, L"opening the parcel \"" + path + L"\" failed: "));
@@ -65,7 +68,7 @@ TEST_F(InputFileTest, SaysWhichFileItCouldNotOpen) {
     EXPECT_EQ(Refusal(path + std::wstring(L"\0b", 2)).status, HRESULT_FROM_WIN32(ERROR_INVALID_NAME));
 }
 
-TEST_F(InputFileTest, AFileByADevicesWayIsRefusedToo) {
+TEST_F(InputFile, AFileByADevicesWayIsRefusedToo) {
     Put("x");
     for (const std::wstring& device : {L"\\\\.\\" + path, L"//./" + path, std::wstring(L"\\\\.\\C:"),
                                        std::wstring(L"\\\\.\\PhysicalDrive0"), folder.File(L"NUL")}) {
@@ -77,9 +80,9 @@ TEST_F(InputFileTest, AFileByADevicesWayIsRefusedToo) {
     EXPECT_EQ(Refusal(L"\\\\?\\" + path).status, S_OK);
 }
 
-TEST_F(InputFileTest, NobodyMayWriteMeanwhileButTheFileMayGo) {
+TEST_F(InputFile, NobodyMayWriteMeanwhileButTheFileMayGo) {
     Put("old");
-    InputFile file(L"parcel", path);
+    kemba::substitute::InputFile file(L"parcel", path);
     const auto open = [&](DWORD access) {
         return OCore::OwnFile(CreateFileW(path.c_str(), access,
                                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,

@@ -19,9 +19,9 @@ using kemba::OwnedBstr;
 using namespace kemba::substitute;
 using namespace kit;
 
-class AutomationObjectTest : public ObjectFixture {
+class AutomationObject : public ObjectFixture {
   protected:
-    AutomationObjectTest() { spooler.printers[L"Label A"].comment = L"by the door"; }
+    AutomationObject() { spooler.printers[L"Label A"].comment = L"by the door"; }
 
     /// Calls by name with one argument, as a script does.
     static HRESULT CallByName(IDispatch& object, std::wstring name, VARIANT argument,
@@ -50,7 +50,7 @@ class AutomationObjectTest : public ObjectFixture {
     }
 };
 
-TEST_F(AutomationObjectTest, LateBoundCallsReachTheOperations) {
+TEST_F(AutomationObject, LateBoundCallsReachTheOperations) {
     const auto automation = MakeAutomation();
     const InText name(L"Label A");
     EXPECT_EQ(CallByName(*automation, L"putprintername", TextArgument(name)), S_OK);
@@ -59,7 +59,7 @@ TEST_F(AutomationObjectTest, LateBoundCallsReachTheOperations) {
     EXPECT_STREQ(comment.Text(), L"by the door");
 }
 
-TEST_F(AutomationObjectTest, ALateBoundFailureCarriesItsStatus) {
+TEST_F(AutomationObject, ALateBoundFailureCarriesItsStatus) {
     const auto automation = MakeAutomation();
     const InText name(L"Other");
     EXCEPINFO exception = {};
@@ -71,7 +71,7 @@ TEST_F(AutomationObjectTest, ALateBoundFailureCarriesItsStatus) {
     TakeErrorTexts();
 }
 
-TEST_F(AutomationObjectTest, NamesAndInterfacesThatAreNotThereAreRefused) {
+TEST_F(AutomationObject, NamesAndInterfacesThatAreNotThereAreRefused) {
     const auto automation = MakeAutomation();
     EXPECT_EQ(CallByName(*automation, L"GetColour", VARIANT{}), DISP_E_UNKNOWNNAME);
     DISPPARAMS none = {};
@@ -84,7 +84,7 @@ TEST_F(AutomationObjectTest, NamesAndInterfacesThatAreNotThereAreRefused) {
     EXPECT_EQ(missing, nullptr);
 }
 
-TEST_F(AutomationObjectTest, TheTypeInformationIsThatOfTheInterface) {
+TEST_F(AutomationObject, TheTypeInformationIsThatOfTheInterface) {
     const auto automation = MakeAutomation();
     UINT count = 0;
     EXPECT_EQ(automation->GetTypeInfoCount(&count), S_OK);
@@ -97,7 +97,7 @@ TEST_F(AutomationObjectTest, TheTypeInformationIsThatOfTheInterface) {
     information->ReleaseTypeAttr(attributes);
 }
 
-TEST_F(AutomationObjectTest, EveryClassIsMadeAndSupportsErrorInformationForItsInterface) {
+TEST_F(AutomationObject, EveryClassIsMadeAndSupportsErrorInformationForItsInterface) {
     const std::pair<CLSID, IID> rows[] = {
         {__uuidof(DriverAutomation), __uuidof(IDriverAutomation)},
         {__uuidof(DriverActions), __uuidof(IDriverActions)},
@@ -127,7 +127,7 @@ TEST_F(AutomationObjectTest, EveryClassIsMadeAndSupportsErrorInformationForItsIn
     }
 }
 
-TEST_F(AutomationObjectTest, UnusedPlacesOfAnActionRequestSaySo) {
+TEST_F(AutomationObject, UnusedPlacesOfAnActionRequestSaySo) {
     const auto actions = MakeObject<DriverActionsObject>(context);
     const std::pair<const wchar_t*, std::function<HRESULT()>> rows[] = {
         {L"Reserved1", [&] { return actions->Reserved1(); }},
@@ -145,7 +145,7 @@ TEST_F(AutomationObjectTest, UnusedPlacesOfAnActionRequestSaySo) {
     }
 }
 
-TEST_F(AutomationObjectTest, TheServerTellsItsVersion) {
+TEST_F(AutomationObject, TheServerTellsItsVersion) {
     const auto version = MakeObject<VersionInformationObject>(context);
     std::wstring text;
     EXPECT_EQ(ReadText(*version, &IVersionInformation::GetVersion, text), S_OK);
@@ -160,7 +160,7 @@ TEST_F(AutomationObjectTest, TheServerTellsItsVersion) {
     EXPECT_EQ(version->GetVersionDetail(nullptr), E_POINTER);
 }
 
-TEST_F(AutomationObjectTest, ForeignExceptionsBecomeStatuses) {
+TEST_F(AutomationObject, ForeignExceptionsBecomeStatuses) {
     const auto report = [](auto thrown) {
         try {
             throw thrown;

@@ -16,9 +16,9 @@ using kemba::ComPtr;
 using namespace kemba::substitute;
 using namespace kit;
 
-class DriverAutomationObjectTest : public ObjectFixture {
+class DriverAutomationObject : public ObjectFixture {
   protected:
-    DriverAutomationObjectTest() {
+    DriverAutomationObject() {
         spooler.printers[L"Label A"] = {L"LABELA",
                                         L"USB001, USB002",
                                         L"Zippy 300",
@@ -28,7 +28,7 @@ class DriverAutomationObjectTest : public ObjectFixture {
                                         PRINTER_ATTRIBUTE_SHARED,
                                         2};
     }
-    ComPtr<DriverAutomationObject> MakeBound() {
+    ComPtr<kemba::substitute::DriverAutomationObject> MakeBound() {
         auto automation = MakeAutomation();
         EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
         return automation;
@@ -49,7 +49,7 @@ const struct {
     {L"GetLocation", &IDriverAutomation::GetLocation, L"Hall, left side"},
 };
 
-TEST_F(DriverAutomationObjectTest, ReadsEveryFieldOfItsPrinter) {
+TEST_F(DriverAutomationObject, ReadsEveryFieldOfItsPrinter) {
     const auto automation = MakeBound();
     for (const auto& row : kTextOperations) {
         SCOPED_TRACE(row.name);
@@ -59,7 +59,7 @@ TEST_F(DriverAutomationObjectTest, ReadsEveryFieldOfItsPrinter) {
     }
 }
 
-TEST_F(DriverAutomationObjectTest, AFieldThatThePrinterLacksIsEmptyAndNotNull) {
+TEST_F(DriverAutomationObject, AFieldThatThePrinterLacksIsEmptyAndNotNull) {
     spooler.printers[L"Label A"] = {};
     const auto automation = MakeBound();
     for (const auto& row : kTextOperations) {
@@ -70,7 +70,7 @@ TEST_F(DriverAutomationObjectTest, AFieldThatThePrinterLacksIsEmptyAndNotNull) {
     }
 }
 
-TEST_F(DriverAutomationObjectTest, ReadingBeforeBindingIsRefused) {
+TEST_F(DriverAutomationObject, ReadingBeforeBindingIsRefused) {
     const auto automation = MakeAutomation();
     for (const auto& row : kTextOperations) {
         SCOPED_TRACE(row.name);
@@ -84,7 +84,7 @@ TEST_F(DriverAutomationObjectTest, ReadingBeforeBindingIsRefused) {
     EXPECT_EQ(information, nullptr);
 }
 
-TEST_F(DriverAutomationObjectTest, NullPlacesForResultsAreRefused) {
+TEST_F(DriverAutomationObject, NullPlacesForResultsAreRefused) {
     const auto automation = MakeBound();
     for (const auto& row : kTextOperations) {
         SCOPED_TRACE(row.name);
@@ -100,7 +100,7 @@ TEST_F(DriverAutomationObjectTest, NullPlacesForResultsAreRefused) {
     EXPECT_EQ(automation->GetTypeInfo(0, 0, nullptr), E_POINTER);
 }
 
-TEST_F(DriverAutomationObjectTest, AnUnknownPrinterIsRefusedAndTheObjectStaysFree) {
+TEST_F(DriverAutomationObject, AnUnknownPrinterIsRefusedAndTheObjectStaysFree) {
     const auto automation = MakeAutomation();
     EXPECT_EQ(automation->PutPrinterName(InText(L"Other")), HRESULT_FROM_WIN32(ERROR_INVALID_PRINTER_NAME));
     const ErrorTexts texts = TakeErrorTexts();
@@ -111,7 +111,7 @@ TEST_F(DriverAutomationObjectTest, AnUnknownPrinterIsRefusedAndTheObjectStaysFre
     EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
 }
 
-TEST_F(DriverAutomationObjectTest, IsBoundOnce) {
+TEST_F(DriverAutomationObject, IsBoundOnce) {
     spooler.printers[L"Label B"].comment = L"elsewhere";
     const auto automation = MakeBound();
     for (const wchar_t* const name : {L"Label B", L"Label A"}) {
@@ -124,7 +124,7 @@ TEST_F(DriverAutomationObjectTest, IsBoundOnce) {
     EXPECT_EQ(comment, L"by the door");
 }
 
-TEST_F(DriverAutomationObjectTest, AFailingSpoolerIsReportedWithOperationAndPrinter) {
+TEST_F(DriverAutomationObject, AFailingSpoolerIsReportedWithOperationAndPrinter) {
     const auto automation = MakeBound();
     spooler.failing = FakeSpooler::Call::GetRecord;
     spooler.failure = ERROR_ACCESS_DENIED;
@@ -135,7 +135,7 @@ TEST_F(DriverAutomationObjectTest, AFailingSpoolerIsReportedWithOperationAndPrin
     EXPECT_NE(description.find(L"error 5"), std::wstring::npos);
 }
 
-TEST_F(DriverAutomationObjectTest, ASuccessfulCallLeavesNoErrorInformationBehind) {
+TEST_F(DriverAutomationObject, ASuccessfulCallLeavesNoErrorInformationBehind) {
     const auto automation = MakeAutomation();
     std::wstring text;
     ReadText<IDriverAutomation>(*automation, &IDriverAutomation::GetComment, text);
@@ -143,7 +143,7 @@ TEST_F(DriverAutomationObjectTest, ASuccessfulCallLeavesNoErrorInformationBehind
     EXPECT_FALSE(TakeErrorTexts().present);
 }
 
-TEST_F(DriverAutomationObjectTest, WhatIsNotOfferedSaysSo) {
+TEST_F(DriverAutomationObject, WhatIsNotOfferedSaysSo) {
     const auto automation = MakeBound();
     const std::pair<const wchar_t*, std::function<HRESULT()>> rows[] = {
         {L"Reserved4", [&] { return automation->Reserved4(); }},
@@ -162,7 +162,7 @@ TEST_F(DriverAutomationObjectTest, WhatIsNotOfferedSaysSo) {
     }
 }
 
-TEST_F(DriverAutomationObjectTest, TheStatusObjectTellsTheStateAndOutlivesItsMaker) {
+TEST_F(DriverAutomationObject, TheStatusObjectTellsTheStateAndOutlivesItsMaker) {
     auto automation = MakeBound();
     ComPtr<IPrinterInformation> information;
     ASSERT_EQ(automation->GetPrinterInformation(information.Put()), S_OK);
@@ -181,14 +181,14 @@ TEST_F(DriverAutomationObjectTest, TheStatusObjectTellsTheStateAndOutlivesItsMak
     EXPECT_EQ(TakeErrorTexts().description.find(L"GetStatus on printer \"Label A\": "), 0u);
 }
 
-TEST_F(DriverAutomationObjectTest, GivesUpItsPrinterAndItsUseOfTheProcess) {
+TEST_F(DriverAutomationObject, GivesUpItsPrinterAndItsUseOfTheProcess) {
     MakeBound().Reset();
     EXPECT_EQ(spooler.open, 0);
     EXPECT_EQ(uses.Get().present, 0u);
     EXPECT_EQ(uses.Get().begun, 1u);
 }
 
-TEST_F(DriverAutomationObjectTest, ManyThreadsMayBindReadAndChangeOneObject) {
+TEST_F(DriverAutomationObject, ManyThreadsMayBindReadAndChangeOneObject) {
     const auto automation = MakeAutomation();
     spooler.before = [](FakeSpooler::Call) {
         std::this_thread::yield();

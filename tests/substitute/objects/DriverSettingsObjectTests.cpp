@@ -36,9 +36,9 @@ std::optional<Bytes> ReadAsOthersDo(const std::wstring& path) {
     return bytes;
 }
 
-class DriverSettingsObjectTest : public ObjectFixture {
+class DriverSettingsObject : public ObjectFixture {
   protected:
-    DriverSettingsObjectTest() {
+    DriverSettingsObject() {
         spooler.printers[L"Label A"].driver = L"Zippy 300";
         spooler.printers[L"Label A"].settings = MakeRichState();
         auto automation = MakeAutomation();
@@ -53,7 +53,7 @@ class DriverSettingsObjectTest : public ObjectFixture {
     ComPtr<IDriverSettings> settings;
 };
 
-TEST_F(DriverSettingsObjectTest, AnExportComesBackByAnImport) {
+TEST_F(DriverSettingsObject, AnExportComesBackByAnImport) {
     ASSERT_EQ(Export(), S_OK);
     spooler.printers[L"Label A"].settings = MakeOtherState();
     ASSERT_EQ(Import(), S_OK);
@@ -67,12 +67,12 @@ TEST_F(DriverSettingsObjectTest, AnExportComesBackByAnImport) {
     EXPECT_FALSE(TakeErrorTexts().present);
 }
 
-TEST_F(DriverSettingsObjectTest, ResetGivesTheDriversDefaults) {
+TEST_F(DriverSettingsObject, ResetGivesTheDriversDefaults) {
     ASSERT_EQ(settings->ResetSettings(LeftOut()), S_OK);
     EXPECT_EQ(CopiesOf(spooler.printers[L"Label A"].settings.globalMode), 1);
 }
 
-TEST_F(DriverSettingsObjectTest, AnyOptionalArgumentIsRefused) {
+TEST_F(DriverSettingsObject, AnyOptionalArgumentIsRefused) {
     ASSERT_EQ(Export(), S_OK);
     spooler.printers[L"Label A"].settings = MakeOtherState();
     const Bytes file = ReadSettingsFile(path, kMaximumVqsSize);
@@ -118,7 +118,7 @@ TEST_F(DriverSettingsObjectTest, AnyOptionalArgumentIsRefused) {
     settings->Release();
 }
 
-TEST_F(DriverSettingsObjectTest, NoValueCountsAsOmittedHoweverALanguageSaysIt) {
+TEST_F(DriverSettingsObject, NoValueCountsAsOmittedHoweverALanguageSaysIt) {
     VARIANT empty = {};
     VARIANT null = {};
     null.vt = VT_NULL;
@@ -145,7 +145,7 @@ TEST_F(DriverSettingsObjectTest, NoValueCountsAsOmittedHoweverALanguageSaysIt) {
     }
 }
 
-TEST_F(DriverSettingsObjectTest, ScriptsMayLeaveTheOptionalArgumentOut) {
+TEST_F(DriverSettingsObject, ScriptsMayLeaveTheOptionalArgumentOut) {
     const Value file(path);
     VARIANT empty = {};
     for (const std::vector<VARIANT>& option :
@@ -170,7 +170,7 @@ TEST_F(DriverSettingsObjectTest, ScriptsMayLeaveTheOptionalArgumentOut) {
     TakeErrorTexts();
 }
 
-TEST_F(DriverSettingsObjectTest, APathThatIsNotAbsoluteIsRefused) {
+TEST_F(DriverSettingsObject, APathThatIsNotAbsoluteIsRefused) {
     for (const wchar_t* const relative :
          {L"", L"label.vqs", L"a\\label.vqs", L"C:label.vqs", L"\\label.vqs"}) {
         EXPECT_EQ(settings->ExportSettings(InText(relative), LeftOut()),
@@ -181,7 +181,7 @@ TEST_F(DriverSettingsObjectTest, APathThatIsNotAbsoluteIsRefused) {
     }
 }
 
-TEST_F(DriverSettingsObjectTest, AnExportThatFailsAtAnyCallLeavesTheOldFile) {
+TEST_F(DriverSettingsObject, AnExportThatFailsAtAnyCallLeavesTheOldFile) {
     ASSERT_EQ(Export(), S_OK);
     const int calls = spooler.calls;
     const Bytes file = ReadSettingsFile(path, kMaximumVqsSize);
@@ -201,7 +201,7 @@ TEST_F(DriverSettingsObjectTest, AnExportThatFailsAtAnyCallLeavesTheOldFile) {
     }
 }
 
-TEST_F(DriverSettingsObjectTest, SettingsThatNoFileMayHoldLeaveTheOldFile) {
+TEST_F(DriverSettingsObject, SettingsThatNoFileMayHoldLeaveTheOldFile) {
     ASSERT_EQ(Export(), S_OK);
     const Bytes file = ReadSettingsFile(path, kMaximumVqsSize);
     spooler.printers[L"Label A"].settings.keys[L"PrinterDriverData"][L"Odd"] = {99, {}}; // no such type
@@ -210,7 +210,7 @@ TEST_F(DriverSettingsObjectTest, SettingsThatNoFileMayHoldLeaveTheOldFile) {
     EXPECT_EQ(folder.Count(), 1);
 }
 
-TEST_F(DriverSettingsObjectTest, AnImportThatFailsAtAnyCallSaysSoAndChangesNothing) {
+TEST_F(DriverSettingsObject, AnImportThatFailsAtAnyCallSaysSoAndChangesNothing) {
     ASSERT_EQ(Export(), S_OK);
     spooler.printers[L"Label A"].settings = MakeOtherState();
     spooler.calls = 0;
@@ -230,7 +230,7 @@ TEST_F(DriverSettingsObjectTest, AnImportThatFailsAtAnyCallSaysSoAndChangesNothi
     }
 }
 
-TEST_F(DriverSettingsObjectTest, BadFilesAreRefusedAndNothingIsAskedOfThePrinter) {
+TEST_F(DriverSettingsObject, BadFilesAreRefusedAndNothingIsAskedOfThePrinter) {
     ASSERT_EQ(Export(), S_OK);
     const Bytes good = ReadSettingsFile(path, kMaximumVqsSize);
     Bytes damaged = good;
@@ -250,7 +250,7 @@ TEST_F(DriverSettingsObjectTest, BadFilesAreRefusedAndNothingIsAskedOfThePrinter
     EXPECT_EQ(spooler.printers[L"Label A"].settings, MakeRichState());
 }
 
-TEST_F(DriverSettingsObjectTest, ADeviceIsNeitherWrittenNorRead) {
+TEST_F(DriverSettingsObject, ADeviceIsNeitherWrittenNorRead) {
     for (const std::wstring& device : {std::wstring(L"\\\\.\\C:"), std::wstring(L"//./PhysicalDrive0"),
                                        L"\\\\.\\" + path, folder.File(L"NUL")}) {
         SCOPED_TRACE(device);
@@ -263,7 +263,7 @@ TEST_F(DriverSettingsObjectTest, ADeviceIsNeitherWrittenNorRead) {
     EXPECT_EQ(folder.Count(), 0);
 }
 
-TEST_F(DriverSettingsObjectTest, TwoExportsAtOnceLeaveOneWholeFile) {
+TEST_F(DriverSettingsObject, TwoExportsAtOnceLeaveOneWholeFile) {
     spooler.printers[L"Label B"].driver = L"Zippy 300";
     spooler.printers[L"Label B"].settings = MakeOtherState();
     const auto other = MakeAutomation();

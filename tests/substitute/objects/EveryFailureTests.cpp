@@ -21,14 +21,14 @@ using namespace kemba::substitute;
 using namespace kit;
 using namespace std::chrono_literals;
 
-class EveryFailureTest : public ObjectFixture {
+class EveryFailure : public ObjectFixture {
   protected:
     struct Operation {
         const wchar_t* name;
         std::function<HRESULT()> call;
     };
 
-    EveryFailureTest() {
+    EveryFailure() {
         profileFolder = folder.Path();
         folder.Put(L"Zippy 300.profile", "Feed = FF");
         Prepare();
@@ -119,7 +119,7 @@ class EveryFailureTest : public ObjectFixture {
     ComPtr<IPrinterInformation> information;
 };
 
-TEST_F(EveryFailureTest, LeavesThePrinterAsBeforeOrFullyChangedAndIsExplained) {
+TEST_F(EveryFailure, LeavesThePrinterAsBeforeOrFullyChangedAndIsExplained) {
     int failures = 0;
     for (const Operation& operation : Operations()) {
         Prepare();
@@ -156,7 +156,7 @@ TEST_F(EveryFailureTest, LeavesThePrinterAsBeforeOrFullyChangedAndIsExplained) {
     EXPECT_GT(failures, 100);
 }
 
-TEST_F(EveryFailureTest, ASlowCallLosesNobodysChange) {
+TEST_F(EveryFailure, ASlowCallLosesNobodysChange) {
     for (const Operation& operation : Operations()) {
         Prepare();
         ASSERT_EQ(operation.call(), S_OK);

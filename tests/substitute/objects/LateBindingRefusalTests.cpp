@@ -16,13 +16,13 @@ using kemba::MakeObject;
 using namespace kemba::substitute;
 using namespace kit;
 
-class LateBindingRefusalTest : public ObjectFixture {
+class LateBindingRefusal : public ObjectFixture {
   protected:
-    LateBindingRefusalTest() {
+    LateBindingRefusal() {
         spooler.printers[L"Label A"].comment = L"by the door";
         EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
     }
-    ~LateBindingRefusalTest() override {
+    ~LateBindingRefusal() override {
         EXPECT_EQ(spooler.printers[L"Label A"].comment, L"by the door");
         TakeErrorTexts();
     }
@@ -30,7 +30,7 @@ class LateBindingRefusalTest : public ObjectFixture {
     ComPtr<DriverAutomationObject> automation = MakeAutomation();
 };
 
-TEST_F(LateBindingRefusalTest, TooManyArguments) {
+TEST_F(LateBindingRefusal, TooManyArguments) {
     const Value text(L"x");
     EXPECT_EQ(Call(*automation, L"PutComment", {text, text}), DISP_E_BADPARAMCOUNT);
     EXPECT_EQ(CallNamed(*automation, L"PutComment", {0}, {text, text}), DISP_E_BADPARAMCOUNT);
@@ -46,7 +46,7 @@ TEST_F(LateBindingRefusalTest, TooManyArguments) {
     EXPECT_EQ(second.lVal, 2);
 }
 
-TEST_F(LateBindingRefusalTest, TooFewArguments) {
+TEST_F(LateBindingRefusal, TooFewArguments) {
     EXPECT_EQ(Call(*automation, L"PutComment", {}), DISP_E_BADPARAMCOUNT);
     const Value text(L"C:\\x");
     EXPECT_EQ(Call(*automation, L"SendFile", {text}), DISP_E_BADPARAMCOUNT);
@@ -57,7 +57,7 @@ TEST_F(LateBindingRefusalTest, TooFewArguments) {
     EXPECT_EQ(Call(*automation, L"PutComment", {LeftOut()}), DISP_E_PARAMNOTOPTIONAL);
 }
 
-TEST_F(LateBindingRefusalTest, AValueWhereAResultIsHandedOut) {
+TEST_F(LateBindingRefusal, AValueWhereAResultIsHandedOut) {
     Value text(L"mine");
     Value none;
     Value number(7);
@@ -77,7 +77,7 @@ TEST_F(LateBindingRefusalTest, AValueWhereAResultIsHandedOut) {
     EXPECT_EQ(text.Text(), L"mine");
 }
 
-TEST_F(LateBindingRefusalTest, AnObjectWhereAnObjectIsHandedOut) {
+TEST_F(LateBindingRefusal, AnObjectWhereAnObjectIsHandedOut) {
     const auto request = MakeObject<DriverActionsObject>(context);
     const Value value(request.Get());
     EXPECT_EQ(Call(*automation, L"GetSettings", {value}), DISP_E_TYPEMISMATCH);
@@ -85,7 +85,7 @@ TEST_F(LateBindingRefusalTest, AnObjectWhereAnObjectIsHandedOut) {
     request->Release();
 }
 
-TEST_F(LateBindingRefusalTest, AVariableOfAnotherTypeAndNoVariable) {
+TEST_F(LateBindingRefusal, AVariableOfAnotherTypeAndNoVariable) {
     LONG number = 7;
     IDispatch* object = nullptr;
     const VARIANT rows[] = {Reference(VT_I4, &number), Reference(VT_DISPATCH, &object),
@@ -100,7 +100,7 @@ TEST_F(LateBindingRefusalTest, AVariableOfAnotherTypeAndNoVariable) {
     EXPECT_EQ(object, nullptr);
 }
 
-TEST_F(LateBindingRefusalTest, AValueThatCannotBeConverted) {
+TEST_F(LateBindingRefusal, AValueThatCannotBeConverted) {
     const Value word(L"four");
     Value request(MakeObject<DriverActionsObject>(context).Get());
     Told told;
@@ -110,7 +110,7 @@ TEST_F(LateBindingRefusalTest, AValueThatCannotBeConverted) {
     EXPECT_EQ(Call(*automation, L"PutComment", {null}), DISP_E_TYPEMISMATCH);
 }
 
-TEST_F(LateBindingRefusalTest, ANameThatNoArgumentHas) {
+TEST_F(LateBindingRefusal, ANameThatNoArgumentHas) {
     const Value text(L"x");
     for (const DISPID id : {DISPID(1), DISPID(-1), DISPID(DISPID_PROPERTYPUT), DISPID(0x7FFFFFFF)}) {
         SCOPED_TRACE(id);
@@ -122,7 +122,7 @@ TEST_F(LateBindingRefusalTest, ANameThatNoArgumentHas) {
               DISP_E_BADPARAMCOUNT); // the first twice
 }
 
-TEST_F(LateBindingRefusalTest, OperationsAreNoProperties) {
+TEST_F(LateBindingRefusal, OperationsAreNoProperties) {
     const Value text(L"x");
     Value result;
     EXPECT_EQ(CallNamed(*automation, L"PutComment", {DISPID_PROPERTYPUT}, {text}, nullptr, nullptr,
@@ -138,7 +138,7 @@ TEST_F(LateBindingRefusalTest, OperationsAreNoProperties) {
     }
 }
 
-TEST_F(LateBindingRefusalTest, MembersThatAreNoOperations) {
+TEST_F(LateBindingRefusal, MembersThatAreNoOperations) {
     DISPPARAMS none = {};
     const ULONG references = automation->AddRef();
     // Among them the places of IUnknown and IDispatch, which type libraries number so.
@@ -152,7 +152,7 @@ TEST_F(LateBindingRefusalTest, MembersThatAreNoOperations) {
     automation->Release();
 }
 
-TEST_F(LateBindingRefusalTest, ArgumentsThatAreNotThere) {
+TEST_F(LateBindingRefusal, ArgumentsThatAreNotThere) {
     const DISPID id = IdOf(*automation, L"PutComment");
     DISPID first = 0;
     Value text(L"x");
@@ -172,7 +172,7 @@ TEST_F(LateBindingRefusalTest, ArgumentsThatAreNotThere) {
 }
 
 /// Every operation of every object, with all kinds of arguments.
-TEST_F(LateBindingRefusalTest, NoArgumentsEverBringOutWordsOfTheRuntime) {
+TEST_F(LateBindingRefusal, NoArgumentsEverBringOutWordsOfTheRuntime) {
     Value settings;
     Value queue;
     Value information;

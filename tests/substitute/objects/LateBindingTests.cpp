@@ -16,9 +16,9 @@ using kemba::OwnedBstr;
 using namespace kemba::substitute;
 using namespace kit;
 
-class LateBindingTest : public ObjectFixture {
+class LateBinding : public ObjectFixture {
   protected:
-    LateBindingTest() {
+    LateBinding() {
         spooler.printers[L"Label A"].comment = L"by the door";
         EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
     }
@@ -33,13 +33,13 @@ ULONG ReferencesTo(Object& object) {
     return object.Release();
 }
 
-TEST_F(LateBindingTest, AnUntypedVariableGetsTheText) {
+TEST_F(LateBinding, AnUntypedVariableGetsTheText) {
     Value comment(L"old"); // what it held is freed
     EXPECT_EQ(Call(*automation, L"GetComment", {Reference(comment)}), S_OK);
     EXPECT_EQ(comment.Text(), L"by the door");
 }
 
-TEST_F(LateBindingTest, AnArgumentLeftOutIsTheResult) {
+TEST_F(LateBinding, AnArgumentLeftOutIsTheResult) {
     Value comment;
     EXPECT_EQ(Call(*automation, L"GetComment", {}, &comment), S_OK);
     EXPECT_EQ(comment.Text(), L"by the door");
@@ -49,7 +49,7 @@ TEST_F(LateBindingTest, AnArgumentLeftOutIsTheResult) {
     EXPECT_EQ(Call(*automation, L"GetComment", {}), DISP_E_BADPARAMCOUNT); // nobody wants it
 }
 
-TEST_F(LateBindingTest, ObjectsAndFlagsAreHandedOutLikewise) {
+TEST_F(LateBinding, ObjectsAndFlagsAreHandedOutLikewise) {
     Value information;
     EXPECT_EQ(Call(*automation, L"GetPrinterInformation", {Reference(information)}), S_OK);
     ASSERT_EQ(information.vt, VT_DISPATCH);
@@ -64,7 +64,7 @@ TEST_F(LateBindingTest, ObjectsAndFlagsAreHandedOutLikewise) {
     EXPECT_EQ(supported.boolVal, VARIANT_FALSE);
 }
 
-TEST_F(LateBindingTest, AFailureLeavesTheVariableAloneAndTellsWhy) {
+TEST_F(LateBinding, AFailureLeavesTheVariableAloneAndTellsWhy) {
     const auto unbound = MakeAutomation();
     Value comment(7);
     Told told;
@@ -77,7 +77,7 @@ TEST_F(LateBindingTest, AFailureLeavesTheVariableAloneAndTellsWhy) {
     TakeErrorTexts();
 }
 
-TEST_F(LateBindingTest, TheResultsPlaceIsNeverTakenForAValue) {
+TEST_F(LateBinding, TheResultsPlaceIsNeverTakenForAValue) {
     // A caller need not have prepared it: what lies there is neither read nor released.
     const auto request = MakeObject<DriverActionsObject>(context);
     const auto unprepared = [&] {
@@ -107,7 +107,7 @@ TEST_F(LateBindingTest, TheResultsPlaceIsNeverTakenForAValue) {
     TakeErrorTexts();
 }
 
-TEST_F(LateBindingTest, AnObjectInTheVariableIsReleased) {
+TEST_F(LateBinding, AnObjectInTheVariableIsReleased) {
     const auto request = MakeObject<DriverActionsObject>(context);
     Value untyped(request.Get());
     EXPECT_EQ(Call(*automation, L"GetComment", {Reference(untyped)}), S_OK);
@@ -122,7 +122,7 @@ TEST_F(LateBindingTest, AnObjectInTheVariableIsReleased) {
     EXPECT_EQ(Call(*automation, L"GetPrinterQueue", {Reference(VT_DISPATCH, nullptr)}), DISP_E_TYPEMISMATCH);
 }
 
-TEST_F(LateBindingTest, ATextInAVariableOfTextsIsFreed) {
+TEST_F(LateBinding, ATextInAVariableOfTextsIsFreed) {
     BSTR text = nullptr;
     const auto privateBytes = [] {
         PROCESS_MEMORY_COUNTERS counters{};
@@ -139,7 +139,7 @@ TEST_F(LateBindingTest, ATextInAVariableOfTextsIsFreed) {
     EXPECT_LT(privateBytes(), before + std::size_t{50} * 1024 * 1024); // of 200
 }
 
-TEST_F(LateBindingTest, AnArrayInTheVariableIsFreedUnlessItIsInUse) {
+TEST_F(LateBinding, AnArrayInTheVariableIsFreedUnlessItIsInUse) {
     Value variable;
     variable.vt = VT_ARRAY | VT_I4;
     variable.parray = SafeArrayCreateVector(VT_I4, 0, 3);
@@ -152,7 +152,7 @@ TEST_F(LateBindingTest, AnArrayInTheVariableIsFreedUnlessItIsInUse) {
     EXPECT_EQ(variable.Text(), L"by the door");
 }
 
-TEST_F(LateBindingTest, TheVariableThatHoldsTheCalledObjectMayBeReplaced) {
+TEST_F(LateBinding, TheVariableThatHoldsTheCalledObjectMayBeReplaced) {
     Value variable(automation.Get());
     IDispatch& object = *variable.pdispVal;
     automation.Reset();
@@ -162,7 +162,7 @@ TEST_F(LateBindingTest, TheVariableThatHoldsTheCalledObjectMayBeReplaced) {
     EXPECT_EQ(status.Text(), L"Ready");
 }
 
-TEST_F(LateBindingTest, ArgumentsMayBeNamed) {
+TEST_F(LateBinding, ArgumentsMayBeNamed) {
     std::wstring names[] = {L"PutComment", L"comment"};
     LPOLESTR pointers[] = {names[0].data(), names[1].data()};
     DISPID ids[2] = {};

@@ -15,9 +15,9 @@ using namespace kemba::substitute;
 using namespace kit;
 using namespace std::string_literals;
 
-class TextArgumentTest : public ObjectFixture {
+class TextArgument : public ObjectFixture {
   protected:
-    TextArgumentTest() {
+    TextArgument() {
         spooler.printers[L"Label A"].comment = L"by the door";
         spooler.printers[L"Label A"].location = L"Hall";
         EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
@@ -32,7 +32,7 @@ class TextArgumentTest : public ObjectFixture {
     ComPtr<IDriverSettings> settings;
 };
 
-TEST_F(TextArgumentTest, AreRefusedByEveryOperation) {
+TEST_F(TextArgument, AreRefusedByEveryOperation) {
     const InText file(path);
     const VARIANT all = LeftOut();
     const struct {
@@ -76,7 +76,7 @@ TEST_F(TextArgumentTest, AreRefusedByEveryOperation) {
     EXPECT_EQ(unbound->PutPrinterName(InText(L"Label A")), S_OK);
 }
 
-TEST_F(TextArgumentTest, AreRefusedFromScriptsToo) {
+TEST_F(TextArgument, AreRefusedFromScriptsToo) {
     const Value cut(path + L"\0.prn"s);
     const Value name(L"job");
     Value variable(path + L"\0.prn"s);

@@ -15,13 +15,13 @@ using namespace kemba::substitute;
 using namespace kit;
 using namespace std::chrono_literals;
 
-class ClassFactoryTest : public ObjectFixture {
+class ClassFactory : public ObjectFixture {
   protected:
-    ComPtr<ClassFactory> MakeFactory(std::size_t index = 0) {
-        return MakeObject<ClassFactory>(context, ServerClasses().at(index));
+    ComPtr<kemba::substitute::ClassFactory> MakeFactory(std::size_t index = 0) {
+        return MakeObject<kemba::substitute::ClassFactory>(context, ServerClasses().at(index));
     }
 
-    static HRESULT Create(ClassFactory& factory, ComPtr<IUnknown>& made) {
+    static HRESULT Create(kemba::substitute::ClassFactory& factory, ComPtr<IUnknown>& made) {
         void* object = nullptr;
         const HRESULT status = factory.CreateInstance(nullptr, __uuidof(IUnknown), &object);
         made = ComPtr<IUnknown>(static_cast<IUnknown*>(object));
@@ -29,13 +29,13 @@ class ClassFactoryTest : public ObjectFixture {
     }
 };
 
-TEST_F(ClassFactoryTest, CountsItsReferences) {
+TEST_F(ClassFactory, CountsItsReferences) {
     const auto factory = MakeFactory();
     EXPECT_EQ(factory->AddRef(), 2u);
     EXPECT_EQ(factory->Release(), 1u);
 }
 
-TEST_F(ClassFactoryTest, AnObjectIsAUseUntilItIsReleased) {
+TEST_F(ClassFactory, AnObjectIsAUseUntilItIsReleased) {
     const auto factory = MakeFactory();
     ComPtr<IUnknown> object;
     ASSERT_EQ(Create(*factory, object), S_OK);
@@ -44,7 +44,7 @@ TEST_F(ClassFactoryTest, AnObjectIsAUseUntilItIsReleased) {
     EXPECT_EQ(uses.Get().present, 0u);
 }
 
-TEST_F(ClassFactoryTest, ACallIsAUseBeforeAnyObjectIsThere) {
+TEST_F(ClassFactory, ACallIsAUseBeforeAnyObjectIsThere) {
     // An interface that no object has: nothing is made, and yet somebody was there.
     void* object = nullptr;
     EXPECT_EQ(MakeFactory()->CreateInstance(nullptr, __uuidof(IPrinterQueue), &object), E_NOINTERFACE);
@@ -52,7 +52,7 @@ TEST_F(ClassFactoryTest, ACallIsAUseBeforeAnyObjectIsThere) {
               (UseCount::State{.present = 0, .begun = 2})); // the call, and an object for a moment
 }
 
-TEST_F(ClassFactoryTest, TurnsEveryoneAwayOnceTheEndIsDecided) {
+TEST_F(ClassFactory, TurnsEveryoneAwayOnceTheEndIsDecided) {
     const auto factory = MakeFactory();
     ASSERT_TRUE(uses.TryEnd(uses.Get()));
     ComPtr<IUnknown> object;
@@ -63,7 +63,7 @@ TEST_F(ClassFactoryTest, TurnsEveryoneAwayOnceTheEndIsDecided) {
     EXPECT_EQ(uses.Get(), UseCount::State{});
 }
 
-TEST_F(ClassFactoryTest, ALockTooManyTakenOffEndsNobodysUse) {
+TEST_F(ClassFactory, ALockTooManyTakenOffEndsNobodysUse) {
     const auto first = MakeFactory(0);
     const auto second = MakeFactory(1);
     ComPtr<IUnknown> object;
@@ -86,7 +86,7 @@ class FoundClasses final : public ClassOffer {
     void Hide() noexcept override {}
 };
 
-TEST_F(ClassFactoryTest, NoCallIsCaughtInTheMiddleByTheEnd) {
+TEST_F(ClassFactory, NoCallIsCaughtInTheMiddleByTheEnd) {
     const auto factory = MakeFactory();
     std::atomic<bool> ended{false};
     std::atomic<int> madeAfterTheEnd{0};

@@ -36,9 +36,9 @@ TEST(ApplicationIdentity, AnyAccountIsRefusedAndNoneIsNot) {
 }
 
 /// A root of the test's own, in which the application's key may be written.
-class IdentityKeyTest : public testing::Test {
+class IdentityKey : public testing::Test {
   protected:
-    IdentityKeyTest() {
+    IdentityKey() {
         HKEY opened = nullptr;
         RegCreateKeyExW(HKEY_CURRENT_USER, m_rootName.c_str(), 0, nullptr, REG_OPTION_VOLATILE,
                         KEY_ALL_ACCESS, nullptr, &opened, nullptr);
@@ -47,7 +47,7 @@ class IdentityKeyTest : public testing::Test {
         StringFromGUID2(kApplication, id, 40);
         m_key = std::wstring(L"Software\\Classes\\AppID\\") + id;
     }
-    ~IdentityKeyTest() override {
+    ~IdentityKey() override {
         m_root.reset();
         RegDeleteTreeW(HKEY_CURRENT_USER, m_rootName.c_str());
     }
@@ -68,21 +68,21 @@ class IdentityKeyTest : public testing::Test {
     std::wstring m_key;
 };
 
-TEST_F(IdentityKeyTest, WithoutTheKeyOrItsValuesNoAccountIsSet) {
+TEST_F(IdentityKey, WithoutTheKeyOrItsValuesNoAccountIsSet) {
     EXPECT_EQ(ReadApplicationIdentity(m_root.get()).runAs, L"");
     Set(L"", REG_SZ, L"a name");
     EXPECT_EQ(ReadApplicationIdentity(m_root.get()).runAs, L"");
     EXPECT_EQ(ReadApplicationIdentity(m_root.get()).localService, L"");
 }
 
-TEST_F(IdentityKeyTest, ReadsTheAccountAndTheService) {
+TEST_F(IdentityKey, ReadsTheAccountAndTheService) {
     Set(L"RunAs", REG_SZ, L"Interactive User");
     Set(L"LocalService", REG_SZ, L"SomeService");
     EXPECT_EQ(ReadApplicationIdentity(m_root.get()).runAs, L"Interactive User");
     EXPECT_EQ(ReadApplicationIdentity(m_root.get()).localService, L"SomeService");
 }
 
-TEST_F(IdentityKeyTest, WhatCannotBeReadAsATextIsAFailure) {
+TEST_F(IdentityKey, WhatCannotBeReadAsATextIsAFailure) {
     Set(L"RunAs", REG_BINARY, L"x");
     EXPECT_THROW(ReadApplicationIdentity(m_root.get()), Failure);
 }

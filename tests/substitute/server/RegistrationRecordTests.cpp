@@ -8,14 +8,14 @@ namespace {
 
 using namespace kemba::substitute;
 
-class RegistrationRecordTest : public testing::Test {
+class RegistrationRecord : public testing::Test {
   protected:
-    RegistrationRecordTest() : m_hive(L"Software\\kemba-record-" + std::to_wstring(GetCurrentProcessId())) {
+    RegistrationRecord() : m_hive(L"Software\\kemba-record-" + std::to_wstring(GetCurrentProcessId())) {
         HKEY made = nullptr;
         RegCreateKeyW(HKEY_CURRENT_USER, m_hive.c_str(), &made);
         m_root.reset(made);
     }
-    ~RegistrationRecordTest() override { RegDeleteTreeW(HKEY_CURRENT_USER, m_hive.c_str()); }
+    ~RegistrationRecord() override { RegDeleteTreeW(HKEY_CURRENT_USER, m_hive.c_str()); }
 
     KeyPlace At(const std::wstring& path) const { return {m_root.get(), View::Bits64, path}; }
     void Put(const std::wstring& path, const std::wstring& text) const {
@@ -23,8 +23,8 @@ class RegistrationRecordTest : public testing::Test {
     }
     std::wstring Get(const std::wstring& path) const { return RegistryKey::Open(At(path)).ReadText(L""); }
     bool IsThere(const std::wstring& path) const { return static_cast<bool>(RegistryKey::Open(At(path))); }
-    RegistrationRecord::Text Text(const std::wstring& path, const std::wstring& text,
-                                  bool shared = false) const {
+    kemba::substitute::RegistrationRecord::Text Text(const std::wstring& path, const std::wstring& text,
+                                                     bool shared = false) const {
         return {At(path), L"", text, shared};
     }
 
@@ -32,10 +32,10 @@ class RegistrationRecordTest : public testing::Test {
     OCore::UniqueKey m_root;
 };
 
-TEST_F(RegistrationRecordTest, TakesBackValuesAndTheKeysThatItMade) {
+TEST_F(RegistrationRecord, TakesBackValuesAndTheKeysThatItMade) {
     Put(L"Folder\\Full", L"before");
     RegistryKey::Make(At(L"Folder\\Empty"));
-    RegistrationRecord record(m_root.get());
+    kemba::substitute::RegistrationRecord record(m_root.get());
     EXPECT_FALSE(record.Exists());
     record.SetProgram(L"C:\\a.exe");
     for (const wchar_t* const path : {L"Folder\\Full", L"Folder\\Empty\\New", L"Other\\New"}) {
@@ -52,17 +52,17 @@ TEST_F(RegistrationRecordTest, TakesBackValuesAndTheKeysThatItMade) {
     EXPECT_EQ(RegistryKey::Open(At(L"")).CountSubkeys(), 1u);
 }
 
-TEST_F(RegistrationRecordTest, KeepsTheKeysAboveItselfThatWereThere) {
+TEST_F(RegistrationRecord, KeepsTheKeysAboveItselfThatWereThere) {
     RegistryKey::Make(At(L"Software\\Brandle"));
-    RegistrationRecord record(m_root.get());
+    kemba::substitute::RegistrationRecord record(m_root.get());
     record.SetProgram(L"C:\\a.exe");
     record.TakeBack(0, false);
     EXPECT_TRUE(IsThere(L"Software\\Brandle"));
     EXPECT_FALSE(IsThere(L"Software\\Brandle\\kemba-dal"));
 }
 
-TEST_F(RegistrationRecordTest, LeavesWhatSomebodyElseHasWrittenSince) {
-    RegistrationRecord record(m_root.get());
+TEST_F(RegistrationRecord, LeavesWhatSomebodyElseHasWrittenSince) {
+    kemba::substitute::RegistrationRecord record(m_root.get());
     record.SetProgram(L"C:\\a.exe");
     record.Write(Text(L"Changed", L"ours"), false);
     record.Write(Text(L"Grown", L"ours"), false);
@@ -76,8 +76,8 @@ TEST_F(RegistrationRecordTest, LeavesWhatSomebodyElseHasWrittenSince) {
     EXPECT_EQ(Get(L"Shared"), L"common");
 }
 
-TEST_F(RegistrationRecordTest, TakesBackToAnEarlierState) {
-    RegistrationRecord record(m_root.get());
+TEST_F(RegistrationRecord, TakesBackToAnEarlierState) {
+    kemba::substitute::RegistrationRecord record(m_root.get());
     record.SetProgram(L"C:\\a.exe");
     record.Write(Text(L"Key", L"first"), false);
     const DWORD size = record.Size();
@@ -93,11 +93,11 @@ TEST_F(RegistrationRecordTest, TakesBackToAnEarlierState) {
     EXPECT_FALSE(IsThere(L"Key"));
 }
 
-TEST_F(RegistrationRecordTest, WhatWasSetAsideComesBackWhole) {
+TEST_F(RegistrationRecord, WhatWasSetAsideComesBackWhole) {
     for (const bool partly : {false, true}) {
         Put(L"Class", L"theirs");
         Put(L"Class\\Server\\Deep", L"theirs");
-        RegistrationRecord record(m_root.get());
+        kemba::substitute::RegistrationRecord record(m_root.get());
         record.SetProgram(L"C:\\a.exe");
         record.SetAside(At(L"Class"));
         EXPECT_FALSE(IsThere(L"Class"));
@@ -110,10 +110,10 @@ TEST_F(RegistrationRecordTest, WhatWasSetAsideComesBackWhole) {
     }
 }
 
-TEST_F(RegistrationRecordTest, WhatWasSetAsideDoesNotComeBackOverAnother) {
+TEST_F(RegistrationRecord, WhatWasSetAsideDoesNotComeBackOverAnother) {
     Put(L"Class\\InprocServer32", L"first");
     Put(L"Free\\InprocServer32", L"first");
-    RegistrationRecord record(m_root.get());
+    kemba::substitute::RegistrationRecord record(m_root.get());
     record.SetProgram(L"C:\\a.exe");
     record.SetAside(At(L"Class"));
     record.SetAside(At(L"Free"));
@@ -124,9 +124,9 @@ TEST_F(RegistrationRecordTest, WhatWasSetAsideDoesNotComeBackOverAnother) {
     EXPECT_EQ(Get(L"Free\\InprocServer32"), L"first");
 }
 
-TEST_F(RegistrationRecordTest, WhatItAdoptsGoesAsIfItHadWrittenIt) {
+TEST_F(RegistrationRecord, WhatItAdoptsGoesAsIfItHadWrittenIt) {
     Put(L"Software\\Classes\\CLSID\\{x}\\LocalServer32", L"ours");
-    RegistrationRecord record(m_root.get());
+    kemba::substitute::RegistrationRecord record(m_root.get());
     record.SetProgram(L"C:\\a.exe");
     record.Write(Text(L"Software\\Classes\\CLSID\\{x}\\LocalServer32", L"ours"), true);
     record.TakeBack(0, false);

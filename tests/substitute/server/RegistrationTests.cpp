@@ -220,10 +220,10 @@ std::string Narrow(const std::wstring& ascii) {
 }
 
 /// Nothing of any server of the contract is registered, before and after.
-class RegistrationTest : public testing::Test {
+class Registration : public testing::Test {
   protected:
-    RegistrationTest() { RemoveAll(); }
-    ~RegistrationTest() override { RemoveAll(); }
+    Registration() { RemoveAll(); }
+    ~Registration() override { RemoveAll(); }
 
   private:
     static void RemoveAll() {
@@ -256,7 +256,7 @@ class RegistrationTest : public testing::Test {
     }
 };
 
-TEST_F(RegistrationTest, ForTheMachineWritesAllEntriesAndLeavesNothingBehind) {
+TEST_F(Registration, ForTheMachineWritesAllEntriesAndLeavesNothingBehind) {
     const auto before = SnapshotRegistry(HKEY_LOCAL_MACHINE, L"Software\\Classes");
     const auto own = Snapshot();
     const auto user = Snapshot(HKEY_CURRENT_USER);
@@ -268,7 +268,7 @@ TEST_F(RegistrationTest, ForTheMachineWritesAllEntriesAndLeavesNothingBehind) {
     EXPECT_EQ(SnapshotRegistry(HKEY_LOCAL_MACHINE, L"Software\\Classes"), before);
 }
 
-TEST_F(RegistrationTest, ForTheUserWritesAllEntriesAndLeavesNothingBehind) {
+TEST_F(Registration, ForTheUserWritesAllEntriesAndLeavesNothingBehind) {
     const auto before = SnapshotRegistry(HKEY_CURRENT_USER, L"Software\\Classes");
     const auto own = Snapshot();
     const auto machine = Snapshot(HKEY_LOCAL_MACHINE);
@@ -280,7 +280,7 @@ TEST_F(RegistrationTest, ForTheUserWritesAllEntriesAndLeavesNothingBehind) {
     EXPECT_EQ(SnapshotRegistry(HKEY_CURRENT_USER, L"Software\\Classes"), before);
 }
 
-TEST_F(RegistrationTest, MayBeRepeated) {
+TEST_F(Registration, MayBeRepeated) {
     const auto before = Snapshot();
     EXPECT_EQ(RunServer({L"/regserver"}).status, 0U);
     const auto registered = Snapshot();
@@ -291,7 +291,7 @@ TEST_F(RegistrationTest, MayBeRepeated) {
     EXPECT_EQ(Snapshot(), before);
 }
 
-TEST_F(RegistrationTest, SaysWhatItDid) {
+TEST_F(Registration, SaysWhatItDid) {
     const std::string program = "\"" + Narrow(ProgramPath(L"kemba-dal.exe")) + "\"";
     const struct {
         std::vector<std::wstring> words;
@@ -326,7 +326,7 @@ TEST_F(RegistrationTest, SaysWhatItDid) {
     }
 }
 
-TEST_F(RegistrationTest, RefusesToTakeAnotherProgramsPlaceAndLeavesItAlone) {
+TEST_F(Registration, RefusesToTakeAnotherProgramsPlaceAndLeavesItAlone) {
     const std::wstring classKey = L"CLSID\\" + kClassIds[1];
     const std::wstring library = std::wstring(L"TypeLib\\") + kLibrary;
     const struct {
@@ -366,7 +366,7 @@ TEST_F(RegistrationTest, RefusesToTakeAnotherProgramsPlaceAndLeavesItAlone) {
     }
 }
 
-TEST_F(RegistrationTest, RemovesNothingThatItDidNotWrite) {
+TEST_F(Registration, RemovesNothingThatItDidNotWrite) {
     PutDriverPackage(KEY_WOW64_64KEY);
     PutDriverPackage(KEY_WOW64_32KEY);
     const auto before = Snapshot();
@@ -376,7 +376,7 @@ TEST_F(RegistrationTest, RemovesNothingThatItDidNotWrite) {
     EXPECT_EQ(Snapshot(), before);
 }
 
-TEST_F(RegistrationTest, PutsBackWhatItReplacedOnRequest) {
+TEST_F(Registration, PutsBackWhatItReplacedOnRequest) {
     PutDriverPackage(KEY_WOW64_64KEY);
     PutDriverPackage(KEY_WOW64_32KEY);
     const auto before = Snapshot();
@@ -393,7 +393,7 @@ TEST_F(RegistrationTest, PutsBackWhatItReplacedOnRequest) {
     EXPECT_EQ(Snapshot(), before);
 }
 
-TEST_F(RegistrationTest, KeepsWhatWasInItsKeysBefore) {
+TEST_F(Registration, KeepsWhatWasInItsKeysBefore) {
     for (const HKEY root : kRoots) {
         Put(root, KEY_WOW64_64KEY, std::wstring(L"AppID\\") + kApplication, L"LaunchPermission",
             RegistryData::OfBytes(REG_BINARY, {1, 2, 3}));
@@ -417,7 +417,7 @@ TEST_F(RegistrationTest, KeepsWhatWasInItsKeysBefore) {
     }
 }
 
-TEST_F(RegistrationTest, KeepsWhatAnotherProgramHasWrittenSince) {
+TEST_F(Registration, KeepsWhatAnotherProgramHasWrittenSince) {
     ASSERT_EQ(RunServer({L"/regserver"}).status, 0u);
     const std::wstring server = L"CLSID\\" + kClassIds[0] + L"\\InprocServer32";
     const std::wstring library = std::wstring(L"TypeLib\\") + kLibrary + L"\\1.0\\0\\win64";
@@ -441,7 +441,7 @@ TEST_F(RegistrationTest, KeepsWhatAnotherProgramHasWrittenSince) {
     }
 }
 
-TEST_F(RegistrationTest, AnotherCopyIsTakenOverButNotUnregistered) {
+TEST_F(Registration, AnotherCopyIsTakenOverButNotUnregistered) {
     const auto before = Snapshot();
     const ServerCopy copy;
     ASSERT_EQ(RunServer({L"/regserver"}, copy.Path()).status, 0u);
@@ -460,7 +460,7 @@ TEST_F(RegistrationTest, AnotherCopyIsTakenOverButNotUnregistered) {
     EXPECT_EQ(Snapshot(), before);
 }
 
-TEST_F(RegistrationTest, ACopyThatIsGoneIsUnregisteredByAnyOther) {
+TEST_F(Registration, ACopyThatIsGoneIsUnregisteredByAnyOther) {
     const auto before = Snapshot();
     const ServerCopy copy;
     ASSERT_EQ(RunServer({L"/regserver"}, copy.Path()).status, 0u);
@@ -469,7 +469,7 @@ TEST_F(RegistrationTest, ACopyThatIsGoneIsUnregisteredByAnyOther) {
     EXPECT_EQ(Snapshot(), before);
 }
 
-TEST_F(RegistrationTest, EntriesWithoutARecordAreRemovedByTheProgramThatTheyName) {
+TEST_F(Registration, EntriesWithoutARecordAreRemovedByTheProgramThatTheyName) {
     ASSERT_EQ(RunServer({L"/regserver"}).status, 0u);
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Brandle\\kemba-dal");
     const ServerCopy copy;
@@ -480,7 +480,7 @@ TEST_F(RegistrationTest, EntriesWithoutARecordAreRemovedByTheProgramThatTheyName
     }
 }
 
-TEST_F(RegistrationTest, AFailureHalfWayLeavesWhatWasThere) {
+TEST_F(Registration, AFailureHalfWayLeavesWhatWasThere) {
     PutDriverPackage(KEY_WOW64_64KEY);
     // No lasting key can be made below one that goes with the session: the interfaces cannot be registered.
     HKEY opened = nullptr;
@@ -498,7 +498,7 @@ TEST_F(RegistrationTest, AFailureHalfWayLeavesWhatWasThere) {
     EXPECT_EQ(Snapshot(), before);
 }
 
-TEST_F(RegistrationTest, AUsersOwnRegistrationIsWeighedAgainstTheMachines) {
+TEST_F(Registration, AUsersOwnRegistrationIsWeighedAgainstTheMachines) {
     PutDriverPackage(KEY_WOW64_64KEY);
     const auto before = Snapshot();
     EXPECT_EQ(RunServer({L"/regserver", L"/user"}).status, 1u);
@@ -514,7 +514,7 @@ TEST_F(RegistrationTest, AUsersOwnRegistrationIsWeighedAgainstTheMachines) {
     EXPECT_EQ(Snapshot(), before);
 }
 
-TEST_F(RegistrationTest, WarnsThatAUsersOwnRegistrationGoesBeforeTheMachines) {
+TEST_F(Registration, WarnsThatAUsersOwnRegistrationGoesBeforeTheMachines) {
     const ServerCopy copy;
     ASSERT_EQ(RunServer({L"/regserver", L"/user"}, copy.Path()).status, 0u);
     const ProcessResult run = RunServer({L"/regserver"});
@@ -523,7 +523,7 @@ TEST_F(RegistrationTest, WarnsThatAUsersOwnRegistrationGoesBeforeTheMachines) {
     EXPECT_TRUE(Contains(run.errors, Narrow(copy.Path()))) << run.errors;
 }
 
-TEST_F(RegistrationTest, WarnsOfAProgramThatUsersMayChange) {
+TEST_F(Registration, WarnsOfAProgramThatUsersMayChange) {
     const ServerCopy copy;
     BYTE world[SECURITY_MAX_SID_SIZE] = {};
     DWORD size = sizeof(world);
@@ -558,7 +558,7 @@ TEST_F(RegistrationTest, WarnsOfAProgramThatUsersMayChange) {
     }
 }
 
-TEST_F(RegistrationTest, FailuresReachAConsoleInAllLetters) {
+TEST_F(Registration, FailuresReachAConsoleInAllLetters) {
     PutText(HKEY_LOCAL_MACHINE, KEY_WOW64_64KEY, L"CLSID\\" + kClassIds[0] + L"\\InprocServer32",
             L"C:\\\x0416\x03A9.dll");
     FreeConsole();

@@ -74,7 +74,7 @@ std::string Narrow(const std::wstring& text) {
     return narrow;
 }
 
-TEST(ScriptTest, TheVBScriptOfThePageDoesWhatItSays) {
+TEST(Script, TheVBScriptOfThePageDoesWhatItSays) {
     // The printer has the name of the sample's profile, which lies beside the server.
     const PrinterPort port;
     const demo::Printer printer(L"escpos-receipt", {.port = port.Name(), .comment = L"by the door"});
@@ -90,7 +90,7 @@ TEST(ScriptTest, TheVBScriptOfThePageDoesWhatItSays) {
     EXPECT_FALSE(file.Read().empty());
 }
 
-TEST(ScriptTest, TheJScriptOfThePageDoesWhatItSays) {
+TEST(Script, TheJScriptOfThePageDoesWhatItSays) {
     const demo::Printer printer({.comment = L"by the door"});
     const TemporaryFile file;
     std::string path = Narrow(file.Path());
@@ -107,7 +107,7 @@ TEST(ScriptTest, TheJScriptOfThePageDoesWhatItSays) {
     EXPECT_FALSE(file.Read().empty());
 }
 
-TEST(ScriptTest, EveryValueThatSaysNoneLeavesTheOptionOut) {
+TEST(Script, EveryValueThatSaysNoneLeavesTheOptionOut) {
     const demo::Printer printer;
     const TemporaryFile file;
     const std::pair<Language, std::string> rows[] = {
@@ -147,7 +147,7 @@ TEST(ScriptTest, EveryValueThatSaysNoneLeavesTheOptionOut) {
     }
 }
 
-TEST(ScriptTest, CallsThatDoNotFitAreRefusedAndChangeNothing) {
+TEST(Script, CallsThatDoNotFitAreRefusedAndChangeNothing) {
     const demo::Printer printer({.comment = L"by the door"});
     const std::string script = "Set printer = CreateObject(\"Kemba.DriverAutomation\")\r\n"
                                "printer.PutPrinterName WScript.Arguments(0)\r\n"

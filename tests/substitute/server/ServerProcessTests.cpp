@@ -42,12 +42,12 @@ class FakeClasses final : public ClassOffer {
     std::function<void()> whenHidden; ///< the first time only
 };
 
-struct ServerProcessTest : testing::Test {
+struct ServerProcess : testing::Test {
     UseCount uses;
     FakeClasses classes;
 };
 
-TEST_F(ServerProcessTest, EndsAfterTheStartTimeWhenNobodyComes) {
+TEST_F(ServerProcess, EndsAfterTheStartTimeWhenNobodyComes) {
     const auto begin = Clock::now();
     ServeUntilUnused(uses, classes, {.start = 200ms, .grace = 10min, .settle = 1ms});
     const auto passed = Clock::now() - begin;
@@ -59,7 +59,7 @@ TEST_F(ServerProcessTest, EndsAfterTheStartTimeWhenNobodyComes) {
     EXPECT_EQ(uses.Get(), UseCount::State{});
 }
 
-TEST_F(ServerProcessTest, WaitsForTheLastUseAndThenForTheGraceTime) {
+TEST_F(ServerProcess, WaitsForTheLastUseAndThenForTheGraceTime) {
     auto first = std::make_unique<Use>(uses);
     auto second = std::make_unique<Use>(uses);
     Clock::time_point lastEnd;
@@ -77,7 +77,7 @@ TEST_F(ServerProcessTest, WaitsForTheLastUseAndThenForTheGraceTime) {
     EXPECT_LT(end - lastEnd, 1min);
 }
 
-TEST_F(ServerProcessTest, ANewUseWithinTheGraceTimeKeepsItAlive) {
+TEST_F(ServerProcess, ANewUseWithinTheGraceTimeKeepsItAlive) {
     Clock::time_point lastEnd;
     std::thread client([&] {
         {
@@ -94,7 +94,7 @@ TEST_F(ServerProcessTest, ANewUseWithinTheGraceTimeKeepsItAlive) {
     EXPECT_GE(end - lastEnd, 300ms);
 }
 
-TEST_F(ServerProcessTest, WhoFoundTheClassesJustBeforeTheyWereHiddenIsServedAndTheyAreShownAnew) {
+TEST_F(ServerProcess, WhoFoundTheClassesJustBeforeTheyWereHiddenIsServedAndTheyAreShownAnew) {
     std::unique_ptr<Use> late;
     classes.whenHidden = [&] { late = std::make_unique<Use>(uses); };
     classes.whenShown = [&] { late.reset(); };
@@ -103,13 +103,13 @@ TEST_F(ServerProcessTest, WhoFoundTheClassesJustBeforeTheyWereHiddenIsServedAndT
     EXPECT_EQ(classes.hidden, 2);
 }
 
-TEST_F(ServerProcessTest, WhoComesAndGoesWhileTheClassesAreBeingHiddenDelaysTheEndToo) {
+TEST_F(ServerProcess, WhoComesAndGoesWhileTheClassesAreBeingHiddenDelaysTheEndToo) {
     classes.whenHidden = [&] { const Use use(uses); };
     ServeUntilUnused(uses, classes, {.start = 1ms, .grace = 1ms, .settle = 1ms});
     EXPECT_EQ(classes.shown, 2);
 }
 
-TEST_F(ServerProcessTest, ALateCallIsWaitedForAWhileAfterTheClassesAreHidden) {
+TEST_F(ServerProcess, ALateCallIsWaitedForAWhileAfterTheClassesAreHidden) {
     std::thread late;
     bool taken = false;
     classes.whenHidden = [&] {
@@ -127,7 +127,7 @@ TEST_F(ServerProcessTest, ALateCallIsWaitedForAWhileAfterTheClassesAreHidden) {
     EXPECT_EQ(classes.shown, 2);
 }
 
-TEST_F(ServerProcessTest, ClientsAreServedToTheEndEvenIfTheClassesCannotBeShownAnew) {
+TEST_F(ServerProcess, ClientsAreServedToTheEndEvenIfTheClassesCannotBeShownAnew) {
     std::thread client;
     Clock::time_point lastEnd;
     classes.successes = 1;
@@ -146,7 +146,7 @@ TEST_F(ServerProcessTest, ClientsAreServedToTheEndEvenIfTheClassesCannotBeShownA
     EXPECT_FALSE(uses.TryEnter());
 }
 
-TEST_F(ServerProcessTest, ClassesThatCannotBeShownAtTheBeginningAreAFailure) {
+TEST_F(ServerProcess, ClassesThatCannotBeShownAtTheBeginningAreAFailure) {
     classes.successes = 0;
     EXPECT_THROW(ServeUntilUnused(uses, classes, {.start = 1ms, .grace = 1ms, .settle = 1ms}), Failure);
 }

@@ -28,10 +28,10 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 /// A client's apartment; kemba's own is single-threaded.
-class ServerProgramTest : public testing::Test {
+class ServerProgram : public testing::Test {
   protected:
-    ServerProgramTest() { CoInitialize(nullptr); }
-    ~ServerProgramTest() override { CoUninitialize(); }
+    ServerProgram() { CoInitialize(nullptr); }
+    ~ServerProgram() override { CoUninitialize(); }
 };
 
 template<class Interface>
@@ -52,7 +52,7 @@ void ExpectComment(const demo::Printer& printer, const std::wstring& comment) {
     EXPECT_EQ(text, comment);
 }
 
-TEST_F(ServerProgramTest, ReadsAPrinterForAClient) {
+TEST_F(ServerProgram, ReadsAPrinterForAClient) {
     const demo::Printer printer({.comment = L"far away \x65E5", .location = L"", .shareName = L""});
     ExpectComment(printer, L"far away \x65E5");
     const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
@@ -65,7 +65,7 @@ TEST_F(ServerProgramTest, ReadsAPrinterForAClient) {
     EXPECT_EQ(status, L"Ready");
 }
 
-TEST_F(ServerProgramTest, StatusesOfFailuresReachTheClient) {
+TEST_F(ServerProgram, StatusesOfFailuresReachTheClient) {
     const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
     ASSERT_TRUE(automation);
     EXPECT_EQ(automation->PutPrinterName(InText(L"No such printer")),
@@ -75,7 +75,7 @@ TEST_F(ServerProgramTest, StatusesOfFailuresReachTheClient) {
     EXPECT_EQ(automation->Reserved9(), E_NOTIMPL);
 }
 
-TEST_F(ServerProgramTest, EveryClassIsServed) {
+TEST_F(ServerProgram, EveryClassIsServed) {
     EXPECT_TRUE(Activate<IDriverActions>(__uuidof(DriverActions)));
     const auto version = Activate<IVersionInformation>(__uuidof(VersionInformation));
     ASSERT_TRUE(version);
@@ -84,7 +84,7 @@ TEST_F(ServerProgramTest, EveryClassIsServed) {
     EXPECT_EQ(text, L"1.0.0");
 }
 
-TEST_F(ServerProgramTest, ServesTwoClientsAtOnce) {
+TEST_F(ServerProgram, ServesTwoClientsAtOnce) {
     const demo::Printer first({.comment = L"one", .location = L"", .shareName = L""});
     const demo::Printer second({.comment = L"two", .location = L"", .shareName = L""});
     const auto client = [](const demo::Printer& printer, const std::wstring& comment) {
@@ -99,14 +99,14 @@ TEST_F(ServerProgramTest, ServesTwoClientsAtOnce) {
     other.join();
 }
 
-TEST_F(ServerProgramTest, WordsThatItDoesNotKnowGetTheUsageText) {
+TEST_F(ServerProgram, WordsThatItDoesNotKnowGetTheUsageText) {
     const ProcessResult run = RunProgram(L"kemba-dal.exe", {L"/help"});
     EXPECT_EQ(run.status, 2u);
     EXPECT_EQ(run.errors.find("usage: kemba-dal /regserver [/user] "), 0u);
     EXPECT_EQ(RunProgram(L"kemba-dal.exe", {}).status, 2u);
 }
 
-TEST_F(ServerProgramTest, ChangesAPrinterAndSendsAFileForAClient) {
+TEST_F(ServerProgram, ChangesAPrinterAndSendsAFileForAClient) {
     const PrinterPort port;
     const demo::Printer printer({.port = port.Name()});
     const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
@@ -121,7 +121,7 @@ TEST_F(ServerProgramTest, ChangesAPrinterAndSendsAFileForAClient) {
               HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
 }
 
-TEST_F(ServerProgramTest, TheQueueObjectAndItsRefusalReachTheClient) {
+TEST_F(ServerProgram, TheQueueObjectAndItsRefusalReachTheClient) {
     const demo::Printer printer;
     const auto automation = Activate<IDriverAutomation>(__uuidof(DriverAutomation));
     ASSERT_TRUE(automation);
@@ -131,7 +131,7 @@ TEST_F(ServerProgramTest, TheQueueObjectAndItsRefusalReachTheClient) {
     EXPECT_EQ(queue->Pause(), HRESULT_FROM_WIN32(ERROR_INVALID_LEVEL)); // Wine's spooler cannot
 }
 
-TEST_F(ServerProgramTest, AClientsRequestIsRecognisedInTheServer) {
+TEST_F(ServerProgram, AClientsRequestIsRecognisedInTheServer) {
     // The printer has the name of the sample's profile, which lies beside the server.
     const PrinterPort port;
     const demo::Printer printer(L"escpos-receipt", {.port = port.Name()});
@@ -158,7 +158,7 @@ TEST_F(ServerProgramTest, AClientsRequestIsRecognisedInTheServer) {
 }
 
 /// Run while no other client is there.
-class ServerLifetimeTest : public ServerProgramTest {
+class ServerLifetime : public ServerProgram {
   protected:
     static bool IsGone() { return RunningServers().empty(); }
     /// False when a server is still there after a time that is long for any machine.
@@ -178,7 +178,7 @@ class ServerLifetimeTest : public ServerProgramTest {
     }
 };
 
-TEST_F(ServerLifetimeTest, TheProcessStartsForTheFirstClientAndGoesSomeSecondsAfterTheLast) {
+TEST_F(ServerLifetime, TheProcessStartsForTheFirstClientAndGoesSomeSecondsAfterTheLast) {
     ASSERT_TRUE(WaitForNoServer());
     auto version = Activate<IVersionInformation>(__uuidof(VersionInformation));
     auto actions = Activate<IDriverActions>(__uuidof(DriverActions));
@@ -208,7 +208,7 @@ TEST_F(ServerLifetimeTest, TheProcessStartsForTheFirstClientAndGoesSomeSecondsAf
     EXPECT_TRUE(FAILED(factory->CreateInstance(nullptr, __uuidof(IUnknown), &made)));
 }
 
-TEST_F(ServerLifetimeTest, AProgramThatFindsAnotherServingWaitsForItsTurn) {
+TEST_F(ServerLifetime, AProgramThatFindsAnotherServingWaitsForItsTurn) {
     ASSERT_TRUE(WaitForNoServer());
     ServingTurn turn(ServingTurnName(OwnLogon()));
     ASSERT_TRUE(turn.Take(10s));
@@ -249,7 +249,7 @@ class SetAccount {
     std::wstring m_key = L"Software\\Classes\\AppID\\";
 };
 
-TEST_F(ServerLifetimeTest, RefusesToServeWhenTheApplicationIsToRunAsAnAccount) {
+TEST_F(ServerLifetime, RefusesToServeWhenTheApplicationIsToRunAsAnAccount) {
     const SetAccount account(L"Interactive User");
     const ProcessResult run = RunProgram(L"kemba-dal.exe", {L"/automation"});
     EXPECT_EQ(run.status, 1u);

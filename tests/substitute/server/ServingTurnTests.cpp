@@ -28,7 +28,7 @@ bool IsFree() {
     return taken;
 }
 
-TEST(ServingTurnTest, OneHasItUntilItIsGivenUp) {
+TEST(ServingTurn, OneHasItUntilItIsGivenUp) {
     ServingTurn turn(UniqueTurnName());
     EXPECT_TRUE(IsFree());
     ASSERT_TRUE(turn.Take(0ms));
@@ -45,7 +45,7 @@ TEST(ServingTurnTest, OneHasItUntilItIsGivenUp) {
     EXPECT_TRUE(IsFree());
 }
 
-TEST(ServingTurnTest, WhoWaitsGetsItFromTheOneBefore) {
+TEST(ServingTurn, WhoWaitsGetsItFromTheOneBefore) {
     ServingTurn turn(UniqueTurnName());
     ASSERT_TRUE(turn.Take(0ms));
     bool taken = false;
@@ -56,7 +56,7 @@ TEST(ServingTurnTest, WhoWaitsGetsItFromTheOneBefore) {
     EXPECT_TRUE(taken);
 }
 
-TEST(ServingTurnTest, TheTurnOfADeadServerIsFree) {
+TEST(ServingTurn, TheTurnOfADeadServerIsFree) {
     ServingTurn turn(UniqueTurnName());
     std::thread([] {
         const OCore::UniqueHandle mutex(OpenMutexW(SYNCHRONIZE, FALSE, UniqueTurnName().c_str()));
@@ -65,7 +65,7 @@ TEST(ServingTurnTest, TheTurnOfADeadServerIsFree) {
     EXPECT_TRUE(turn.Take(0ms));
 }
 
-TEST(ServingTurnTest, ANameThatSomethingElseHasIsAFailure) {
+TEST(ServingTurn, ANameThatSomethingElseHasIsAFailure) {
     const OCore::UniqueHandle event(CreateEventW(nullptr, TRUE, FALSE, UniqueTurnName().c_str()));
     try {
         const ServingTurn turn(UniqueTurnName());
@@ -76,16 +76,16 @@ TEST(ServingTurnTest, ANameThatSomethingElseHasIsAFailure) {
     }
 }
 
-TEST(ServingTurnTest, EachLogonHasATurnOfItsOwn) {
+TEST(ServingTurn, EachLogonHasATurnOfItsOwn) {
     const std::set<std::wstring> names = {ServingTurnName({1, 0}), ServingTurnName({0, 1}),
                                           ServingTurnName({2, 0}), ServingTurnName({0, 2})};
     EXPECT_EQ(names.size(), 4u);
     EXPECT_EQ(ServingTurnName({3, -4}), L"Local\\{F56F2E65-2620-41A2-84B8-5CE2F149E1D0} -4 3");
 }
 
-class OfferedClassesTest : public ObjectFixture {};
+class OfferedClasses : public ObjectFixture {};
 
-TEST_F(OfferedClassesTest, AreNotShownWhileAnotherServerHasTheTurn) {
+TEST_F(OfferedClasses, AreNotShownWhileAnotherServerHasTheTurn) {
     ServingTurn turn(UniqueTurnName());
     ClassObjects classes(context, turn);
     std::thread([&] {
@@ -95,7 +95,7 @@ TEST_F(OfferedClassesTest, AreNotShownWhileAnotherServerHasTheTurn) {
     }).join();
 }
 
-TEST_F(OfferedClassesTest, WhichCannotBeShownLeaveTheTurnToOthers) {
+TEST_F(OfferedClasses, WhichCannotBeShownLeaveTheTurnToOthers) {
     ServingTurn turn(UniqueTurnName());
     ClassObjects classes(context, turn);
     ASSERT_TRUE(turn.Take(0ms));

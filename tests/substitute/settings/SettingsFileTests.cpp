@@ -24,7 +24,7 @@ const Bytes kOld = {1, 2, 3};
 const Bytes kNew = {4, 5, 6, 7, 8};
 const Bytes kOther{5, 6};
 
-class SettingsFileTest : public testing::Test {
+class SettingsFile : public testing::Test {
   protected:
     HRESULT StatusOf(const std::function<void()>& work) {
         const Failure failure = FailureOf(work);
@@ -80,15 +80,15 @@ BOOL WINAPI ReplaceOrFail(const wchar_t* path, const wchar_t* added, const wchar
     return FALSE;
 }
 
-class SettingsReplaceTest : public SettingsFileTest {
+class SettingsReplace : public SettingsFile {
   protected:
-    SettingsReplaceTest() { replacer = {}; }
+    SettingsReplace() { replacer = {}; }
     HRESULT Write(const Bytes& bytes) {
         return StatusOf([&] { WriteSettingsFile(path, bytes, &ReplaceOrFail); });
     }
 };
 
-TEST_F(SettingsFileTest, WritesANewFileAndReplacesAnOldOne) {
+TEST_F(SettingsFile, WritesANewFileAndReplacesAnOldOne) {
     WriteSettingsFile(path, kOld);
     EXPECT_EQ(Read(path), kOld);
     WriteSettingsFile(path, kNew);
@@ -98,7 +98,7 @@ TEST_F(SettingsFileTest, WritesANewFileAndReplacesAnOldOne) {
     EXPECT_EQ(folder.Count(), 1);
 }
 
-TEST_F(SettingsFileTest, AReadOnlyTargetStaysAsItIs) {
+TEST_F(SettingsFile, AReadOnlyTargetStaysAsItIs) {
     WriteSettingsFile(path, kOld);
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
     EXPECT_EQ(StatusOf([&] { WriteSettingsFile(path, kNew); }), E_ACCESSDENIED);
@@ -108,7 +108,7 @@ TEST_F(SettingsFileTest, AReadOnlyTargetStaysAsItIs) {
     EXPECT_EQ(folder.Count(), 1);
 }
 
-TEST_F(SettingsFileTest, ALockedTargetStaysAsItIs) {
+TEST_F(SettingsFile, ALockedTargetStaysAsItIs) {
     WriteSettingsFile(path, kOld);
     const HANDLE lock = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(lock, INVALID_HANDLE_VALUE);
@@ -120,7 +120,7 @@ TEST_F(SettingsFileTest, ALockedTargetStaysAsItIs) {
     EXPECT_EQ(Read(path), kOld);
 }
 
-TEST_F(SettingsFileTest, BadPlacesGiveTheSystemsStatus) {
+TEST_F(SettingsFile, BadPlacesGiveTheSystemsStatus) {
     const std::wstring missing = folder.File(L"missing") + L"\\a.vqs";
     EXPECT_EQ(StatusOf([&] { WriteSettingsFile(missing, kNew); }), HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND));
     EXPECT_EQ(StatusOf([&] { Read(missing); }), HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND));
@@ -136,7 +136,7 @@ TEST_F(SettingsFileTest, BadPlacesGiveTheSystemsStatus) {
     EXPECT_EQ(folder.Count(), 1);
 }
 
-TEST_F(SettingsFileTest, ASizeBombIsRefusedUnread) {
+TEST_F(SettingsFile, ASizeBombIsRefusedUnread) {
     WriteSettingsFile(path, kNew);
     EXPECT_EQ(ReadSettingsFile(path, kNew.size()), kNew);
     EXPECT_EQ(StatusOf([&] { ReadSettingsFile(path, kNew.size() - 1); }),
@@ -145,7 +145,7 @@ TEST_F(SettingsFileTest, ASizeBombIsRefusedUnread) {
     EXPECT_EQ(StatusOf([&] { Read(path); }), HRESULT_FROM_WIN32(ERROR_FILE_TOO_LARGE));
 }
 
-TEST_F(SettingsFileTest, ADeviceIsRefused) {
+TEST_F(SettingsFile, ADeviceIsRefused) {
     for (const std::wstring& device : {std::wstring(L"NUL"), folder.File(L"NUL"), folder.File(L"com1.vqs"),
                                        std::wstring(L"\\\\.\\C:"), L"\\\\.\\" + path, L"//./" + path}) {
         SCOPED_TRACE(device);
@@ -156,7 +156,7 @@ TEST_F(SettingsFileTest, ADeviceIsRefused) {
     }
 }
 
-TEST_F(SettingsFileTest, AStreamOfAFileIsRefusedBeforeAnythingIsMade) {
+TEST_F(SettingsFile, AStreamOfAFileIsRefusedBeforeAnythingIsMade) {
     for (const wchar_t* const stream : {L":s", L"::$DATA"}) {
         EXPECT_EQ(StatusOf([&] { WriteSettingsFile(path + stream, kNew); }),
                   HRESULT_FROM_WIN32(ERROR_INVALID_NAME));
@@ -165,7 +165,7 @@ TEST_F(SettingsFileTest, AStreamOfAFileIsRefusedBeforeAnythingIsMade) {
     }
 }
 
-TEST_F(SettingsFileTest, TheLongestNamesAreTaken) {
+TEST_F(SettingsFile, TheLongestNamesAreTaken) {
     for (const std::size_t length : {249, 255}) {
         const std::wstring file = L"\\\\?\\" + folder.File(std::wstring(length, L'x'));
         EXPECT_EQ(StatusOf([&] { WriteSettingsFile(file, kOld); }), S_OK);
@@ -176,7 +176,7 @@ TEST_F(SettingsFileTest, TheLongestNamesAreTaken) {
     }
 }
 
-TEST_F(SettingsFileTest, AFileThatIsBeingReadIsReplaced) {
+TEST_F(SettingsFile, AFileThatIsBeingReadIsReplaced) {
     WriteSettingsFile(path, kOld);
     {
         InputFile reader(L"file", path);
@@ -187,7 +187,7 @@ TEST_F(SettingsFileTest, AFileThatIsBeingReadIsReplaced) {
     EXPECT_EQ(folder.Count(), 1); // the former file has gone with its last reader
 }
 
-TEST_F(SettingsReplaceTest, OnlyAFileThatIsThereIsReplaced) {
+TEST_F(SettingsReplace, OnlyAFileThatIsThereIsReplaced) {
     EXPECT_EQ(Write(kOld), S_OK);
     EXPECT_EQ(replacer.calls, 0);
     EXPECT_EQ(Write(kNew), S_OK);
@@ -197,7 +197,7 @@ TEST_F(SettingsReplaceTest, OnlyAFileThatIsThereIsReplaced) {
     EXPECT_EQ(folder.Count(), 1);
 }
 
-TEST_F(SettingsReplaceTest, WhatKilledServersLeftBehindIsLeftAlone) {
+TEST_F(SettingsReplace, WhatKilledServersLeftBehindIsLeftAlone) {
     Write(kOld);
     Write(kNew);
     const std::size_t digits = replacer.added.size() - 8; // and ".tmp"
@@ -215,7 +215,7 @@ TEST_F(SettingsReplaceTest, WhatKilledServersLeftBehindIsLeftAlone) {
     EXPECT_EQ(folder.Count(), 22);
 }
 
-TEST_F(SettingsReplaceTest, ANameThatIsGivenUpIsAnothersAtOnce) {
+TEST_F(SettingsReplace, ANameThatIsGivenUpIsAnothersAtOnce) {
     Write(kOld);
     replacer.reuses = true;
     EXPECT_EQ(Write(kNew), S_OK);
@@ -223,7 +223,7 @@ TEST_F(SettingsReplaceTest, ANameThatIsGivenUpIsAnothersAtOnce) {
     EXPECT_EQ(Read(replacer.added), kOther);
 }
 
-TEST_F(SettingsReplaceTest, APassingHindranceIsWaitedFor) {
+TEST_F(SettingsReplace, APassingHindranceIsWaitedFor) {
     Write(kOld);
     for (const DWORD error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_UNABLE_TO_REMOVE_REPLACED,
                               ERROR_UNABLE_TO_MOVE_REPLACEMENT, ERROR_FILE_NOT_FOUND}) {
@@ -236,7 +236,7 @@ TEST_F(SettingsReplaceTest, APassingHindranceIsWaitedFor) {
     }
 }
 
-TEST_F(SettingsReplaceTest, AHindranceThatStaysLeavesTheFormerFile) {
+TEST_F(SettingsReplace, AHindranceThatStaysLeavesTheFormerFile) {
     Write(kOld);
     for (const DWORD error :
          {ERROR_UNABLE_TO_REMOVE_REPLACED, ERROR_UNABLE_TO_MOVE_REPLACEMENT, ERROR_INVALID_PARAMETER}) {
@@ -250,7 +250,7 @@ TEST_F(SettingsReplaceTest, AHindranceThatStaysLeavesTheFormerFile) {
     EXPECT_EQ(replacer.calls, 1); // the last one is nothing to wait for
 }
 
-TEST_F(SettingsReplaceTest, AFileSystemThatCannotReplaceGetsAMove) {
+TEST_F(SettingsReplace, AFileSystemThatCannotReplaceGetsAMove) {
     Write(kOld);
     for (const DWORD error : {ERROR_INVALID_FUNCTION, ERROR_NOT_SUPPORTED, ERROR_CALL_NOT_IMPLEMENTED}) {
         SCOPED_TRACE(error);
@@ -261,7 +261,7 @@ TEST_F(SettingsReplaceTest, AFileSystemThatCannotReplaceGetsAMove) {
     }
 }
 
-TEST_F(SettingsReplaceTest, AHalfDoneReplacingIsUndoneAndTriedAgain) {
+TEST_F(SettingsReplace, AHalfDoneReplacingIsUndoneAndTriedAgain) {
     Write(kOld);
     replacer = {.error = ERROR_UNABLE_TO_MOVE_REPLACEMENT_2, .failures = 2, .renames = true};
     EXPECT_EQ(Write(kNew), S_OK);
@@ -275,7 +275,7 @@ TEST_F(SettingsReplaceTest, AHalfDoneReplacingIsUndoneAndTriedAgain) {
     EXPECT_EQ(folder.Count(), 1);
 }
 
-TEST_F(SettingsReplaceTest, AFormerFileThatCannotBePutBackIsKeptAndNamed) {
+TEST_F(SettingsReplace, AFormerFileThatCannotBePutBackIsKeptAndNamed) {
     Write(kOld);
     replacer = {.error = ERROR_UNABLE_TO_MOVE_REPLACEMENT_2, .failures = 1, .renames = true, .holds = true};
     EXPECT_NE(Write(kNew), S_OK);
@@ -285,7 +285,7 @@ TEST_F(SettingsReplaceTest, AFormerFileThatCannotBePutBackIsKeptAndNamed) {
     replacer = {};
 }
 
-TEST_F(SettingsFileTest, WritersAtTheSameTimeLeaveOneWholeFile) {
+TEST_F(SettingsFile, WritersAtTheSameTimeLeaveOneWholeFile) {
     WriteSettingsFile(path, kOld);
     std::vector<std::thread> threads;
     for (BYTE writer = 1; writer <= 4; ++writer) {

@@ -16,9 +16,9 @@ namespace {
 using namespace kemba::substitute;
 using namespace kit;
 
-class SettingsStoreTest : public testing::Test {
+class SettingsStore : public testing::Test {
   protected:
-    SettingsStoreTest() {
+    SettingsStore() {
         state = MakeRichState();
         Record().driver = L"Zippy 300";
         printer.emplace(spooler, locks, L"Label");
@@ -56,14 +56,14 @@ class SettingsStoreTest : public testing::Test {
     std::wstring reason;
 };
 
-TEST_F(SettingsStoreTest, ReadsModesAndTheDataOfAllKeys) {
+TEST_F(SettingsStore, ReadsModesAndTheDataOfAllKeys) {
     EXPECT_EQ(ReadSettings(*printer), SettingsOf(MakeRichState()));
     state = {};
     EXPECT_EQ(ReadSettings(*printer), SettingsOf({}));
     EXPECT_EQ(spooler.open, 1);
 }
 
-TEST_F(SettingsStoreTest, ReadsNothingThatStandsBehindATextsEnd) {
+TEST_F(SettingsStore, ReadsNothingThatStandsBehindATextsEnd) {
     auto& mode = *reinterpret_cast<DEVMODEW*>(state.globalMode->data());
     const std::wstring remains(L"Label\0secret", 12);
     remains.copy(mode.dmDeviceName, remains.size());
@@ -76,17 +76,17 @@ TEST_F(SettingsStoreTest, ReadsNothingThatStandsBehindATextsEnd) {
     EXPECT_EQ(CopiesOf(settings.globalMode), 2);
 }
 
-TEST_F(SettingsStoreTest, ReadsTheDriversKeyAloneWhereKeysCannotBeListed) {
+TEST_F(SettingsStore, ReadsTheDriversKeyAloneWhereKeysCannotBeListed) {
     spooler.lists = false;
     EXPECT_EQ(ReadSettings(*printer).values.size(), 3u);
 }
 
-TEST_F(SettingsStoreTest, ReadingNeedsNoRightToAdminister) {
+TEST_F(SettingsStore, ReadingNeedsNoRightToAdminister) {
     spooler.rights = PRINTER_ACCESS_USE;
     EXPECT_EQ(ReadSettings(*printer), SettingsOf(MakeRichState()));
 }
 
-TEST_F(SettingsStoreTest, AppliesExactlyWhatTheSettingsSay) {
+TEST_F(SettingsStore, AppliesExactlyWhatTheSettingsSay) {
     const Settings wanted = SettingsOf(MakeOtherState());
     ApplySettings(*printer, wanted);
     const Settings now = ReadSettings(*printer);
@@ -95,7 +95,7 @@ TEST_F(SettingsStoreTest, AppliesExactlyWhatTheSettingsSay) {
     EXPECT_EQ(now.values, wanted.values);
 }
 
-TEST_F(SettingsStoreTest, NamesThePrinterInTheDeviceMode) {
+TEST_F(SettingsStore, NamesThePrinterInTheDeviceMode) {
     ApplySettings(*printer, SettingsOf(MakeOtherState()));
     EXPECT_STREQ(reinterpret_cast<const DEVMODEW*>(state.globalMode->data())->dmDeviceName, L"Label");
     const std::wstring longName(100, L'x');
@@ -105,7 +105,7 @@ TEST_F(SettingsStoreTest, NamesThePrinterInTheDeviceMode) {
               std::wstring(CCHDEVICENAME - 1, L'x'));
 }
 
-TEST_F(SettingsStoreTest, ALevelThatTheSettingsLackStaysAsItIs) {
+TEST_F(SettingsStore, ALevelThatTheSettingsLackStaysAsItIs) {
     Settings wanted = SettingsOf(MakeOtherState());
     wanted.userMode.reset();
     ApplySettings(*printer, wanted);
@@ -113,14 +113,14 @@ TEST_F(SettingsStoreTest, ALevelThatTheSettingsLackStaysAsItIs) {
     EXPECT_EQ(CopiesOf(state.userMode), 3);
 }
 
-TEST_F(SettingsStoreTest, ExtraValuesStayWhereTheSystemCannotDelete) {
+TEST_F(SettingsStore, ExtraValuesStayWhereTheSystemCannotDelete) {
     spooler.deletes = false;
     ApplySettings(*printer, SettingsOf(MakeOtherState()));
     EXPECT_EQ(state.keys[L"PrinterDriverData\\Tray"].size(), 1u);
     EXPECT_EQ(state.keys[L"PrinterDriverData"][L"Darkness"].second, (Bytes{9, 0, 0, 0}));
 }
 
-TEST_F(SettingsStoreTest, AnotherDriversSettingsAreRefused) {
+TEST_F(SettingsStore, AnotherDriversSettingsAreRefused) {
     Settings wanted = SettingsOf(MakeOtherState());
     wanted.driver.name = L"Zippy 400";
     EXPECT_EQ(StatusOf([&] { ApplySettings(*printer, wanted); }),
@@ -132,7 +132,7 @@ TEST_F(SettingsStoreTest, AnotherDriversSettingsAreRefused) {
     EXPECT_EQ(StatusOf([&] { ApplySettings(*printer, wanted); }), S_OK);
 }
 
-TEST_F(SettingsStoreTest, WithoutTheRightToAdministerNothingChanges) {
+TEST_F(SettingsStore, WithoutTheRightToAdministerNothingChanges) {
     spooler.rights = PRINTER_ACCESS_USE;
     EXPECT_EQ(StatusOf([&] { ApplySettings(*printer, SettingsOf(MakeOtherState())); }), E_ACCESSDENIED);
     EXPECT_EQ(StatusOf([&] { ResetSettings(*printer); }), E_ACCESSDENIED);
@@ -140,20 +140,20 @@ TEST_F(SettingsStoreTest, WithoutTheRightToAdministerNothingChanges) {
     EXPECT_EQ(reason.find(L"opening printer \"Label\" failed: "), 0u);
 }
 
-TEST_F(SettingsStoreTest, ApplyingThatFailsAtAnyCallLeavesThePrinterAsItWas) {
+TEST_F(SettingsStore, ApplyingThatFailsAtAnyCallLeavesThePrinterAsItWas) {
     FailEveryCall([&] { ApplySettings(*printer, SettingsOf(MakeOtherState())); });
 }
 
-TEST_F(SettingsStoreTest, ApplyingToABarePrinterThatFailsAtAnyCallLeavesItBare) {
+TEST_F(SettingsStore, ApplyingToABarePrinterThatFailsAtAnyCallLeavesItBare) {
     state = {};
     FailEveryCall([&] { ApplySettings(*printer, SettingsOf(MakeOtherState())); });
 }
 
-TEST_F(SettingsStoreTest, ResettingThatFailsAtAnyCallLeavesThePrinterAsItWas) {
+TEST_F(SettingsStore, ResettingThatFailsAtAnyCallLeavesThePrinterAsItWas) {
     FailEveryCall([&] { ResetSettings(*printer); });
 }
 
-TEST_F(SettingsStoreTest, WhatCannotBeUndoneIsSaid) {
+TEST_F(SettingsStore, WhatCannotBeUndoneIsSaid) {
     spooler.calls = 0;
     ApplySettings(*printer, SettingsOf(MakeOtherState()));
     spooler.failAt = spooler.calls; // the last change and everything after it
@@ -168,7 +168,7 @@ TEST_F(SettingsStoreTest, WhatCannotBeUndoneIsSaid) {
               std::wstring::npos);
 }
 
-TEST_F(SettingsStoreTest, NewValuesComeAfterAllOthersWhereTheyCouldNotBeTakenBack) {
+TEST_F(SettingsStore, NewValuesComeAfterAllOthersWhereTheyCouldNotBeTakenBack) {
     spooler.deletes = false;
     auto other = MakeOtherState();
     other.keys[L"PrinterDriverData"][L"Zoom"] = {REG_DWORD, {2, 0, 0, 0}}; // changed, and its name comes last
@@ -186,7 +186,7 @@ TEST_F(SettingsStoreTest, NewValuesComeAfterAllOthersWhereTheyCouldNotBeTakenBac
 }
 
 // A driver that drops an option which the printer's data do not allow.
-TEST_F(SettingsStoreTest, TheDriverResolvesADeviceModeAgainstTheDataThatComeWithIt) {
+TEST_F(SettingsStore, TheDriverResolvesADeviceModeAgainstTheDataThatComeWithIt) {
     spooler.merge = [](const FakeSpooler::Record& record, const Bytes& mode) {
         const auto found = record.settings.keys.find(L"PrinterDriverData");
         const bool installed = found != record.settings.keys.end() && found->second.contains(L"Cutter");
@@ -201,7 +201,7 @@ TEST_F(SettingsStoreTest, TheDriverResolvesADeviceModeAgainstTheDataThatComeWith
     EXPECT_EQ(CopiesOf(state.globalMode), 2);
 }
 
-TEST_F(SettingsStoreTest, AnInvalidParameterIsAFailureWhenAValueIsRemoved) {
+TEST_F(SettingsStore, AnInvalidParameterIsAFailureWhenAValueIsRemoved) {
     spooler.failing = FakeSpooler::Call::DeleteValue;
     spooler.failure = ERROR_INVALID_PARAMETER;
     EXPECT_EQ(StatusOf([&] { ApplySettings(*printer, SettingsOf(MakeOtherState())); }),
@@ -209,7 +209,7 @@ TEST_F(SettingsStoreTest, AnInvalidParameterIsAFailureWhenAValueIsRemoved) {
     EXPECT_EQ(state, MakeRichState());
 }
 
-TEST_F(SettingsStoreTest, AReaderWaitsForAHalfAppliedChange) {
+TEST_F(SettingsStore, AReaderWaitsForAHalfAppliedChange) {
     std::thread reader;
     std::atomic<bool> started{false};
     std::vector<PrinterValue> read;
@@ -227,7 +227,7 @@ TEST_F(SettingsStoreTest, AReaderWaitsForAHalfAppliedChange) {
     EXPECT_EQ(read, SettingsOf(MakeOtherState()).values);
 }
 
-TEST_F(SettingsStoreTest, AReaderWaitsForAHalfDoneReset) {
+TEST_F(SettingsStore, AReaderWaitsForAHalfDoneReset) {
     std::thread reader;
     std::atomic<bool> started{false};
     std::optional<Settings> read;
@@ -246,7 +246,7 @@ TEST_F(SettingsStoreTest, AReaderWaitsForAHalfDoneReset) {
     EXPECT_EQ(CopiesOf(read->userMode), 1);
 }
 
-TEST_F(SettingsStoreTest, APrinterThatKeepsItsCallerWaitingHoldsUpNoOther) {
+TEST_F(SettingsStore, APrinterThatKeepsItsCallerWaitingHoldsUpNoOther) {
     using Clock = std::chrono::steady_clock;
     spooler.printers[L"Other"].settings = MakeRichState();
     spooler.printers[L"Other"].driver = L"Zippy 300";
@@ -260,21 +260,21 @@ TEST_F(SettingsStoreTest, APrinterThatKeepsItsCallerWaitingHoldsUpNoOther) {
     waiting.join();
 }
 
-TEST_F(SettingsStoreTest, ResetGivesTheDefaultToBothLevelsAndKeepsTheData) {
+TEST_F(SettingsStore, ResetGivesTheDefaultToBothLevelsAndKeepsTheData) {
     ResetSettings(*printer);
     EXPECT_EQ(CopiesOf(state.globalMode), 1);
     EXPECT_EQ(CopiesOf(state.userMode), 1);
     EXPECT_EQ(state.keys, MakeRichState().keys);
 }
 
-TEST_F(SettingsStoreTest, ResetLeavesAUserWhoFollowsThePrinterFollowing) {
+TEST_F(SettingsStore, ResetLeavesAUserWhoFollowsThePrinterFollowing) {
     state.userMode.reset();
     ResetSettings(*printer);
     EXPECT_EQ(CopiesOf(state.globalMode), 1);
     EXPECT_EQ(state.userMode, std::nullopt);
 }
 
-TEST_F(SettingsStoreTest, ADefaultThatIsNoDeviceModeIsRefused) {
+TEST_F(SettingsStore, ADefaultThatIsNoDeviceModeIsRefused) {
     spooler.defaultMode.resize(60);
     EXPECT_EQ(StatusOf([&] { ResetSettings(*printer); }), HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
     EXPECT_EQ(state, MakeRichState());

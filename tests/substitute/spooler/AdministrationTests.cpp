@@ -13,9 +13,9 @@ using kemba::ComPtr;
 using namespace kemba::substitute;
 using namespace kit;
 
-class AdministrationTest : public ObjectFixture {
+class Administration : public ObjectFixture {
   protected:
-    AdministrationTest() {
+    Administration() {
         spooler.printers[L"Label A"] = {L"OLD",          L"USB001", L"Zippy 300", L"old comment",
                                         L"old location", 0,         0x40,         0};
         EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
@@ -30,7 +30,7 @@ class AdministrationTest : public ObjectFixture {
     ComPtr<DriverAutomationObject> automation = MakeAutomation();
 };
 
-TEST_F(AdministrationTest, AChangeChangesOneThingAndLeavesTheOthers) {
+TEST_F(Administration, AChangeChangesOneThingAndLeavesTheOthers) {
     EXPECT_EQ(automation->PutComment(InText(L"new comment")), S_OK);
     EXPECT_EQ(Label().comment, L"new comment");
     EXPECT_EQ(Label().location, L"old location");
@@ -44,14 +44,14 @@ TEST_F(AdministrationTest, AChangeChangesOneThingAndLeavesTheOthers) {
     EXPECT_TRUE(spooler.keptSecurityAndMode);
 }
 
-TEST_F(AdministrationTest, EmptyAndMissingTextsClear) {
+TEST_F(Administration, EmptyAndMissingTextsClear) {
     EXPECT_EQ(automation->PutComment(InText(L"")), S_OK);
     EXPECT_EQ(Label().comment, L"");
     EXPECT_EQ(automation->PutLocation(nullptr), S_OK);
     EXPECT_EQ(Label().location, L"");
 }
 
-TEST_F(AdministrationTest, AShareNameSharesAndAnEmptyOneEndsSharing) {
+TEST_F(Administration, AShareNameSharesAndAnEmptyOneEndsSharing) {
     EXPECT_EQ(automation->PutShareName(InText(L"DOCK")), S_OK);
     EXPECT_EQ(Label().share, L"DOCK");
     EXPECT_EQ(Label().attributes, 0x48u);
@@ -64,7 +64,7 @@ TEST_F(AdministrationTest, AShareNameSharesAndAnEmptyOneEndsSharing) {
     EXPECT_EQ(text, L"");
 }
 
-TEST_F(AdministrationTest, OnlyChangesAskForAdministration) {
+TEST_F(Administration, OnlyChangesAskForAdministration) {
     std::wstring text;
     ReadText<IDriverAutomation>(*automation, &IDriverAutomation::GetComment, text);
     EXPECT_EQ(spooler.accesses, std::vector<DWORD>{PRINTER_ACCESS_USE});
@@ -74,7 +74,7 @@ TEST_F(AdministrationTest, OnlyChangesAskForAdministration) {
     EXPECT_EQ(spooler.open, 1); // the right is given back at once
 }
 
-TEST_F(AdministrationTest, TheQueueObjectGivesTheCommands) {
+TEST_F(Administration, TheQueueObjectGivesTheCommands) {
     const auto queue = Queue();
     EXPECT_EQ(queue->Pause(), S_OK);
     EXPECT_EQ(queue->Pause(), S_OK); // it stays paused
@@ -84,14 +84,14 @@ TEST_F(AdministrationTest, TheQueueObjectGivesTheCommands) {
     EXPECT_EQ(queue->Reserved1(), E_NOTIMPL);
 }
 
-TEST_F(AdministrationTest, TheQueueObjectOutlivesItsMaker) {
+TEST_F(Administration, TheQueueObjectOutlivesItsMaker) {
     const auto queue = Queue();
     automation.Reset();
     EXPECT_EQ(queue->Purge(), S_OK);
     EXPECT_EQ(spooler.commands, std::vector<DWORD>{3});
 }
 
-TEST_F(AdministrationTest, RefusalsTellWhatWasTriedOnWhichPrinter) {
+TEST_F(Administration, RefusalsTellWhatWasTriedOnWhichPrinter) {
     const auto queue = Queue();
     const InText text(L"X");
     const InText none(L"");
@@ -128,7 +128,7 @@ TEST_F(AdministrationTest, RefusalsTellWhatWasTriedOnWhichPrinter) {
     EXPECT_EQ(Label().attributes, 0x40u);
 }
 
-TEST_F(AdministrationTest, NothingIsChangedBeforeBinding) {
+TEST_F(Administration, NothingIsChangedBeforeBinding) {
     const auto unbound = MakeAutomation();
     EXPECT_EQ(unbound->PutComment(InText(L"X")), E_UNEXPECTED);
     EXPECT_EQ(unbound->PutLocation(InText(L"X")), E_UNEXPECTED);

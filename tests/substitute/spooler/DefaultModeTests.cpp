@@ -14,9 +14,9 @@ using kemba::substitute::Failure;
 using kemba::substitute::PrinterHandle;
 using kemba::substitute::ReadDefaultMode;
 
-class DefaultModeTest : public testing::Test {
+class DefaultMode : public testing::Test {
   protected:
-    DefaultModeTest() {
+    DefaultMode() {
         spooler.printers[L"Label"].driver = L"Zippy 300";
         spooler.defaultMode = MakeMode(5);
     }
@@ -24,13 +24,13 @@ class DefaultModeTest : public testing::Test {
     FakeSpooler spooler;
 };
 
-TEST_F(DefaultModeTest, IsAskedOfTheDriversLibrary) {
+TEST_F(DefaultMode, IsAskedOfTheDriversLibrary) {
     EXPECT_EQ(Copies(), 5);
     EXPECT_EQ(spooler.loaded, std::vector<std::wstring>{L"C:\\drivers\\zippy.dll"});
     EXPECT_EQ(spooler.opened, 1);
 }
 
-TEST_F(DefaultModeTest, NoLibraryOutsideOfTheSpoolersFolderIsLoaded) {
+TEST_F(DefaultMode, NoLibraryOutsideOfTheSpoolersFolderIsLoaded) {
     for (const wchar_t* const library : {L"\\\\server\\print$\\zippy.dll", L"zippy.dll",
                                          L"C:\\drivers\\..\\zippy.dll", L"C:\\drivers.dll", L""}) {
         SCOPED_TRACE(library);
@@ -42,7 +42,7 @@ TEST_F(DefaultModeTest, NoLibraryOutsideOfTheSpoolersFolderIsLoaded) {
     }
 }
 
-TEST_F(DefaultModeTest, ALibraryWithoutTheFunctionLeavesItToTheSpooler) {
+TEST_F(DefaultMode, ALibraryWithoutTheFunctionLeavesItToTheSpooler) {
     spooler.failing = FakeSpooler::Call::AskLibraryForMode;
     spooler.failure = ERROR_CALL_NOT_IMPLEMENTED;
     EXPECT_EQ(Copies(), 5);
@@ -51,14 +51,14 @@ TEST_F(DefaultModeTest, ALibraryWithoutTheFunctionLeavesItToTheSpooler) {
     EXPECT_EQ(FailureOf([&] { Copies(); }).status, E_ACCESSDENIED);
 }
 
-TEST_F(DefaultModeTest, WhatIsNoWholeModeIsNone) {
+TEST_F(DefaultMode, WhatIsNoWholeModeIsNone) {
     for (const Bytes& none : {Bytes(), Bytes(1), Bytes(1000)}) {
         spooler.defaultMode = none;
         EXPECT_EQ(FailureOf([&] { Copies(); }).status, HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
     }
 }
 
-TEST_F(DefaultModeTest, LeftOversOfEarlierProcessesAreNotTouched) {
+TEST_F(DefaultMode, LeftOversOfEarlierProcessesAreNotTouched) {
     spooler.driver.configuration = L"";
     const auto left = [&](int number) {
         return L"kemba defaults " + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(number);
@@ -70,7 +70,7 @@ TEST_F(DefaultModeTest, LeftOversOfEarlierProcessesAreNotTouched) {
     EXPECT_EQ(spooler.printers.size(), 21u);
 }
 
-TEST_F(DefaultModeTest, AHiddenPrinterThatCannotBeDeletedIsNamed) {
+TEST_F(DefaultMode, AHiddenPrinterThatCannotBeDeletedIsNamed) {
     spooler.driver.configuration = L"";
     spooler.failing = FakeSpooler::Call::Delete;
     spooler.failure = ERROR_ACCESS_DENIED;

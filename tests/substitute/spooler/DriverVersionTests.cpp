@@ -60,9 +60,9 @@ TEST(DriverVersion, TheDetailIsProviderAndDate) {
     EXPECT_EQ(DriverDetailText({.version = 0, .date = {}, .provider = L"", .path = L""}), L"");
 }
 
-class DriverVersionObjectTest : public ObjectFixture {
+class DriverVersionObject : public ObjectFixture {
   protected:
-    DriverVersionObjectTest() {
+    DriverVersionObject() {
         spooler.printers[L"Label A"];
         spooler.driver.version = 2814750890000385;
         spooler.driver.provider = L"Zippy";
@@ -73,7 +73,7 @@ class DriverVersionObjectTest : public ObjectFixture {
     std::wstring text;
 };
 
-TEST_F(DriverVersionObjectTest, BothLevelsOfDriverRecordsServe) {
+TEST_F(DriverVersionObject, BothLevelsOfDriverRecordsServe) {
     for (const DWORD level : {8u, 6u}) {
         SCOPED_TRACE(level);
         spooler.driverLevel = level;
@@ -85,7 +85,7 @@ TEST_F(DriverVersionObjectTest, BothLevelsOfDriverRecordsServe) {
     }
 }
 
-TEST_F(DriverVersionObjectTest, FailuresAreReported) {
+TEST_F(DriverVersionObject, FailuresAreReported) {
     spooler.failing = FakeSpooler::Call::GetDriver;
     EXPECT_EQ(ReadText<IDriverAutomation>(*automation, &IDriverAutomation::GetDriverVersion, text),
               HRESULT_FROM_WIN32(ERROR_PRINT_CANCELLED));

@@ -12,23 +12,20 @@
 
 namespace {
 
-using kemba::substitute::CanShowDialogs;
-using kemba::substitute::Failure;
-using kemba::substitute::Printer;
-using kemba::substitute::PrinterHold;
+using namespace kemba::substitute;
 using namespace kit;
 using namespace std::chrono_literals;
 
-class PrinterTest : public testing::Test {
+class Printer : public testing::Test {
   protected:
-    PrinterTest() { spooler.printers[L"Label"].comment = L"by the door"; }
+    Printer() { spooler.printers[L"Label"].comment = L"by the door"; }
     FakeSpooler spooler;
     kemba::substitute::PrinterLocks locks;
 };
 
-TEST_F(PrinterTest, KeepsOneHandleAndClosesIt) {
+TEST_F(Printer, KeepsOneHandleAndClosesIt) {
     {
-        const Printer printer(spooler, locks, L"Label");
+        const kemba::substitute::Printer printer(spooler, locks, L"Label");
         printer.Describe();
         printer.Describe();
         EXPECT_EQ(spooler.open, 1);
@@ -37,31 +34,31 @@ TEST_F(PrinterTest, KeepsOneHandleAndClosesIt) {
     EXPECT_EQ(spooler.opened, 1);
 }
 
-TEST_F(PrinterTest, AnUnknownNameIsRefusedAndNamed) {
-    const Failure failure = FailureOf([&] { Printer(spooler, locks, L"Other"); });
+TEST_F(Printer, AnUnknownNameIsRefusedAndNamed) {
+    const Failure failure = FailureOf([&] { kemba::substitute::Printer(spooler, locks, L"Other"); });
     EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_INVALID_PRINTER_NAME));
     EXPECT_NE(failure.reason.find(L"opening printer \"Other\" failed: "), std::wstring::npos);
     EXPECT_NE(failure.reason.find(L"error 1801"), std::wstring::npos);
     EXPECT_EQ(spooler.open, 0);
 }
 
-TEST_F(PrinterTest, AnEmptyNameNeverReachesTheSpooler) {
+TEST_F(Printer, AnEmptyNameNeverReachesTheSpooler) {
     spooler.printers[L""]; // the print server
-    EXPECT_EQ(FailureOf([&] { Printer(spooler, locks, L""); }).status,
+    EXPECT_EQ(FailureOf([&] { kemba::substitute::Printer(spooler, locks, L""); }).status,
               HRESULT_FROM_WIN32(ERROR_INVALID_PRINTER_NAME));
     EXPECT_EQ(spooler.opened, 0);
 }
 
-TEST_F(PrinterTest, ARecordThatGrowsIsAskedForAgain) {
-    const Printer printer(spooler, locks, L"Label");
+TEST_F(Printer, ARecordThatGrowsIsAskedForAgain) {
+    const kemba::substitute::Printer printer(spooler, locks, L"Label");
     spooler.growths = 3;
     spooler.asked = 0;
     EXPECT_EQ(printer.Describe().comment, L"by the door");
     EXPECT_EQ(spooler.asked, 4); // three times too small, at last
 }
 
-TEST_F(PrinterTest, AFailingSpoolerIsReportedWithItsError) {
-    const Printer printer(spooler, locks, L"Label");
+TEST_F(Printer, AFailingSpoolerIsReportedWithItsError) {
+    const kemba::substitute::Printer printer(spooler, locks, L"Label");
     spooler.failing = FakeSpooler::Call::GetRecord;
     spooler.failure = ERROR_ACCESS_DENIED;
     EXPECT_EQ(FailureOf([&] { printer.Describe(); }).status, E_ACCESSDENIED);
@@ -70,22 +67,22 @@ TEST_F(PrinterTest, AFailingSpoolerIsReportedWithItsError) {
     EXPECT_EQ(FailureOf([&] { printer.Describe(); }).status, HRESULT_FROM_WIN32(ERROR_INSUFFICIENT_BUFFER));
 }
 
-TEST_F(PrinterTest, TheShareNameCountsOnlyWhileThePrinterIsShared) {
+TEST_F(Printer, TheShareNameCountsOnlyWhileThePrinterIsShared) {
     spooler.printers[L"Label"].share = L"LABEL";
-    const Printer printer(spooler, locks, L"Label");
+    const kemba::substitute::Printer printer(spooler, locks, L"Label");
     EXPECT_EQ(printer.Describe().shareName, L"");
     spooler.printers[L"Label"].attributes = PRINTER_ATTRIBUTE_SHARED;
     EXPECT_EQ(printer.Describe().shareName, L"LABEL");
 }
 
-TEST_F(PrinterTest, AReadAsksTheSpoolerOnce) {
-    const Printer printer(spooler, locks, L"Label");
+TEST_F(Printer, AReadAsksTheSpoolerOnce) {
+    const kemba::substitute::Printer printer(spooler, locks, L"Label");
     spooler.asked = 0;
     printer.Describe();
     EXPECT_EQ(spooler.asked, 1);
 }
 
-TEST_F(PrinterTest, WhatIsNoPrinterIsRefusedThoughItCanBeOpened) {
+TEST_F(Printer, WhatIsNoPrinterIsRefusedThoughItCanBeOpened) {
     for (const wchar_t* const name :
          {L",XcvMonitor Local Port", L",XcvPort LPT1:", L"\\\\server,XcvMonitor Local Port", L"Label,Job 5",
           L"Label, Job 5", L"\\\\server", L"\\\\", L"\\\\server\\Label,Job 5"}) {
@@ -93,18 +90,18 @@ TEST_F(PrinterTest, WhatIsNoPrinterIsRefusedThoughItCanBeOpened) {
         // The spooler gives a handle; what the handle is good for differs.
         const std::wstring text = name;
         spooler.opensAs[text] = text.find(L"Label") == std::wstring::npos ? L"" : L"Label";
-        const Failure failure = FailureOf([&] { Printer(spooler, locks, text); });
+        const Failure failure = FailureOf([&] { kemba::substitute::Printer(spooler, locks, text); });
         EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(ERROR_INVALID_PRINTER_NAME));
         EXPECT_EQ(spooler.open, 0);
     }
     spooler.printers[L"Label, left"].comment = L"comma";
-    EXPECT_EQ(Printer(spooler, locks, L"LABEL, left").Describe().comment, L"comma");
+    EXPECT_EQ(kemba::substitute::Printer(spooler, locks, L"LABEL, left").Describe().comment, L"comma");
     spooler.printers[L"\\\\server\\Label"].comment = L"remote";
-    EXPECT_EQ(Printer(spooler, locks, L"\\\\server\\Label").Describe().comment, L"remote");
+    EXPECT_EQ(kemba::substitute::Printer(spooler, locks, L"\\\\server\\Label").Describe().comment, L"remote");
 }
 
-TEST_F(PrinterTest, ARenamedPrinterIsStillTheOneThatWasNamed) {
-    const Printer printer(spooler, locks, L"Label");
+TEST_F(Printer, ARenamedPrinterIsStillTheOneThatWasNamed) {
+    const kemba::substitute::Printer printer(spooler, locks, L"Label");
     spooler.Rename(L"Label", L"Label 2");
     spooler.printers[L"Label"].comment = L"another one";
     printer.ChangeComment(L"changed");
@@ -115,8 +112,8 @@ TEST_F(PrinterTest, ARenamedPrinterIsStillTheOneThatWasNamed) {
     EXPECT_EQ(spooler.open, 1);
 }
 
-TEST_F(PrinterTest, ARenameInTheMiddleOfAChangeFailsIt) {
-    const Printer printer(spooler, locks, L"Label");
+TEST_F(Printer, ARenameInTheMiddleOfAChangeFailsIt) {
+    const kemba::substitute::Printer printer(spooler, locks, L"Label");
     bool renamed = false;
     spooler.before = [&](FakeSpooler::Call call) {
         if (call == FakeSpooler::Call::Open && !std::exchange(renamed, true)) {
@@ -130,8 +127,8 @@ TEST_F(PrinterTest, ARenameInTheMiddleOfAChangeFailsIt) {
     EXPECT_EQ(spooler.printers[L"Label 2"].comment, L"by the door");
 }
 
-TEST_F(PrinterTest, ADeletedPrinterIsNotReplacedByOneOfItsName) {
-    const Printer printer(spooler, locks, L"Label");
+TEST_F(Printer, ADeletedPrinterIsNotReplacedByOneOfItsName) {
+    const kemba::substitute::Printer printer(spooler, locks, L"Label");
     spooler.Lose(L"Label");
     spooler.printers[L"Label"].comment = L"another one";
     EXPECT_EQ(FailureOf([&] { printer.ChangeComment(L"changed"); }).status,
@@ -139,9 +136,9 @@ TEST_F(PrinterTest, ADeletedPrinterIsNotReplacedByOneOfItsName) {
     EXPECT_EQ(spooler.printers[L"Label"].comment, L"another one");
 }
 
-TEST_F(PrinterTest, TwoChangesAtOnceAreBothKept) {
-    const Printer first(spooler, locks, L"Label");
-    const Printer second(spooler, locks, L"LABEL"); // as another client named it
+TEST_F(Printer, TwoChangesAtOnceAreBothKept) {
+    const kemba::substitute::Printer first(spooler, locks, L"Label");
+    const kemba::substitute::Printer second(spooler, locks, L"LABEL"); // as another client named it
     std::thread other;
     spooler.before = [&](FakeSpooler::Call call) {
         if (call == FakeSpooler::Call::SetRecord && !other.joinable()) { // between reading and writing

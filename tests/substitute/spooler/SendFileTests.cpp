@@ -15,9 +15,9 @@ using namespace kemba::substitute;
 using namespace kit;
 using Call = FakeSpooler::Call;
 
-class SendFileTest : public ObjectFixture {
+class SendFile : public ObjectFixture {
   protected:
-    SendFileTest() {
+    SendFile() {
         spooler.printers[L"Label A"];
         EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
     }
@@ -43,7 +43,7 @@ std::string EveryByte(std::size_t count) {
     return bytes;
 }
 
-TEST_F(SendFileTest, TheBytesAreOneRawJobCalledAsTheFile) {
+TEST_F(SendFile, TheBytesAreOneRawJobCalledAsTheFile) {
     const std::string bytes = EveryByte(1'000) + "\x1A\r\n\n";
     const TemporaryFile file(bytes);
     EXPECT_EQ(Send(file.Path()), S_OK);
@@ -54,7 +54,7 @@ TEST_F(SendFileTest, TheBytesAreOneRawJobCalledAsTheFile) {
     EXPECT_EQ(spooler.open, 1);
 }
 
-TEST_F(SendFileTest, TheSecondArgumentIsTheDocumentsName) {
+TEST_F(SendFile, TheSecondArgumentIsTheDocumentsName) {
     const TemporaryFile file("x");
     EXPECT_EQ(Send(file.Path(), L"Parcels"), S_OK);
     EXPECT_EQ(spooler.journal.front(), L"RAW job Parcels");
@@ -62,7 +62,7 @@ TEST_F(SendFileTest, TheSecondArgumentIsTheDocumentsName) {
     EXPECT_EQ(spooler.printed, "xx");
 }
 
-TEST_F(SendFileTest, EveryKindOfAbsolutePathIsTaken) {
+TEST_F(SendFile, EveryKindOfAbsolutePathIsTaken) {
     const TemporaryFile file("x");
     std::wstring slashed = file.Path();
     std::replace(slashed.begin(), slashed.end(), L'\\', L'/');
@@ -74,7 +74,7 @@ TEST_F(SendFileTest, EveryKindOfAbsolutePathIsTaken) {
     }
 }
 
-TEST_F(SendFileTest, GoesInBlocksWhateverTheSize) {
+TEST_F(SendFile, GoesInBlocksWhateverTheSize) {
     for (const std::size_t size : {65'535, 65'536, 65'537, 1'000'000}) {
         SCOPED_TRACE(size);
         spooler.printed.clear();
@@ -86,7 +86,7 @@ TEST_F(SendFileTest, GoesInBlocksWhateverTheSize) {
     }
 }
 
-TEST_F(SendFileTest, ASpoolerThatTakesLessIsGivenTheRest) {
+TEST_F(SendFile, ASpoolerThatTakesLessIsGivenTheRest) {
     spooler.mostAtOnce = 300;
     const std::string bytes = EveryByte(1'000);
     const TemporaryFile file(bytes);
@@ -97,7 +97,7 @@ TEST_F(SendFileTest, ASpoolerThatTakesLessIsGivenTheRest) {
     EXPECT_EQ(spooler.journal.back(), L"deleted");
 }
 
-TEST_F(SendFileTest, AnXpsDriverGetsItsOwnDataType) {
+TEST_F(SendFile, AnXpsDriverGetsItsOwnDataType) {
     const TemporaryFile file("x");
     const struct {
         DWORD level, attributes;
@@ -117,7 +117,7 @@ TEST_F(SendFileTest, AnXpsDriverGetsItsOwnDataType) {
     }
 }
 
-TEST_F(SendFileTest, AJobThatFailsHalfWayIsDeleted) {
+TEST_F(SendFile, AJobThatFailsHalfWayIsDeleted) {
     const TemporaryFile file(EveryByte(100'000)); // two blocks
     const struct {
         Call step;
@@ -145,14 +145,14 @@ TEST_F(SendFileTest, AJobThatFailsHalfWayIsDeleted) {
     }
 }
 
-TEST_F(SendFileTest, ADriverThatDoesNotTellOfItselfIsNoReasonToFail) {
+TEST_F(SendFile, ADriverThatDoesNotTellOfItselfIsNoReasonToFail) {
     const TemporaryFile file("x");
     spooler.failing = Call::GetDriver;
     EXPECT_EQ(Send(file.Path()), S_OK);
     EXPECT_EQ(spooler.printed, "x");
 }
 
-TEST_F(SendFileTest, AJobWhoseEndFailedAfterItsBytesWentOutIsTakenOutOfTheQueue) {
+TEST_F(SendFile, AJobWhoseEndFailedAfterItsBytesWentOutIsTakenOutOfTheQueue) {
     const TemporaryFile file("x");
     spooler.failing = Call::EndDocument;
     spooler.endLosesDocument = true;
@@ -163,7 +163,7 @@ TEST_F(SendFileTest, AJobWhoseEndFailedAfterItsBytesWentOutIsTakenOutOfTheQueue)
     EXPECT_EQ(description.find(L"could not be deleted"), std::wstring::npos);
 }
 
-TEST_F(SendFileTest, AJobThatCannotBeDeletedIsNamed) {
+TEST_F(SendFile, AJobThatCannotBeDeletedIsNamed) {
     const TemporaryFile file("x");
     spooler.endLosesDocument = true;
     spooler.before = [&](Call call) {
@@ -175,7 +175,7 @@ TEST_F(SendFileTest, AJobThatCannotBeDeletedIsNamed) {
     EXPECT_NE(TakeErrorTexts().description.find(L"; job 1 could not be deleted: "), std::wstring::npos);
 }
 
-TEST_F(SendFileTest, WhatIsNoFileWithBytesIsRefusedBeforeAnyJob) {
+TEST_F(SendFile, WhatIsNoFileWithBytesIsRefusedBeforeAnyJob) {
     const TemporaryFile empty;
     const std::wstring place = L"SendFile on printer \"Label A\": ";
     EXPECT_TRUE(BeginsWith(RefusalOf(empty.Path(), ERROR_INVALID_DATA),
@@ -192,7 +192,7 @@ TEST_F(SendFileTest, WhatIsNoFileWithBytesIsRefusedBeforeAnyJob) {
     }
 }
 
-TEST_F(SendFileTest, APathOfSomeFolderThatTheServerCannotKnowIsRefused) {
+TEST_F(SendFile, APathOfSomeFolderThatTheServerCannotKnowIsRefused) {
     for (const wchar_t* const path : {L"", L"label.prn", L"sub\\label.prn", L"C:label.prn", L"\\label.prn"}) {
         SCOPED_TRACE(path);
         EXPECT_TRUE(BeginsWith(RefusalOf(path, ERROR_BAD_PATHNAME),
@@ -201,7 +201,7 @@ TEST_F(SendFileTest, APathOfSomeFolderThatTheServerCannotKnowIsRefused) {
     }
 }
 
-TEST_F(SendFileTest, AFileThatSomebodyWritesToIsRefused) {
+TEST_F(SendFile, AFileThatSomebodyWritesToIsRefused) {
     const TemporaryFile file("half a la");
     const HANDLE writer = CreateFileW(file.Path().c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                       nullptr, OPEN_EXISTING, 0, nullptr);
@@ -211,7 +211,7 @@ TEST_F(SendFileTest, AFileThatSomebodyWritesToIsRefused) {
     EXPECT_EQ(Send(file.Path()), S_OK);
 }
 
-TEST_F(SendFileTest, NothingIsSentBeforeBinding) {
+TEST_F(SendFile, NothingIsSentBeforeBinding) {
     const TemporaryFile file("x");
     EXPECT_EQ(MakeAutomation()->SendFile(InText(file.Path()), nullptr), E_UNEXPECTED);
 }

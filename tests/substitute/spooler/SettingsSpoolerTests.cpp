@@ -21,9 +21,9 @@ using kemba::MakeObject;
 using namespace kemba::substitute;
 using namespace kit;
 
-class SettingsSpoolerTest : public ObjectFixture {
+class SettingsSpooler : public ObjectFixture {
   protected:
-    SettingsSpoolerTest() {
+    SettingsSpooler() {
         automation = MakeObject<DriverAutomationObject>(realContext);
         EXPECT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
         EXPECT_EQ(automation->GetSettings(settings.Put()), S_OK);
@@ -63,7 +63,7 @@ class SettingsSpoolerTest : public ObjectFixture {
     VARIANT omitted = {};
 };
 
-TEST_F(SettingsSpoolerTest, AnImportBringsBackWhatWasExported) {
+TEST_F(SettingsSpooler, AnImportBringsBackWhatWasExported) {
     SetMode(DMORIENT_LANDSCAPE, 3);
     SetValue(L"Darkness", REG_DWORD, {7, 0, 0, 0});
     SetValue(L"Blob", REG_BINARY, {0, 1, 2, 0xFF, 0});
@@ -82,7 +82,7 @@ TEST_F(SettingsSpoolerTest, AnImportBringsBackWhatWasExported) {
     EXPECT_EQ(folder.Count(), 1);
 }
 
-TEST_F(SettingsSpoolerTest, AFileOfOnePrinterServesAnotherOfTheSameDriver) {
+TEST_F(SettingsSpooler, AFileOfOnePrinterServesAnotherOfTheSameDriver) {
     SetMode(DMORIENT_LANDSCAPE, 4);
     ASSERT_EQ(settings->ExportSettings(InText(path), omitted), S_OK);
     const demo::Printer other;
@@ -94,7 +94,7 @@ TEST_F(SettingsSpoolerTest, AFileOfOnePrinterServesAnotherOfTheSameDriver) {
     EXPECT_EQ(std::wstring(mode.dmDeviceName), other.Name().substr(0, CCHDEVICENAME - 1));
 }
 
-TEST_F(SettingsSpoolerTest, ResetGivesTheDriversDefaultsAndKeepsTheData) {
+TEST_F(SettingsSpooler, ResetGivesTheDriversDefaultsAndKeepsTheData) {
     SetValue(L"Darkness", REG_DWORD, {7, 0, 0, 0});
     const Settings fresh = Read();
     SetMode(DMORIENT_LANDSCAPE, 3);
@@ -107,7 +107,7 @@ TEST_F(SettingsSpoolerTest, ResetGivesTheDriversDefaultsAndKeepsTheData) {
     EXPECT_EQ(demo::PrinterNames(), names);
 }
 
-TEST_F(SettingsSpoolerTest, AForeignDriversFileIsRefused) {
+TEST_F(SettingsSpooler, AForeignDriversFileIsRefused) {
     Settings foreign = Read();
     foreign.driver.name += L" II";
     WriteSettingsFile(path, EncodeVqs(foreign));
@@ -116,7 +116,7 @@ TEST_F(SettingsSpoolerTest, AForeignDriversFileIsRefused) {
     EXPECT_NE(TakeErrorTexts().description.find(printer.Name()), std::wstring::npos);
 }
 
-TEST_F(SettingsSpoolerTest, ADeletedPrinterIsReported) {
+TEST_F(SettingsSpooler, ADeletedPrinterIsReported) {
     demo::RemovePrinter(printer.Name());
     EXPECT_EQ(settings->ExportSettings(InText(path), omitted),
               HRESULT_FROM_WIN32(ERROR_INVALID_PRINTER_NAME));

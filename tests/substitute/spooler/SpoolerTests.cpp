@@ -19,7 +19,7 @@ using kemba::MakeObject;
 using namespace kemba::substitute;
 using namespace kit;
 
-class SpoolerTest : public ObjectFixture {
+class Spooler : public ObjectFixture {
   protected:
     ComPtr<DriverAutomationObject> MakeReal() { return MakeObject<DriverAutomationObject>(realContext); }
 
@@ -27,7 +27,7 @@ class SpoolerTest : public ObjectFixture {
     ServerContext realContext{realSpooler, locks, profiles, uses, types};
 };
 
-TEST_F(SpoolerTest, ReadsARealPrinter) {
+TEST_F(Spooler, ReadsARealPrinter) {
     const demo::Printer printer(
         {.comment = L"by the d\x00F6\x00F6r", .location = L"Hall", .shareName = L"LABELREAL"});
     const auto automation = MakeReal();
@@ -49,7 +49,7 @@ TEST_F(SpoolerTest, ReadsARealPrinter) {
     EXPECT_EQ(text, L"Ready");
 }
 
-TEST_F(SpoolerTest, APrinterThatIsNotSharedHasNoShareName) {
+TEST_F(Spooler, APrinterThatIsNotSharedHasNoShareName) {
     const demo::Printer printer;
     const auto automation = MakeReal();
     ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
@@ -58,7 +58,7 @@ TEST_F(SpoolerTest, APrinterThatIsNotSharedHasNoShareName) {
     EXPECT_EQ(text, L"");
 }
 
-TEST_F(SpoolerTest, RefusesAPrinterThatIsNotThere) {
+TEST_F(Spooler, RefusesAPrinterThatIsNotThere) {
     const auto automation = MakeReal();
     EXPECT_EQ(automation->PutPrinterName(InText(L"No such printer")),
               HRESULT_FROM_WIN32(ERROR_INVALID_PRINTER_NAME));
@@ -67,7 +67,7 @@ TEST_F(SpoolerTest, RefusesAPrinterThatIsNotThere) {
         0u);
 }
 
-TEST_F(SpoolerTest, ChangesARealPrinter) {
+TEST_F(Spooler, ChangesARealPrinter) {
     const demo::Printer printer({.comment = L"old", .location = L"Hall", .shareName = L""});
     const auto automation = MakeReal();
     ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
@@ -91,7 +91,7 @@ TEST_F(SpoolerTest, ChangesARealPrinter) {
 }
 
 // Wine's spooler has no queue commands.
-TEST_F(SpoolerTest, AQueueCommandThatTheSpoolerDoesNotKnowIsRefusedCleanly) {
+TEST_F(Spooler, AQueueCommandThatTheSpoolerDoesNotKnowIsRefusedCleanly) {
     const demo::Printer printer;
     const auto automation = MakeReal();
     ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
@@ -103,7 +103,7 @@ TEST_F(SpoolerTest, AQueueCommandThatTheSpoolerDoesNotKnowIsRefusedCleanly) {
     }
 }
 
-TEST_F(SpoolerTest, AFilesBytesArriveAtThePort) {
+TEST_F(Spooler, AFilesBytesArriveAtThePort) {
     const PrinterPort port;
     const demo::Printer printer({.port = port.Name()});
     const auto automation = MakeReal();
@@ -117,7 +117,7 @@ TEST_F(SpoolerTest, AFilesBytesArriveAtThePort) {
     EXPECT_TRUE(port.Received(bytes.size()) == bytes);
 }
 
-TEST_F(SpoolerTest, AnActionsBytesArriveAtThePort) {
+TEST_F(Spooler, AnActionsBytesArriveAtThePort) {
     const TemporaryFolder folder;
     profileFolder = folder.Path();
     folder.Put(std::wstring(demo::kLabelDriver) + L".profile", "Feed = NUL FF 0xFF");
@@ -135,7 +135,7 @@ TEST_F(SpoolerTest, AnActionsBytesArriveAtThePort) {
 }
 
 // The driver was installed without a version, so that its file's counts.
-TEST_F(SpoolerTest, ARealDriversVersionIsThatOfItsFile) {
+TEST_F(Spooler, ARealDriversVersionIsThatOfItsFile) {
     const demo::Printer printer;
     const auto automation = MakeReal();
     ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
