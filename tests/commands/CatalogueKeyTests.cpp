@@ -7,12 +7,10 @@
 #include "messages/TextResource.h"
 #include "tests/commands/Sources.h"
 
+using namespace kit;
+
 namespace {
 
-using kemba_tests::FindAll;
-using kemba_tests::ReadSource;
-using kemba_tests::SourcesIn;
-using kemba_tests::WithoutComments;
 using Keys = std::set<std::string>;
 
 Keys UsedKeys() {

@@ -15,7 +15,9 @@
 #include "tests/commands/Sources.h"
 #include "tests/kit/StdoutCapture.h"
 
-namespace kemba {
+using namespace kemba;
+using namespace kit;
+
 namespace {
 
 using Names = std::set<std::string>;
@@ -58,8 +60,8 @@ TEST_F(CommandTable, HasARowForEveryPairOfFiles) {
         classes.insert(ClassOf(row));
     }
     Names files;
-    for (const std::string& path : kemba_tests::SourcesIn("commands")) {
-        for (const std::string& name : kemba_tests::FindAll(path, "Command_(\\w+)\\.h$")) {
+    for (const std::string& path : SourcesIn("commands")) {
+        for (const std::string& name : FindAll(path, "Command_(\\w+)\\.h$")) {
             files.insert(name);
         }
     }
@@ -110,7 +112,7 @@ TEST_F(CommandTable, HasATopicForEveryCommandWithTheCataloguesPage) {
         const std::string key = "help:" + Narrow(row.topic);
         const std::string page = TextResource().GetText(key.c_str()).Narrow();
         EXPECT_NE(page, "") << "write the section #" << key << " of " << kCatalogue;
-        kit::StdoutCapture capture;
+        StdoutCapture capture;
         Make(row)->ShowHelp();
         EXPECT_EQ(capture.Finish(), page + "\r\n") << "ShowHelp prints " << key;
     }
@@ -118,7 +120,7 @@ TEST_F(CommandTable, HasATopicForEveryCommandWithTheCataloguesPage) {
 
 TEST_F(CommandTable, HasTheWordsThatTheirPageLists) {
     const std::vector<std::string> listed =
-        kemba_tests::FindAll(TextResource().GetText("help:commands").Narrow(), "\n +(\\w+)  ");
+        FindAll(TextResource().GetText("help:commands").Narrow(), "\n +(\\w+)  ");
     Names words;
     for (const CommandRow& row : TheCommands()) {
         if (row.word && row.topic) {
@@ -139,8 +141,8 @@ TEST_F(CommandTable, HasWholeRunTestsOfEveryCommand) {
 }
 
 TEST_F(CommandTable, NamesClassesThatAreShort) {
-    for (const std::string& path : kemba_tests::SourcesIn("commands")) {
-        const std::string text = kemba_tests::ReadSource(path);
+    for (const std::string& path : SourcesIn("commands")) {
+        const std::string text = ReadSource(path);
         EXPECT_LE(std::count(text.begin(), text.end(), '\n'), 150) << path;
     }
 }
@@ -149,7 +151,7 @@ TEST_F(CommandTable, NamesClassesThatAreShort) {
 TEST_F(CommandTable, LeavesTheBasesWordsToWhoDoesNotDoWhatTheySay) {
     const CommandRow* const help = OCore::FindRow(TheCommands(), L"help");
     const CommandRow* const exporting = OCore::FindRow(TheCommands(), L"export", &CommandRow::topic);
-    kit::StdoutCapture capture;
+    StdoutCapture capture;
     Make(*help)->ShowHelp();
     EXPECT_FALSE(Make(*help)->Execute(L"Label A"));
     EXPECT_FALSE(Make(*exporting)->Execute(L"Label A"));
@@ -163,11 +165,10 @@ TEST_F(CommandTable, HasAnExportThatWithoutAPrinterFailsUnannounced) {
     ApplicationSettings settings;
     OCore::RequireMemory(settings.printerNames.Append(L"no such printer"));
     const CommandRow* const exporting = OCore::FindRow(TheCommands(), L"export", &CommandRow::topic);
-    kit::StdoutCapture capture;
+    StdoutCapture capture;
     EXPECT_FALSE(exporting->make(settings, m_console, {L"C:\\dock.vqs"})->Run());
     EXPECT_EQ(capture.Finish(),
               "The printer 'no such printer' is not found.\r\nNo printers selected for this operation.\r\n");
 }
 
 } // namespace
-} // namespace kemba

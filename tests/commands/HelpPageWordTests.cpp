@@ -13,7 +13,9 @@
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/StdoutCapture.h"
 
-namespace kemba {
+using namespace kemba;
+using namespace kit;
+
 namespace {
 
 using Words = std::set<std::string>;
@@ -34,8 +36,7 @@ Words InLowerCase(const std::vector<std::string>& words) {
 
 /// The words that stand before a dash on the page.
 std::vector<std::string> PageWords(const std::string& command) {
-    return kemba_tests::FindAll(TextResource().GetText(("help:" + command).c_str()).Narrow(),
-                                "\n +(\\w+) +- ");
+    return FindAll(TextResource().GetText(("help:" + command).c_str()).Narrow(), "\n +(\\w+) +- ");
 }
 
 /// Where a command's words stand: the expression finds one in its source.
@@ -56,8 +57,7 @@ constexpr TableRow kTables[] = {
 
 TEST(HelpPageWords, AreTheOnesOfTheCommandsTable) {
     for (const TableRow& row : kTables) {
-        const Words table =
-            InLowerCase(kemba_tests::FindAll(kemba_tests::ReadSource(row.file), row.expression));
+        const Words table = InLowerCase(FindAll(ReadSource(row.file), row.expression));
         EXPECT_FALSE(table.empty()) << "no words in " << row.file;
         EXPECT_EQ(InLowerCase(PageWords(row.command)), table)
             << "the section #help:" << row.command << " explains the words in " << row.file;
@@ -66,14 +66,14 @@ TEST(HelpPageWords, AreTheOnesOfTheCommandsTable) {
 
 /// The commands that look at their word for each printer; whole runs look at the others.
 TEST(HelpPageWords, AreTaken) {
-    kit::FakeServer server;
+    FakeServer server;
     const bool quiet = false;
     ConsoleOutput console(quiet);
     const ApplicationSettings settings;
     for (const wchar_t* const command : {L"action", L"get", L"queue", L"set"}) {
         for (const std::string& word : PageWords(OString(command).Narrow())) {
             const OString argument(word.c_str());
-            kit::StdoutCapture capture;
+            StdoutCapture capture;
             EXPECT_TRUE(OCore::FindRow(TheCommands(), command)
                             ->make(settings, console, {argument.Wide(), L"value"})
                             ->Execute(L"Label A"));
@@ -82,8 +82,7 @@ TEST(HelpPageWords, AreTaken) {
             EXPECT_EQ(output.find(" is invalid."), std::string::npos) << word;
         }
     }
-    EXPECT_EQ(server.Faults(), kit::Lines{});
+    EXPECT_EQ(server.Faults(), Lines{});
 }
 
 } // namespace
-} // namespace kemba

@@ -8,7 +8,7 @@
 #include <iterator>
 #include <regex>
 
-namespace kemba_tests {
+namespace kit {
 
 std::string ReadSource(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
@@ -43,4 +43,4 @@ std::vector<std::string> FindAll(const std::string& text, const std::string& exp
     return found;
 }
 
-} // namespace kemba_tests
+} // namespace kit

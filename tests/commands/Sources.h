@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace kemba_tests {
+namespace kit {
 
 /// The file's text; the path is relative to the source root, where tests run. Fails the test when there is
 /// none.
@@ -19,4 +19,4 @@ std::vector<std::string> SourcesIn(const std::string& folder);
 /// What the first group of the expression matches, for every match in the text, in order.
 std::vector<std::string> FindAll(const std::string& text, const std::string& expression);
 
-} // namespace kemba_tests
+} // namespace kit

@@ -49,7 +49,7 @@ Rule& FakeServer::AddRule(std::string_view operation, std::initializer_list<Give
     const Operation* const known = FindOperation(operation);
     if (!known) {
         ADD_FAILURE() << operation << " is no operation of the contract";
-    } else if (kinds.size() > 0 && std::ranges::find(kinds, known->gives) == kinds.end()) {
+    } else if (kinds.size() > 0 && std::ranges::find(kinds, known->WhatItGives()) == kinds.end()) {
         ADD_FAILURE() << operation << " gives nothing of that kind";
     }
     return m_state->script.Add(std::string(operation), std::move(answer));

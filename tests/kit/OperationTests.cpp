@@ -134,8 +134,8 @@ TEST(Operations, TheTableNamesExactlyTheOperationsOfTheObjects) {
                                  std::string(operation.name.substr(operation.name.find('.'))) + "("),
                       0U)
                 << shown;
-            EXPECT_EQ(out.text != nullptr, operation.gives == Gives::Text);
-            EXPECT_EQ(out.object != nullptr, operation.gives == Gives::Object);
+            EXPECT_EQ(out.text != nullptr, operation.WhatItGives() == Gives::Text);
+            EXPECT_EQ(out.object != nullptr, operation.WhatItGives() == Gives::Object);
         }
         EXPECT_EQ(server.Faults(), Lines{});
     }
@@ -160,7 +160,7 @@ TEST(Operations, EveryOneFailsWhenToldAndGivesNothing) {
 
 TEST(Operations, TextsAndObjectsCanBeNull) {
     for (const Operation& operation : AllOperations()) {
-        if (operation.gives != Gives::Text && operation.gives != Gives::Object) {
+        if (operation.WhatItGives() != Gives::Text && operation.WhatItGives() != Gives::Object) {
             continue;
         }
         SCOPED_TRACE(operation.name);

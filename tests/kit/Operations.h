@@ -27,9 +27,11 @@ std::string_view InterfaceOf(FakeClass which);
 enum class Gives { Nothing, Text, Flag, Object };
 
 struct Operation {
-    std::string_view name; ///< interface, dot and operation, "IDriverAutomation.GetComment" for one
-    Gives gives;
+    std::string_view name;      ///< interface, dot and operation, "IDriverAutomation.GetComment" for one
+    int position;               ///< in its interface, counted from 1
+    std::string_view arguments; ///< direction and type of each, "in BSTR, in VARIANT" for one
 
+    Gives WhatItGives() const;
     std::string_view Interface() const { return name.substr(0, name.find('.')); }
 };
 

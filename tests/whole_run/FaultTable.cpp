@@ -120,7 +120,7 @@ std::vector<Fault> FaultsOfCall(const Step& step) {
     faults.push_back({.title = "throws", .effect = Effect::Breakage, .arm = [=](FakeServer& server) {
                           server.Throw(operation).ForObject(step.object).ForCall(step.call);
                       }});
-    const Gives gives = FindOperation(operation)->gives;
+    const Gives gives = FindOperation(operation)->WhatItGives();
     if (gives == Gives::Text || gives == Gives::Object) {
         faults.push_back({.title = "gives nothing",
                           .effect = gives == Gives::Text ? Effect::NoText : Effect::Refusal,
