@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -138,15 +139,18 @@ TEST(TextResource, EveryHelpPageBeginsAndEndsAsItMust) {
 
 TEST(TextResource, TheResourceIsTheTextFileByteForByteStoredAsEnglish) {
     EXPECT_EQ(CatalogueResource(), CatalogueFile());
-    EXPECT_EQ(CatalogueResource().size(), 7270U);
+    EXPECT_EQ(CatalogueResource().size(), 7270U) << "correct the size when you change a text on purpose";
 }
 
 TEST(TextResource, EverySectionOfTheFileIsFetched) {
     const auto sections = SectionsOf(CatalogueFile());
-    EXPECT_EQ(sections.size(), std::size(kMessages) + std::size(kHelpPages));
+    EXPECT_FALSE(sections.empty());
     for (const auto& [key, body] : sections) {
         SCOPED_TRACE(key);
         EXPECT_EQ(TextOf(key.c_str()), body);
+        const auto isKey = [&](const auto& row) { return row.key == key; };
+        EXPECT_TRUE(std::ranges::any_of(kMessages, isKey) || std::ranges::any_of(kHelpPages, isKey))
+            << "give it a row in " << __FILE__;
     }
 }
 
