@@ -18,10 +18,6 @@ namespace {
 constexpr HRESULT kServerFailed = static_cast<HRESULT>(0x80080005);
 constexpr HRESULT kOwnStatus = static_cast<HRESULT>(0x80040205);
 
-std::string OperationName(const std::string& className, const std::string& event) {
-    return "I" + className + "." + event;
-}
-
 FakeClass ClassOf(const Step& step) {
     return *std::ranges::find(kAllClasses, step.className,
                               [](FakeClass which) { return std::string(NameOf(which)); });
@@ -54,7 +50,7 @@ std::vector<Fault> FaultsOfRunning(const Step& step) {
         faults.push_back(
             {.title = status == raised ? "the object does not run" : "running the object misses an interface",
              .status = raised,
-             .arm = [step, status = status](FakeServer& server) {
+             .arm = [step, status](FakeServer& server) {
                  server.FailRun(ClassOf(step), status).ForObject(step.object);
              }});
     }
@@ -69,40 +65,50 @@ Fault MissingInterface(const Step& step) {
 
 struct RefusalRow {
     const char* title;
-    HRESULT status;
-    bool hasInformation;
-    std::optional<std::wstring> source;
-    std::optional<std::wstring> description;
-    ErrorInfoSupport support;
-    Lines printed;
+    HRESULT status = E_FAIL;
+    bool hasInformation = false;
+    std::optional<std::wstring> source{};
+    std::optional<std::wstring> description{};
+    ErrorInfoSupport support = ErrorInfoSupport::Yes;
+    Lines printed{};
 };
 
 const RefusalRow kRefusals[] = {
-    {"refused without information", E_ACCESSDENIED, false, {}, {}, ErrorInfoSupport::Yes, {}},
-    {"the server is gone",
-     HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE),
-     false,
-     {},
-     {},
-     ErrorInfoSupport::Absent,
-     {}},
-    {"the object is cut off", RPC_E_DISCONNECTED, false, {}, {}, ErrorInfoSupport::Absent, {}},
-    {"refused with information",
-     kOwnStatus,
-     true,
-     L"Driver",
-     L"Out of paper",
-     ErrorInfoSupport::Yes,
-     {"Source: Driver", ""}}, // the description's key is no section of the catalogue
-    {"refused with a source", E_FAIL, true, L"Driver", L"", ErrorInfoSupport::Yes, {"Source: Driver"}},
-    {"refused with a description", E_FAIL, true, {}, L"Out of paper", ErrorInfoSupport::Yes, {""}},
-    {"refused with empty information", E_FAIL, true, {}, {}, ErrorInfoSupport::Yes, {}},
-    {"refused with information of others", E_FAIL, true, L"Driver", L"x", ErrorInfoSupport::No, {}},
-    {"refused by an object without information", E_FAIL, true, L"Driver", L"x", ErrorInfoSupport::Absent, {}},
+    {.title = "refused without information", .status = E_ACCESSDENIED},
+    {.title = "the server is gone",
+     .status = HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE),
+     .support = ErrorInfoSupport::Absent},
+    {.title = "the object is cut off", .status = RPC_E_DISCONNECTED, .support = ErrorInfoSupport::Absent},
+    {.title = "refused with information",
+     .status = kOwnStatus,
+     .hasInformation = true,
+     .source = L"Driver",
+     .description = L"Out of paper",
+     .printed = {"Source: Driver", ""}}, // the description's key is no section of the catalogue
+    {.title = "refused with a source",
+     .hasInformation = true,
+     .source = L"Driver",
+     .description = L"",
+     .printed = {"Source: Driver"}},
+    {.title = "refused with a description",
+     .hasInformation = true,
+     .description = L"Out of paper",
+     .printed = {""}},
+    {.title = "refused with empty information", .hasInformation = true},
+    {.title = "refused with information of others",
+     .hasInformation = true,
+     .source = L"Driver",
+     .description = L"x",
+     .support = ErrorInfoSupport::No},
+    {.title = "refused by an object without information",
+     .hasInformation = true,
+     .source = L"Driver",
+     .description = L"x",
+     .support = ErrorInfoSupport::Absent},
 };
 
 std::vector<Fault> FaultsOfCall(const Step& step) {
-    const std::string operation = OperationName(step.className, step.event);
+    const std::string operation = step.Operation();
     std::vector<Fault> faults;
     for (const RefusalRow& row : kRefusals) {
         faults.push_back(
@@ -169,8 +175,8 @@ Lines WithoutNumbers(const Lines& lines) {
 }
 
 std::vector<Step> StepsOf(const Lines& journal) {
-    static const std::regex creation("new (\\w+)#(\\d+)");
-    static const std::regex event("(\\w+)#(\\d+)\\.(\\w+)\\([^]*");
+    const std::regex creation("new (\\w+)#(\\d+)");
+    const std::regex event("(\\w+)#(\\d+)\\.(\\w+)\\([^]*");
     std::map<std::string, int> counts;
     std::vector<Step> steps;
     for (const std::string& line : journal) {
@@ -186,7 +192,7 @@ std::vector<Step> StepsOf(const Lines& journal) {
         step.className = parts[1];
         step.object = std::stoi(parts[2]);
         step.call = ++counts[parts.str(1) + parts.str(2) + step.event];
-        step.isCall = FindOperation(OperationName(step.className, step.event)) != nullptr;
+        step.isCall = FindOperation(step.Operation()) != nullptr;
         step.shown = WithoutNumbers({line}).front();
         steps.push_back(step);
     }

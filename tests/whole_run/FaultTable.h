@@ -23,11 +23,10 @@ struct Step {
     bool isCall = false;
     std::string shown; ///< the line without the numbers of objects
 
+    /// "IDriverAutomation.GetComment" for one; an operation's name if it is a call.
+    std::string Operation() const { return "I" + className + "." + event; }
     /// Whether it belongs to the first printer, or to no printer.
     bool IsOfTheFirst() const { return object == 1 || className == "VersionInformation"; }
-    bool IsNew(const std::string& ofClass, int number) const {
-        return event == "new" && className == ofClass && object == number;
-    }
 };
 
 std::vector<Step> StepsOf(const Lines& journal);
@@ -37,6 +36,7 @@ Lines WithoutNumbers(const Lines& lines);
 
 /// What a fault is to the client.
 enum class Effect {
+    None,     ///< all is well
     Refusal,  ///< an automation failure
     Breakage, ///< a failure of another kind
     NoText    ///< no failure: an operation that gives a text gives none

@@ -1,12 +1,27 @@
 // What every command does about every fault at every call that it makes.
-#include <algorithm>
-#include <optional>
-#include <set>
+#include <windows.h>
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <exception>
+#include <functional>
+#include <iterator>
+#include <ostream>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "core/OString.h"
+#include "demo/WinePrinters.h"
 #include "platform/OperatingSystem.h"
+#include "tests/kit/FakeServer.h"
 #include "tests/kit/Operations.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/kit/TemporaryFile.h"
+#include "tests/kit/WholeRun.h"
 #include "tests/whole_run/FaultTable.h"
 #include "tests/whole_run/WholeRunTest.h"
 
@@ -14,187 +29,198 @@ using namespace kit;
 
 namespace {
 
-enum class Loop { GoesOn, Stops };
-enum class Closing { Always, WhenServed };
-
-/// A line of the output when the operation gives no text, and that line otherwise.
-struct Blank {
-    const char* operation;
-    std::string line;
-    std::string otherwise;
+/// What comes after the step that has the fault.
+enum class Then {
+    AllTheRest,  ///< as if nothing had been
+    NextPrinter, ///< nothing more for this one
+    Nothing,     ///< nothing more is asked of the server
+    OutOfProgram ///< the exception leaves the program
 };
 
-/// A command line and what it prints; "%p" stands for the printer's name, "%f" for a file that is there.
+/// What is printed and returned when the first of two printers, or the server, has a fault. "%1" and "%2" are
+/// the printers' names, "%o" is the system's, "%w" the line's last word; "%e" stands for the lines about an
+/// automation failure.
 struct Row {
-    const char* title;
-    Words words;
-    Lines opening;
-    Lines served;      ///< for a printer without a fault
-    Lines refused;     ///< for a printer whose server refuses
-    Loop afterRefusal; ///< a refusal that stops the loop fails the command
-    std::optional<Lines>
-        broken; ///< for a printer whose server throws; none: the exception leaves the program
-    Lines closing;
-    Closing when = Closing::Always;
-    std::vector<Blank> blanks{};
-    int printers = 2;
-    bool actionsUnsupported = false;
-};
-
-const std::string kUnsupported = "The command is unsupported on this printer.";
-const std::string kUnspecified = "Unspecified error.";
-const Lines kEnd{"Finished processing command."};
-const std::string kServerLine = "DAL: Version [VersionDetail]";
-const std::string kDriverLine = "%p: DriverVersion of %p (DriverVersionDetail of %p)";
-
-const std::vector<Blank> kServerBlanks = {
-    {"IVersionInformation.GetVersion", "DAL: Unknown [VersionDetail]", kServerLine},
-    {"IVersionInformation.GetVersionDetail", "DAL: Version [Unknown]", kServerLine}};
-const std::vector<Blank> kDriverBlanks = {
-    {"IDriverAutomation.GetDriverVersion", "%p: Unknown", kDriverLine},
-    {"IDriverAutomation.GetDriverVersionDetail", "%p: DriverVersion of %p", kDriverLine}};
-
-void PrintTo(const Row& row, std::ostream* out) {
-    *out << row.title;
-}
-
-Row ActionRow(const char* title, Words words, const std::string& message, bool unsupported) {
-    return {title,
-            std::move(words),
-            {"Executing 'Action' command."},
-            {"%p:", message},
-            {"%p:", ""},
-            Loop::GoesOn,
-            Lines{"%p:", kUnspecified},
-            kEnd,
-            Closing::Always,
-            {},
-            2,
-            unsupported};
-}
-
-Row GetRow(const char* title, const wchar_t* field, const char* operation, const std::string& value) {
-    return {title,
-            {L"get", field},
-            {"Executing 'Get' command."},
-            {"%p: " + value + " of %p"},
-            {kUnsupported},
-            Loop::GoesOn,
-            Lines{kUnspecified},
-            kEnd,
-            Closing::Always,
-            {{operation, "%p: ", "%p: " + value + " of %p"}}};
-}
-
-Row SilentRow(const char* title, Words words, const std::string& opening) {
-    return {title, std::move(words), {opening}, {}, {kUnsupported}, Loop::GoesOn, Lines{kUnspecified}, kEnd};
-}
-
-/// Commands that leave other failures to the loop, which says nothing of them.
-Row PlainRow(const char* title, Words words, const std::string& opening, const std::string& served) {
-    return {title, std::move(words), {opening}, {served}, {kUnsupported}, Loop::GoesOn, Lines{}, kEnd};
-}
-
-std::vector<Blank> Both(std::vector<Blank> left, const std::vector<Blank>& right) {
-    left.insert(left.end(), right.begin(), right.end());
-    return left;
-}
-
-std::vector<Row> Rows() {
-    return {
-        ActionRow("ActionTest", {L"action", L"Test"}, "Action Completed.", false),
-        ActionRow("ActionTestUnsupported", {L"action", L"Test"}, "Action 'Test' is not supported.", true),
-        ActionRow("ActionQuestion", {L"action", L"-n", L"Test"}, "Action 'Test' is supported.", false),
-        PlainRow("SettingsImport", {L"settings", L"import", L"%f"}, "Executing 'Import' command.",
-                 "Settings imported for '%p'."),
-        {"SettingsExport",
-         {L"settings", L"export", L"out.vqs"},
-         {"Executing 'Export' command."},
-         {"Settings exported for '%p'."},
-         {kUnsupported},
-         Loop::Stops,
-         std::nullopt,
-         kEnd,
-         Closing::WhenServed,
-         {},
-         1},
-        PlainRow("SettingsReset", {L"settings", L"reset"}, "Executing 'Settings' command.",
-                 "Settings reset for '%p'."),
-        SilentRow("SetComment", {L"set", L"comment", L"x"}, "Executing 'Set' command."),
-        SilentRow("SetLocation", {L"set", L"location", L"x"}, "Executing 'Set' command."),
-        SilentRow("SetShareName", {L"set", L"sharename", L"x"}, "Executing 'Set' command."),
-        GetRow("GetPortName", L"portname", "IDriverAutomation.GetPortName", "PortName"),
-        GetRow("GetModelName", L"modelname", "IDriverAutomation.GetModelName", "ModelName"),
-        GetRow("GetComment", L"comment", "IDriverAutomation.GetComment", "Comment"),
-        GetRow("GetLocation", L"location", "IDriverAutomation.GetLocation", "Location"),
-        GetRow("GetShareName", L"sharename", "IDriverAutomation.GetShareName", "ShareName"),
-        GetRow("GetStatus", L"status", "IPrinterInformation.GetStatus", "Status"),
-        SilentRow("QueuePause", {L"queue", L"pause"}, "Executing 'Queue' command."),
-        SilentRow("QueueResume", {L"queue", L"resume"}, "Executing 'Queue' command."),
-        SilentRow("QueuePurge", {L"queue", L"purge"}, "Executing 'Queue' command."),
-        PlainRow("Send", {L"send", L"%f"}, "Executing 'Send' command.", "File sent to '%p'."),
-        {"Version",
-         {L"version"},
-         {kServerLine, "OS: %o"},
-         {kDriverLine},
-         {},
-         Loop::Stops,
-         Lines{},
-         {},
-         Closing::Always,
-         Both(kServerBlanks, kDriverBlanks)},
-        {"VersionInterface",
-         {L"version", L"interface"},
-         {kServerLine},
-         {},
-         {},
-         Loop::Stops,
-         Lines{},
-         {},
-         Closing::Always,
-         kServerBlanks},
-        {"VersionDriver",
-         {L"version", L"driver"},
-         {},
-         {kDriverLine},
-         {},
-         Loop::Stops,
-         Lines{},
-         {},
-         Closing::Always,
-         kDriverBlanks},
-    };
-}
-
-/// One run: output and status, or the exception that left the program, and what was asked of the server.
-struct Outcome {
-    std::string output;
+    Effect fault;
+    const char* at = ""; ///< at whose objects, or at which operation; empty: wherever it can be
+    Lines printed{};
+    Then then = Then::AllTheRest;
     int status = 0;
-    bool escaped = false;
-    Lines calls;
-    Lines journal;
 };
 
-class FaultTable : public testing::TestWithParam<Row> {
+/// Command lines that do the same; "%f" is a file that is there.
+struct CommandLine {
+    std::vector<std::string> lines;
+    Lines printed{}; ///< without a fault; the status is 0
+    std::vector<Row> faults{};
+};
+
+/// The scripted driver supports every action but this one's.
+const char* const kUnsupportedAction = "action Cut";
+/// Refused for more than one printer.
+const char* const kForOnePrinter = "settings export out.vqs";
+
+const char* const kUnsupported = "The command is unsupported on this printer.";
+const char* const kUnspecified = "Unspecified error.";
+const char* const kEnd = "Finished processing command.";
+const char* const kAction = "Executing 'Action' command.";
+const char* const kExport = "Executing 'Export' command.";
+const char* const kGet = "Executing 'Get' command.";
+const char* const kImport = "Executing 'Import' command.";
+const char* const kQueue = "Executing 'Queue' command.";
+const char* const kSend = "Executing 'Send' command.";
+const char* const kSet = "Executing 'Set' command.";
+const char* const kSettings = "Executing 'Settings' command.";
+const char* const kServer = "DAL: Version [VersionDetail]";
+const char* const kNoVersion = "DAL: Unknown [VersionDetail]";
+const char* const kNoDetail = "DAL: Version [Unknown]";
+const char* const kDriver1 = "%1: DriverVersion of %1 (DriverVersionDetail of %1)";
+const char* const kDriver2 = "%2: DriverVersion of %2 (DriverVersionDetail of %2)";
+
+using enum Effect;
+using enum Then;
+
+const CommandLine kCommandLines[] = {
+    {.lines = {"action Test"},
+     .printed = {kAction, "%1:", "Action Completed.", "%2:", "Action Completed.", kEnd},
+     .faults = {{.fault = Refusal,
+                 .printed = {kAction, "%1:", "", "%2:", "Action Completed.", kEnd},
+                 .then = NextPrinter},
+                {.fault = Breakage,
+                 .printed = {kAction, "%1:", kUnspecified, kEnd},
+                 .then = Nothing,
+                 .status = 2}}},
+    {.lines = {kUnsupportedAction},
+     .printed = {kAction, "%1:", "Action 'Cut' is not supported.", "%2:", "Action 'Cut' is not supported.",
+                 kEnd},
+     .faults = {{.fault = Refusal,
+                 .printed = {kAction, "%1:", "", "%2:", "Action 'Cut' is not supported.", kEnd},
+                 .then = NextPrinter},
+                {.fault = Breakage,
+                 .printed = {kAction, "%1:", kUnspecified, kEnd},
+                 .then = Nothing,
+                 .status = 2}}},
+    {.lines = {"action -n Test"},
+     .printed = {kAction, "%1:", "Action 'Test' is supported.", "%2:", "Action 'Test' is supported.", kEnd},
+     .faults = {{.fault = Refusal,
+                 .printed = {kAction, "%1:", "", "%2:", "Action 'Test' is supported.", kEnd},
+                 .then = NextPrinter},
+                {.fault = Breakage,
+                 .printed = {kAction, "%1:", kUnspecified, kEnd},
+                 .then = Nothing,
+                 .status = 2}}},
+    {.lines = {"settings import %f"},
+     .printed = {kImport, "Settings imported for '%1'.", "Settings imported for '%2'.", kEnd},
+     .faults = {{.fault = Refusal,
+                 .printed = {kImport, kUnsupported, "Settings imported for '%2'.", kEnd},
+                 .then = NextPrinter},
+                {.fault = Breakage, .printed = {kImport, kEnd}, .then = Nothing, .status = 2}}},
+    {.lines = {"settings reset"},
+     .printed = {kSettings, "Settings reset for '%1'.", "Settings reset for '%2'.", kEnd},
+     .faults = {{.fault = Refusal,
+                 .printed = {kSettings, kUnsupported, "Settings reset for '%2'.", kEnd},
+                 .then = NextPrinter},
+                {.fault = Breakage, .printed = {kSettings, kEnd}, .then = Nothing, .status = 2}}},
+    {.lines = {kForOnePrinter},
+     .printed = {kExport, "Settings exported for '%1'.", kEnd},
+     .faults = {{.fault = Refusal, .printed = {kExport, kUnsupported}, .then = Nothing, .status = 2},
+                {.fault = Breakage, .then = OutOfProgram}}},
+    {.lines = {"get PortName", "get ModelName", "get Comment", "get Location", "get ShareName", "get Status"},
+     .printed = {kGet, "%1: %w of %1", "%2: %w of %2", kEnd},
+     .faults = {{.fault = Refusal,
+                 .printed = {kGet, kUnsupported, "%2: %w of %2", kEnd},
+                 .then = NextPrinter},
+                {.fault = Breakage, .printed = {kGet, kUnspecified, kEnd}, .then = Nothing, .status = 2},
+                {.fault = NoText, .printed = {kGet, "%1: ", "%2: %w of %2", kEnd}}}},
+    {.lines = {"set comment x", "set location x", "set sharename x"},
+     .printed = {kSet, kEnd},
+     .faults = {{.fault = Refusal, .printed = {kSet, kUnsupported, kEnd}, .then = NextPrinter},
+                {.fault = Breakage, .printed = {kSet, kUnspecified, kEnd}, .then = Nothing, .status = 2}}},
+    {.lines = {"queue pause", "queue resume", "queue purge"},
+     .printed = {kQueue, kEnd},
+     .faults = {{.fault = Refusal, .printed = {kQueue, kUnsupported, kEnd}, .then = NextPrinter},
+                {.fault = Breakage, .printed = {kQueue, kUnspecified, kEnd}, .then = Nothing, .status = 2}}},
+    {.lines = {"send %f"},
+     .printed = {kSend, "File sent to '%1'.", "File sent to '%2'.", kEnd},
+     .faults = {{.fault = Refusal,
+                 .printed = {kSend, kUnsupported, "File sent to '%2'.", kEnd},
+                 .then = NextPrinter},
+                {.fault = Breakage, .printed = {kSend, kEnd}, .then = Nothing, .status = 2}}},
+    {.lines = {"version"},
+     .printed = {kServer, "OS: %o", kDriver1, kDriver2},
+     .faults = {{.fault = Refusal, .at = "VersionInformation", .printed = {"%e"}, .then = Nothing},
+                {.fault = Breakage, .at = "VersionInformation", .then = OutOfProgram},
+                {.fault = NoText,
+                 .at = "IVersionInformation.GetVersion",
+                 .printed = {kNoVersion, "OS: %o", kDriver1, kDriver2}},
+                {.fault = NoText,
+                 .at = "IVersionInformation.GetVersionDetail",
+                 .printed = {kNoDetail, "OS: %o", kDriver1, kDriver2}},
+                {.fault = Refusal,
+                 .at = "DriverAutomation",
+                 .printed = {kServer, "OS: %o"},
+                 .then = Nothing,
+                 .status = 2},
+                {.fault = Breakage,
+                 .at = "DriverAutomation",
+                 .printed = {kServer, "OS: %o"},
+                 .then = Nothing,
+                 .status = 2},
+                {.fault = NoText,
+                 .at = "IDriverAutomation.GetDriverVersion",
+                 .printed = {kServer, "OS: %o", "%1: Unknown", kDriver2}},
+                {.fault = NoText,
+                 .at = "IDriverAutomation.GetDriverVersionDetail",
+                 .printed = {kServer, "OS: %o", "%1: DriverVersion of %1", kDriver2}}}},
+    {.lines = {"version interface"},
+     .printed = {kServer},
+     .faults = {{.fault = Refusal, .printed = {"%e"}, .then = Nothing},
+                {.fault = Breakage, .then = OutOfProgram},
+                {.fault = NoText, .at = "IVersionInformation.GetVersion", .printed = {kNoVersion}},
+                {.fault = NoText, .at = "IVersionInformation.GetVersionDetail", .printed = {kNoDetail}}}},
+    {.lines = {"version os"}, .printed = {"OS: %o"}},
+    {.lines = {"version driver"},
+     .printed = {kDriver1, kDriver2},
+     .faults = {{.fault = Refusal, .then = Nothing, .status = 2},
+                {.fault = Breakage, .then = Nothing, .status = 2},
+                {.fault = NoText,
+                 .at = "IDriverAutomation.GetDriverVersion",
+                 .printed = {"%1: Unknown", kDriver2}},
+                {.fault = NoText,
+                 .at = "IDriverAutomation.GetDriverVersionDetail",
+                 .printed = {"%1: DriverVersion of %1", kDriver2}}}},
+};
+
+class FaultTable : public testing::TestWithParam<std::string> {
   protected:
+    /// One run: output and status, or the exception that left the program, and what was asked of the server.
+    struct Outcome {
+        std::string output{};
+        int status = 0;
+        bool escaped = false;
+        Lines calls{};
+        Lines journal{};
+    };
+
     FaultTable()
         : m_release(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion", L"ReleaseId") {}
 
-    /// Runs the row's command line on a server of its own that `arm` has prepared.
-    Outcome Run(const Row& row, const std::function<void(FakeServer&)>& arm = {}) {
+    /// Runs the command line on a server of its own that `arm` has prepared.
+    Outcome Run(const std::string& line, const std::function<void(FakeServer&)>& arm = {}) {
         FakeServer server;
-        if (row.actionsUnsupported) {
+        if (line == kUnsupportedAction) {
             server.GiveFlag("IDriverActions.GetSupported", VARIANT_FALSE);
         }
         if (arm) {
             arm(server);
         }
-        Words words;
-        for (int printer = 0; printer < row.printers; ++printer) {
-            words.insert(words.end(), {L"/p", m_printers[printer].Name()});
+        Words words{L"/p", m_first.Name()};
+        if (line != kForOnePrinter) {
+            words.insert(words.end(), {L"/p", m_second.Name()});
         }
-        for (const std::wstring& word : row.words) {
-            words.push_back(word == L"%f" ? m_file.Path() : word);
+        std::istringstream rest(line);
+        for (std::string word; rest >> word;) {
+            words.push_back(word == "%f" ? m_file.Path() : std::wstring(word.begin(), word.end()));
         }
         Outcome outcome;
         try {
@@ -210,131 +236,125 @@ class FaultTable : public testing::TestWithParam<Row> {
         return outcome;
     }
 
-    /// The lines with the names filled in, as output.
-    std::string Filled(const std::vector<std::pair<Lines, int>>& parts) const {
+    /// Sees that a run did what the row says, and asked for the calls.
+    void Compare(const Outcome& outcome, const Row& row, const Lines& failure, const Lines& calls) const {
+        EXPECT_EQ(outcome.calls, calls);
+        EXPECT_EQ(outcome.escaped, row.then == OutOfProgram);
+        if (!outcome.escaped) {
+            EXPECT_EQ(outcome.output, Filled(row.printed, failure));
+            EXPECT_EQ(outcome.status, row.status);
+        }
+    }
+
+    const Balance m_balance; // first made and last gone
+    const demo::Printer m_first;
+    const demo::Printer m_second;
+    const TemporaryFile m_file;
+    const RegistryPreset m_release; // absent, so that the system has one line
+
+  private:
+    std::string Filled(const Lines& printed, const Lines& failure) const {
+        const std::string lastWord = GetParam().substr(GetParam().rfind(' ') + 1);
         Lines lines;
-        for (const auto& [part, printer] : parts) {
-            for (const std::string& line : part) {
-                const OString name(m_printers[printer].Name().c_str());
-                lines.push_back(OString(line.c_str())
-                                    .ReplaceAll("%p", name)
-                                    .ReplaceAll("%o", kemba::TheOperatingSystem().name)
-                                    .Narrow());
+        for (const std::string& line : printed) {
+            if (line == "%e") {
+                lines.insert(lines.end(), failure.begin(), failure.end());
+                continue;
             }
+            lines.push_back(OString(line.c_str())
+                                .ReplaceAll("%1", m_first.Name().c_str())
+                                .ReplaceAll("%2", m_second.Name().c_str())
+                                .ReplaceAll("%o", kemba::TheOperatingSystem().name)
+                                .ReplaceAll("%w", lastWord.c_str())
+                                .Narrow());
         }
         return Output(lines);
     }
-
-    std::string CleanOutput(const Row& row) const {
-        const Lines second = row.printers == 2 ? row.served : Lines{};
-        return Filled({{row.opening, 0}, {row.served, 0}, {second, 1}, {row.closing, 0}});
-    }
-
-    const demo::Printer m_printers[2];
-    const TemporaryFile m_file;
-    const RegistryPreset m_release; // absent, so that the system has one line
 };
 
-/// The calls of the steps from one up to, but not including, another.
-Lines CallsIn(const std::vector<Step>& steps, std::size_t from, std::size_t to) {
+const CommandLine& FindCommandLine(const std::string& line) {
+    return *std::ranges::find_if(kCommandLines, [&](const CommandLine& candidate) {
+        return std::ranges::find(candidate.lines, line) != candidate.lines.end();
+    });
+}
+
+/// The row about such a fault, or null.
+const Row* FindRow(const std::vector<Row>& rows, Effect fault, const Step& step) {
+    for (const Row& row : rows) {
+        const std::string at = row.at;
+        if (row.fault == fault && (at.empty() || at == step.className || at == step.Operation())) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+/// The calls that are made when the step of this index has a fault.
+Lines CallsWith(const std::vector<Step>& steps, std::size_t fault, Then then) {
     Lines calls;
-    for (std::size_t index = from; index < to; ++index) {
-        if (steps[index].isCall) {
+    for (std::size_t index = 0; index < steps.size(); ++index) {
+        const bool made =
+            index <= fault || then == AllTheRest || (then == NextPrinter && !steps[index].IsOfTheFirst());
+        if (made && steps[index].isCall) {
             calls.push_back(steps[index].shown);
         }
     }
     return calls;
 }
 
-std::size_t StartOfTheSecond(const std::vector<Step>& steps) {
-    const auto start =
-        std::ranges::find_if(steps, [](const Step& step) { return step.IsNew("DriverAutomation", 2); });
-    return static_cast<std::size_t>(start - steps.begin());
-}
-
-TEST_P(FaultTable, DecidesWhatIsPrintedAskedAndReturned) {
-    const Row& row = GetParam();
-    const Outcome clean = Run(row);
-    ASSERT_EQ(clean.output, CleanOutput(row));
-    ASSERT_EQ(clean.status, 0);
+TEST_P(FaultTable, SaysWhatIsPrintedAskedAndReturned) {
+    const CommandLine& table = FindCommandLine(GetParam());
+    const Outcome clean = Run(GetParam());
     const std::vector<Step> steps = StepsOf(clean.journal);
-    const std::size_t second = StartOfTheSecond(steps);
-    ASSERT_FALSE(steps.empty());
+    Compare(clean, {.fault = None, .printed = table.printed}, {}, CallsWith(steps, 0, AllTheRest));
 
+    std::set<const Row*> met;
     for (std::size_t index = 0; index < steps.size(); ++index) {
         const Step& step = steps[index];
         if (!step.IsOfTheFirst()) {
             continue;
         }
-        const bool isOfServer = step.className == "VersionInformation";
         for (const Fault& fault : FaultsAt(step)) {
             SCOPED_TRACE(step.shown + ", call " + std::to_string(step.call) + ": " + fault.title);
-            const Outcome outcome = Run(row, fault.arm);
-            std::string expected;
-            Lines calls = CallsIn(steps, 0, index + 1);
-            int status = 0;
-            bool escapes = false;
-            if (fault.effect == Effect::NoText) {
-                const std::string operation = "I" + step.className + "." + step.event;
-                const auto blank = std::ranges::find(row.blanks, operation, &Blank::operation);
-                ASSERT_NE(blank, row.blanks.end());
-                Lines opening = row.opening;
-                Lines served = row.served;
-                std::ranges::replace(opening, blank->otherwise, blank->line);
-                std::ranges::replace(served, blank->otherwise, blank->line);
-                expected = Filled({{opening, 0}, {served, 0}, {row.served, 1}, {row.closing, 0}});
-                calls = CallsIn(steps, 0, steps.size());
-            } else if (isOfServer) {
-                Lines lines = ErrorLines(fault.status);
-                lines.insert(lines.end(), fault.information.begin(), fault.information.end());
-                expected = Output(lines);
-                escapes = fault.effect == Effect::Breakage;
-            } else if (fault.effect == Effect::Refusal && row.afterRefusal == Loop::GoesOn) {
-                expected = Filled({{row.opening, 0}, {row.refused, 0}, {row.served, 1}, {row.closing, 0}});
-                const Lines more = CallsIn(steps, second, steps.size());
-                calls.insert(calls.end(), more.begin(), more.end());
-            } else {
-                const bool refused = fault.effect == Effect::Refusal;
-                escapes = !refused && !row.broken;
-                expected = Filled({{row.opening, 0},
-                                   {refused ? row.refused : row.broken.value_or(Lines{}), 0},
-                                   {row.when == Closing::Always ? row.closing : Lines{}, 0}});
-                status = 2;
-            }
-            EXPECT_EQ(outcome.escaped, escapes);
-            EXPECT_EQ(outcome.calls, calls);
-            if (!escapes) {
-                EXPECT_EQ(outcome.output, expected);
-                EXPECT_EQ(outcome.status, status);
-            }
+            const Row* const row = FindRow(table.faults, fault.effect, step);
+            ASSERT_TRUE(row) << "the table has no row for this";
+            met.insert(row);
+            Lines failure = ErrorLines(fault.status);
+            failure.insert(failure.end(), fault.information.begin(), fault.information.end());
+            Compare(Run(GetParam(), fault.arm), *row, failure, CallsWith(steps, index, row->then));
         }
     }
+    EXPECT_EQ(met.size(), table.faults.size()) << "a row of the table is never met";
 }
 
-INSTANTIATE_TEST_SUITE_P(Commands, FaultTable, testing::ValuesIn(Rows()),
-                         [](const auto& row) { return std::string(row.param.title); });
+std::vector<std::string> AllLines() {
+    std::vector<std::string> all;
+    for (const auto& [lines, printed, faults] : kCommandLines) {
+        all.insert(all.end(), lines.begin(), lines.end());
+    }
+    return all;
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, FaultTable, testing::ValuesIn(AllLines()), [](const auto& line) {
+    std::string name = line.param;
+    std::ranges::replace_if(name, [](unsigned char letter) { return !std::isalnum(letter); }, '_');
+    return name;
+});
 
 using FaultTableRows = FaultTable;
 
 TEST_F(FaultTableRows, MeetEveryOperationOfTheContract) {
     std::set<std::string> met;
-    for (const Row& row : Rows()) {
-        for (const Step& step : StepsOf(Run(row).journal)) {
+    for (const std::string& line : AllLines()) {
+        for (const Step& step : StepsOf(Run(line).journal)) {
             if (step.isCall) {
-                met.insert("I" + step.className + "." + step.event);
+                met.insert(step.Operation());
             }
         }
     }
     for (const Operation& operation : AllOperations()) {
         EXPECT_TRUE(met.contains(std::string(operation.name))) << operation.name;
     }
-}
-
-TEST_F(FaultTableRows, NeedNoneForTheSystemsVersion) {
-    const Row row{"VersionOs", {L"version", L"os"}, {"OS: %o"}, {}, {}, Loop::Stops, Lines{}, {}};
-    const Outcome outcome = Run(row);
-    EXPECT_EQ(outcome.output, CleanOutput(row));
-    EXPECT_EQ(StepsOf(outcome.journal).size(), 0U);
 }
 
 } // namespace
