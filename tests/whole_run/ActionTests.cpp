@@ -226,27 +226,11 @@ TEST_F(Action, AnUndefinedActionIsReportedPerPrinterAndSucceeds) {
     }
 }
 
-TEST_F(Action, ARefusalPrintsAnEmptyLineAndTheNextPrinterIsServed) {
-    server.Fail("IDriverAutomation.PerformAction", E_FAIL)
-        .WithInformation(L"Driver", L"Out of paper")
-        .ForPrinter(first.Name());
-    const auto run = RunOnBoth({L"action", L"Test"});
-    EXPECT_EQ(run.output, Framed({firstName + ":", "", secondName + ":", "Action Completed."}));
-    EXPECT_EQ(run.status, 0);
-}
-
 TEST_F(Action, TheNameIsPrintedBeforeTheServerIsSought) {
     server.FailActivation(FakeClass::DriverAutomation, REGDB_E_CLASSNOTREG);
     const auto run = RunOnBoth({L"action", L"Test"});
     EXPECT_EQ(run.output, Framed({firstName + ":", "", secondName + ":", ""}));
     EXPECT_EQ(run.status, 0);
-}
-
-TEST_F(Action, AnyOtherFailureStopsTheRun) {
-    server.Throw("IDriverActions.GetSupported").ForPrinter(first.Name());
-    const auto run = RunOnBoth({L"action", L"Test"});
-    EXPECT_EQ(run.output, Framed({firstName + ":", "Unspecified error."}));
-    EXPECT_EQ(run.status, 2);
 }
 
 TEST_F(Action, QuietModePrintsNothingAndActs) {

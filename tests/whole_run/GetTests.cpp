@@ -72,17 +72,6 @@ TEST_P(GetField, EmptyAndNullTextsPrintTheNameAlone) {
     EXPECT_EQ(RunOnFirst({L"get", GetParam().word}).output, FirstFramed(firstName + ": "));
 }
 
-TEST_P(GetField, ARefusalIsReportedAndTheNextPrinterServed) {
-    server.GiveText(GetParam().operation, L"value");
-    server.Fail(GetParam().operation, E_FAIL)
-        .WithInformation(L"Driver", L"Out of paper")
-        .ForPrinter(first.Name());
-    const auto run = RunOnBoth({L"get", GetParam().word});
-    EXPECT_EQ(run.output, Output({"Executing 'Get' command.", unsupported, secondName + ": value",
-                                  "Finished processing command."}));
-    EXPECT_EQ(run.status, 0);
-}
-
 TEST_F(Get, EveryPrinterHasItsOwnObjectReleasedBeforeTheNext) {
     const auto run = RunOnBoth({L"get", L"comment"});
     EXPECT_EQ(run.output,
@@ -162,14 +151,6 @@ TEST_F(Get, ARefusedBindingIsUnsupportedEvenForAnUnknownField) {
 TEST_F(Get, AMissingStatusObjectIsUnsupported) {
     server.GiveNull("IDriverAutomation.GetPrinterInformation");
     EXPECT_EQ(RunOnFirst({L"get", L"status"}).output, FirstFramed(unsupported));
-}
-
-TEST_F(Get, AnyOtherFailureStopsTheRun) {
-    server.Throw("IDriverAutomation.GetComment").ForPrinter(first.Name());
-    const auto run = RunOnBoth({L"get", L"comment"});
-    EXPECT_EQ(run.output,
-              Output({"Executing 'Get' command.", "Unspecified error.", "Finished processing command."}));
-    EXPECT_EQ(run.status, 2);
 }
 
 TEST_F(Get, QuietModePrintsNothingAndKeepsTheStatus) {

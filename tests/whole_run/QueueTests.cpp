@@ -33,10 +33,7 @@ void PrintTo(const ActionRow& row, std::ostream* out) {
     *out << row.operation;
 }
 
-class QueueAction : public Queue, public testing::WithParamInterface<ActionRow> {
-  protected:
-    const std::string interfaceAndOperation = std::string("IPrinterQueue.") + GetParam().operation;
-};
+class QueueAction : public Queue, public testing::WithParamInterface<ActionRow> {};
 
 INSTANTIATE_TEST_SUITE_P(Words, QueueAction, testing::ValuesIn(kActions),
                          [](const auto& row) { return std::string(row.param.operation); });
@@ -70,31 +67,6 @@ TEST_P(QueueAction, IsFoundInAnyCase) {
         EXPECT_EQ(server.Calls().back(),
                   "PrinterQueue#" + std::to_string(++object) + "." + GetParam().operation + "()");
     }
-}
-
-TEST_P(QueueAction, ARefusalIsReportedAndTheNextPrinterServed) {
-    server.Fail(interfaceAndOperation, E_NOTIMPL)
-        .WithInformation(L"Driver", L"Not now")
-        .ForPrinter(first.Name());
-    const auto run = RunOnBoth({L"queue", GetParam().word});
-    EXPECT_EQ(run.output, Framed({unsupported}));
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(server.Calls().back(), std::string("PrinterQueue#2.") + GetParam().operation + "()");
-}
-
-TEST_P(QueueAction, OfAMissingQueueIsUnsupported) {
-    server.GiveNull("IDriverAutomation.GetPrinterQueue").ForPrinter(first.Name());
-    const auto run = RunOnBoth({L"queue", GetParam().word});
-    EXPECT_EQ(run.output, Framed({unsupported}));
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(server.Calls().back(), std::string("PrinterQueue#1.") + GetParam().operation + "()");
-}
-
-TEST_P(QueueAction, AnyOtherFailureStopsTheRun) {
-    server.Throw(interfaceAndOperation).ForPrinter(first.Name());
-    const auto run = RunOnBoth({L"queue", GetParam().word});
-    EXPECT_EQ(run.output, Framed({"Unspecified error."}));
-    EXPECT_EQ(run.status, 2);
 }
 
 TEST_F(Queue, WithoutAWordStopsBeforeAnyObjectIsMade) {

@@ -127,20 +127,4 @@ TEST_F(Send, WithoutAFileStopsBeforeAnyObjectIsMade) {
     EXPECT_EQ(server.Journal(), (Lines{"CoInitialize(2)", "CoUninitialize()"}));
 }
 
-TEST_F(Send, ARefusalIsReportedAndTheNextPrinterServed) {
-    server.Fail("IDriverAutomation.SendFile", E_FAIL)
-        .WithInformation(L"Driver", L"Offline")
-        .ForPrinter(first.Name());
-    const auto run = RunOnBoth({L"send", file.Path()});
-    EXPECT_EQ(run.output, Framed({"The command is unsupported on this printer.", SentTo(secondName)}));
-    EXPECT_EQ(run.status, 0);
-}
-
-TEST_F(Send, AnyOtherFailureEndsTheRunWithoutAWord) {
-    server.Throw("IDriverAutomation.SendFile").ForPrinter(first.Name());
-    const auto run = RunOnBoth({L"send", file.Path()});
-    EXPECT_EQ(run.output, Framed({}));
-    EXPECT_EQ(run.status, 2);
-}
-
 } // namespace

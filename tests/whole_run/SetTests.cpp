@@ -41,8 +41,6 @@ class SetField : public Set, public testing::WithParamInterface<FieldRow> {
         return "DriverAutomation#" + std::to_string(number) + "." + GetParam().operation + "(\"" +
                Narrow(value) + "\")";
     }
-
-    const std::string interfaceAndOperation = std::string("IDriverAutomation.") + GetParam().operation;
 };
 
 INSTANTIATE_TEST_SUITE_P(Words, SetField, testing::ValuesIn(kFields),
@@ -74,24 +72,6 @@ TEST_P(SetField, PassesTheValueAsItStands) {
         EXPECT_EQ(RunOnFirst({L"set", GetParam().word, value}).output, Framed({}));
         EXPECT_EQ(server.Calls().back(), Written(++object, value));
     }
-}
-
-TEST_P(SetField, ARefusalIsReportedAndTheNextPrinterServed) {
-    server.Fail(interfaceAndOperation, E_ACCESSDENIED)
-        .WithInformation(L"Driver", L"Read only")
-        .ForPrinter(first.Name());
-    const auto run = RunOnBoth({L"set", GetParam().word, L"x"});
-    EXPECT_EQ(run.output, Framed({unsupported}));
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(server.Calls().back(), Written(2, L"x"));
-}
-
-TEST_P(SetField, AnyOtherFailureStopsTheRun) {
-    server.Throw(interfaceAndOperation).ForPrinter(first.Name());
-    const auto run = RunOnBoth({L"set", GetParam().word, L"x"});
-    EXPECT_EQ(run.output, Framed({"Unspecified error."}));
-    EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(server.Calls().size(), 2U);
 }
 
 TEST_F(Set, EveryPrinterHasItsOwnObjectReleasedBeforeTheNext) {
