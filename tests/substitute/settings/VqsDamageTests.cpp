@@ -166,8 +166,8 @@ TEST(VqsDamage, EveryDamagedFileIsRefusedOrDoesWhatItSays) {
     }
     std::printf("%d variants: %d refused, %d of another driver, %d accepted\n", kVariants, count.refused,
                 count.foreign, count.accepted);
-    EXPECT_EQ(count.refused + count.foreign + count.accepted, kVariants);
     EXPECT_GT(count.refused, kVariants / 2);
+    EXPECT_GT(count.foreign, 100);
     EXPECT_GT(count.accepted, 100); // a changed number of copies is no damage that anybody could see
 }
 
@@ -184,6 +184,7 @@ TEST(VqsDamage, AFileOfAsManyValuesAsThereMayBeStaysWithinTheBound) {
 
 TEST(VqsDamage, AForgedLengthAllocatesNothing) {
     const Bytes good = EncodeVqs(SettingsOf(MakeRichState()));
+    ASSERT_GT(good.size(), 100U);
     for (std::size_t where = 16; where + 8 <= good.size(); ++where) {
         Bytes forged = good;
         PutNumber(forged, where, 0x7FFFFFF0);
