@@ -57,7 +57,7 @@ TEST_F(RealPair, QuietModeAsksTheServerAndPrintsNothing) {
 
 TEST_F(RealPair, TheServersVersionIsTheProducts) {
     const ProcessResult run = Kemba({L"version", L"interface"});
-    EXPECT_EQ(run.output.substr(0, 11), "DAL: 1.0.0 ");
+    EXPECT_EQ(run.output, "DAL: 1.0.0 [kemba-dal, release build, on the Windows print spooler]\r\n");
     EXPECT_EQ(run.status, 0U);
 }
 

@@ -86,13 +86,9 @@ struct WholeLife : testing::Test {
         EXPECT_EQ(run.errors, "");
         return run.output;
     }
-    std::string Value(const wchar_t* field) {
-        const std::string output = On({L"get", field});
-        const std::string before = "Executing 'Get' command.\r\n" + name + ": ";
-        const std::string after = "\r\nFinished processing command.\r\n";
-        EXPECT_EQ(output.substr(0, before.size()), before);
-        EXPECT_EQ(output.substr(output.size() - after.size()), after);
-        return output.substr(before.size(), output.size() - before.size() - after.size());
+    /// What `get` prints for the printer with such a value.
+    std::string Shown(const std::wstring& value) const {
+        return Framed("Get", name + ": " + Printed(value) + "\r\n");
     }
 
     const PrinterPort port;
@@ -114,15 +110,15 @@ TEST_F(WholeLife, FieldsAreWrittenAndReadBack) {
     };
     for (const auto& [field, value] : kValues) {
         EXPECT_EQ(On({L"set", field, value}), Framed("Set", ""));
-        EXPECT_EQ(Value(field), Printed(value));
+        EXPECT_EQ(On({L"get", field}), Shown(value));
     }
-    EXPECT_EQ(Value(L"location"), "Hall 3/b\\c::d") << "what was not set stays";
+    EXPECT_EQ(On({L"get", L"location"}), Shown(L"Hall 3/b\\c::d")) << "what was not set stays";
 }
 
 TEST_F(WholeLife, ALongCommentIsWrittenAndReadBack) {
     const std::wstring value(20'000, L'x');
     EXPECT_EQ(On({L"set", L"comment", value}), Framed("Set", ""));
-    EXPECT_EQ(Value(L"comment"), Printed(value));
+    EXPECT_EQ(On({L"get", L"comment"}), Shown(value));
 }
 
 TEST_F(WholeLife, TwentyMegabytesArriveAtThePortsOtherEndByteForByte) {
@@ -191,8 +187,8 @@ TEST_F(WholeLife, TheQueueRefusesWhereTheSpoolerHasNoControl) {
     }
 }
 
-TEST_F(WholeLife, TheDriversVersionIsToldOrUnknown) {
-    EXPECT_EQ(On({L"version", L"driver"}).substr(0, name.size() + 2), name + ": ");
+TEST_F(WholeLife, TheDriversVersionIsThatOfItsFile) {
+    EXPECT_EQ(On({L"version", L"driver"}), name + ": 10.0.0.0\r\n"); // as Wine's own files have it
 }
 
 TEST_F(WholeLife, AnEmptyFileIsRefused) {

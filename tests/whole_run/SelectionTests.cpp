@@ -1,6 +1,7 @@
 // Selection in whole runs: which printers a command line works on.
 #include "core/SystemCalls.h"
 #include "demo/SpoolerLock.h"
+#include "messages/TextResource.h"
 #include "tests/whole_run/WholeRunTest.h"
 
 using namespace kit;
@@ -75,7 +76,7 @@ TEST_F(WholeSelection, AllPrintersIncludeBothAndDoNotCheckNames) {
 
 TEST_F(WholeSelection, TheQuestionMarkWinsOverEverything) {
     const auto run = Run({L"/p", L"A", L"/?", L"get"});
-    EXPECT_EQ(run.output.substr(0, run.output.find("\r\n")), "KEMBA - Brandle Driver Automation Layer");
+    EXPECT_EQ(run.output, Output({TextResource().GetText("help:help").Narrow()}));
     EXPECT_EQ(run.status, 0);
 }
 
