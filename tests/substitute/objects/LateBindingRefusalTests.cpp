@@ -192,7 +192,7 @@ TEST_F(LateBindingRefusal, NoArgumentsEverBringOutWordsOfTheRuntime) {
     const VARIANT kinds[] = {
         text, number, null, VARIANT{}, LeftOut(), Reference(variable), Reference(VT_VARIANT, nullptr)};
     constexpr int kKinds = std::size(kinds);
-    int calls = 0;
+    int explained = 0;
     for (const auto& [object, count] : objects) {
         for (DISPID member = 1; member <= count; ++member) {
             for (int chosen = 0; chosen < kKinds * kKinds * 3; ++chosen) {
@@ -203,16 +203,16 @@ TEST_F(LateBindingRefusal, NoArgumentsEverBringOutWordsOfTheRuntime) {
                 SCOPED_TRACE(testing::Message() << "member " << member << ", arguments " << chosen);
                 const HRESULT status = object->Invoke(member, IID_NULL, 0, DISPATCH_METHOD, &arguments,
                                                       &result, &told.exception, &told.wrongArgument);
-                ++calls;
                 EXPECT_TRUE(told.exception.scode != E_FAIL && status != E_FAIL);
                 EXPECT_TRUE(SpeaksForItself(told.Description()));
                 if (status == DISP_E_EXCEPTION) {
+                    ++explained;
                     EXPECT_FALSE(told.Description().empty());
                 }
             }
         }
     }
-    EXPECT_EQ(calls, (23 + 3 + 4 + 1 + 9 + 2) * kKinds * kKinds * 3);
+    EXPECT_GT(explained, 99999);
     spooler.printers[L"Label A"].comment = L"by the door"; // numbers make comments
 }
 
