@@ -115,11 +115,6 @@ TEST_F(Activation, ASuccessWithoutAnObjectBecomesAnInvalidPointerAtTheFirstCall)
     EXPECT_EQ(server.Calls(), Lines{});
 }
 
-TEST_F(Activation, BindingPutsThePrintersNameAtOnce) {
-    ActivateForPrinter(L"Label A");
-    EXPECT_EQ(server.Calls(), Lines{"DriverAutomation#1.PutPrinterName(\"Label A\")"});
-}
-
 TEST_F(Activation, TwoPrintersAreTwoObjectsEachBoundOnce) {
     ActivateForPrinter(L"Label A");
     ActivateForPrinter(L"Label B");
