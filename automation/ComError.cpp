@@ -32,7 +32,7 @@ ComError::ComError(HRESULT status, ComPtr<IErrorInfo> information) noexcept
     : m_status(status), m_information(std::move(information)) {}
 
 ComError::ComError(const ComError& other) noexcept
-    : m_status(other.m_status), m_information(ComPtr<IErrorInfo>::Share(other.GetInformation())) {}
+    : m_status(other.m_status), m_information(ComPtr<IErrorInfo>::Share(other.Information())) {}
 
 const wchar_t* ComError::GetMessageText() const {
     if (!m_message) {

@@ -18,9 +18,9 @@ class ComError {
     ComError(const ComError& other) noexcept;
     ComError& operator=(const ComError&) = delete;
 
-    HRESULT GetStatus() const { return m_status; }
+    HRESULT Status() const { return m_status; }
     /// The error information, still owned by this error; may be null.
-    IErrorInfo* GetInformation() const { return m_information.Get(); }
+    IErrorInfo* Information() const { return m_information.Get(); }
     /// The system's text for the status without its line end, or a text with the status's number; owned by
     /// this error. Throws std::bad_alloc when there is no memory for either.
     const wchar_t* GetMessageText() const;

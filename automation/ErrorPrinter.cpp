@@ -16,7 +16,7 @@ OString Ask(IErrorInfo* information, HRESULT (IErrorInfo::*question)(BSTR*)) {
 
 void PrintComError(ConsoleOutput& console, const ComError& error) {
     console.PrintMessage("error:COM", error.GetMessageText());
-    IErrorInfo* const information = error.GetInformation();
+    IErrorInfo* const information = error.Information();
     if (!information) {
         return;
     }

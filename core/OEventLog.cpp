@@ -88,7 +88,7 @@ void OEventLogBase::Sweep() {
     const OScopedLock hold(registry.lock);
     const std::uint32_t now = Now();
     OStringArray unused;
-    for (const OString& source : registry.bases.GetKeys()) {
+    for (const OString& source : registry.bases.Keys()) {
         const std::shared_ptr<OEventLogBase> base = registry.bases.Find(source);
         const bool held = base.use_count() != 2; // besides the registry and this function
         if (!held && now - base->m_lastRefresh > kUnusedMilliseconds) {

@@ -71,7 +71,7 @@ class OEventLog : public OEventLogTagList {
     /// Whether any of the category bits is switched on; false without any base.
     bool IsEnabled(std::uint32_t bits) const;
 
-    const std::shared_ptr<OEventLogBase>& GetBase() const { return m_base; }
+    const std::shared_ptr<OEventLogBase>& Base() const { return m_base; }
 
   private:
     OCriticalSection m_lock;

@@ -40,7 +40,7 @@ class OFile : public OCore::OStream {
     /// Reads up to `count` bytes; returns how many were read.
     virtual std::uint32_t Read(void* buffer, std::uint32_t count);
 
-    const OString& GetName() const { return m_name; }
+    const OString& Name() const { return m_name; }
 
     /// Whether the file can be opened for reading, others reading and writing it.
     static bool Exists(const OString& name);

@@ -62,7 +62,7 @@ class OHashMap {
     }
 
     /// The keys in array order, that is by their hashes.
-    const OTypedArray<Key>& GetKeys() const { return m_keys; }
+    const OTypedArray<Key>& Keys() const { return m_keys; }
 
     /// The first position whose hash is not smaller than `hash`, from 0 to the size.
     std::int32_t PositionOf(std::uint32_t hash) const {

@@ -14,7 +14,7 @@ namespace {
 
 ActionOutcome SendBytes(const ActionProfiles& profiles, const Printer& printer, const Action& action,
                         bool execute) {
-    const auto profile = profiles.Find(printer.GetName(), printer.Describe().modelName);
+    const auto profile = profiles.Find(printer.Name(), printer.Describe().modelName);
     const auto entry =
         profile ? profile->find(static_cast<LONG>(action.code)) : ActionProfile::const_iterator();
     if (!profile || entry == profile->end()) {

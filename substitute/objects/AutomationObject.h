@@ -128,8 +128,7 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
         } catch (...) {
             const std::shared_ptr<const Printer> printer = BoundPrinter();
             return ReportCurrentException(__uuidof(Interface), operation,
-                                          printer ? std::wstring_view(printer->GetName())
-                                                  : std::wstring_view());
+                                          printer ? std::wstring_view(printer->Name()) : std::wstring_view());
         }
     }
     /// The same for an operation with an out argument, which is cleared first.

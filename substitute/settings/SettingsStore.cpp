@@ -59,9 +59,9 @@ class Session {
     DWORD Merge(const Bytes& mode, Bytes& merged) const {
         Bytes named = mode;
         wchar_t name[CCHDEVICENAME] = {};
-        m_handle.GetName().copy(name, CCHDEVICENAME - 1);
+        m_handle.Name().copy(name, CCHDEVICENAME - 1);
         std::memcpy(named.data() + offsetof(DEVMODEW, dmDeviceName), name, sizeof(name));
-        const DWORD error = m_spooler.MergeMode(m_handle.Get(), m_handle.GetName(), named, merged);
+        const DWORD error = m_spooler.MergeMode(m_handle.Get(), m_handle.Name(), named, merged);
         return error != ERROR_SUCCESS || (!merged.empty() && ModeSize(merged) == merged.size())
                    ? error
                    : ERROR_INVALID_DATA;

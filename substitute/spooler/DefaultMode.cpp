@@ -22,7 +22,7 @@ DWORD AskDriver(const PrinterHandle& handle, Bytes& mode) {
         return error;
     }
     return IsBelowFolder(library, folder)
-               ? handle.GetSpooler().AskLibraryForMode(library, handle.GetName(), mode)
+               ? handle.GetSpooler().AskLibraryForMode(library, handle.Name(), mode)
                : ERROR_CALL_NOT_IMPLEMENTED;
 }
 
@@ -55,7 +55,7 @@ class HiddenPrinter {
         m_spooler.Close(m_handle);
     }
 
-    const std::wstring& GetName() const { return m_name; }
+    const std::wstring& Name() const { return m_name; }
     DWORD Delete() {
         const DWORD error = m_deleted ? ERROR_SUCCESS : m_spooler.Delete(m_handle);
         m_deleted = error == ERROR_SUCCESS;
@@ -73,9 +73,9 @@ Bytes AskFreshPrinter(const PrinterHandle& handle) {
     const Bytes record = handle.Read(2);
     HiddenPrinter fresh(handle.GetSpooler(), *reinterpret_cast<const PRINTER_INFO_2W*>(record.data()));
     const std::optional<Bytes> mode =
-        PrinterHandle(handle.GetSpooler(), fresh.GetName(), PRINTER_ACCESS_USE).ReadMode(ModeLevel::Global);
+        PrinterHandle(handle.GetSpooler(), fresh.Name(), PRINTER_ACCESS_USE).ReadMode(ModeLevel::Global);
     if (const DWORD error = fresh.Delete(); error != ERROR_SUCCESS) {
-        throw WindowsFailure(L"deleting the hidden printer \"" + fresh.GetName() + L"\" failed", error);
+        throw WindowsFailure(L"deleting the hidden printer \"" + fresh.Name() + L"\" failed", error);
     }
     return mode.value_or(Bytes());
 }

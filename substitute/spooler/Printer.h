@@ -49,7 +49,7 @@ class Printer {
     Printer(Spooler& spooler, PrinterLocks& locks, const std::wstring& name);
 
     /// The name as it was given to the constructor.
-    const std::wstring& GetName() const { return m_name; }
+    const std::wstring& Name() const { return m_name; }
 
     /// Ask the spooler afresh. Throw Failure.
     PrinterDescription Describe() const;

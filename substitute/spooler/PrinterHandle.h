@@ -29,7 +29,7 @@ class PrinterHandle {
     Spooler& GetSpooler() const { return m_spooler; }
     HANDLE Get() const { return m_handle; }
     /// The name by which it was opened.
-    const std::wstring& GetName() const { return m_name; }
+    const std::wstring& Name() const { return m_name; }
 
     /// The printer's record of a level. Throws Failure.
     Bytes Read(DWORD level) const;

@@ -36,8 +36,8 @@ Failure FailureOf(const std::function<void()>& work) {
         work();
         ADD_FAILURE() << "nothing was thrown";
     } catch (const ComError& error) {
-        failure.status = error.GetStatus();
-        if (IErrorInfo* const information = error.GetInformation()) {
+        failure.status = error.Status();
+        if (IErrorInfo* const information = error.Information()) {
             failure.hasInformation = true;
             OwnedBstr text;
             information->GetSource(text.Put());
@@ -197,8 +197,8 @@ TEST(TextArgument, ATextThatCannotBeAllocatedIsOutOfMemory) {
         kemba::TextArgument(std::wstring_view(L"", 0x7FFFFFFF)); // more than a BSTR can count, and never read
         FAIL() << "allocated";
     } catch (const kemba::ComError& error) {
-        EXPECT_EQ(error.GetStatus(), E_OUTOFMEMORY);
-        EXPECT_EQ(error.GetInformation(), nullptr);
+        EXPECT_EQ(error.Status(), E_OUTOFMEMORY);
+        EXPECT_EQ(error.Information(), nullptr);
     }
 }
 

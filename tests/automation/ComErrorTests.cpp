@@ -91,8 +91,8 @@ TEST(ComError, CopiesCarryStatusAndInformation) {
         EXPECT_STREQ(error.GetMessageText(), ComError(E_FAIL).GetMessageText());
         const ComError copy =
             error; // NOLINT(performance-unnecessary-copy-initialization): the copy is the test
-        EXPECT_EQ(copy.GetStatus(), E_FAIL);
-        EXPECT_EQ(copy.GetInformation(), information.Get());
+        EXPECT_EQ(copy.Status(), E_FAIL);
+        EXPECT_EQ(copy.Information(), information.Get());
         EXPECT_STREQ(copy.GetMessageText(), error.GetMessageText());
     }
     // Both are gone, and with them every reference but the creator's and ours.

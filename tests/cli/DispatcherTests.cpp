@@ -112,7 +112,7 @@ TEST_F(Dispatcher, WhatARunThrowsPassesThrough) {
         Dispatch({L"throw"});
         FAIL() << "nothing was thrown";
     } catch (const kemba::ComError& error) {
-        EXPECT_EQ(error.GetStatus(), E_ABORT);
+        EXPECT_EQ(error.Status(), E_ABORT);
     }
     EXPECT_EQ(console.Output(), "");
 }

@@ -36,7 +36,7 @@ class StoredMask : public RegistryPreset {
         : RegistryPreset(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Brandle\\Drivers\\DebugLogMasks", NameOf(suffix)),
           m_source(NameOf(suffix).c_str()) {}
 
-    const OString& GetSource() const { return m_source; }
+    const OString& Source() const { return m_source; }
     void SetMask(std::uint32_t mask) const { Set(RegistryData::OfDword(mask)); }
 
   private:

@@ -70,7 +70,7 @@ void SetValueExactly(HKEY root, const std::wstring& key, std::wstring name, cons
 class ExactMask : public StoredMask {
   public:
     void Set(const RegistryData& data) const {
-        const std::wstring name = GetSource().Wide();
+        const std::wstring name = Source().Wide();
         SetValueExactly(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Brandle\\Drivers\\DebugLogMasks", name, data);
     }
 };
@@ -106,7 +106,7 @@ TEST(HostileRegistry, AMaskIsFourBytesOfAnyType) {
         stored.Set(value);
         const std::uint32_t mask =
             value.bytes.size() == 4 ? MaskFrom(value.bytes) : OEventLogBase::kDefaultMask;
-        OEventLogBase log(stored.GetSource());
+        OEventLogBase log(stored.Source());
         EXPECT_EQ(MaskOf(log), mask);
         EXPECT_EQ(stored.Get(), RegistryData::OfDword(mask));
     });
@@ -117,7 +117,7 @@ TEST(HostileRegistry, AMaskThatChangesIsFourBytesOfAnyType) {
     stored.SetMask(0x1);
     std::uint64_t tick = 1'000;
     StoppedClock clock(tick);
-    OEventLogBase log(stored.GetSource());
+    OEventLogBase log(stored.Source());
     ForEveryValue([&](const RegistryData& value) {
         stored.Set(value);
         clock.Show(tick += 5'001);

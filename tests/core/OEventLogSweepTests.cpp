@@ -20,8 +20,8 @@ class EventLogSweep : public testing::Test {
     /// Starts with the clock at `tick`, both sources having a base.
     void Start(std::uint64_t tick) {
         m_clock.Show(tick);
-        m_log = std::make_unique<OEventLog>(m_asking->GetSource());
-        m_otherLog = std::make_unique<OEventLog>(m_other->GetSource());
+        m_log = std::make_unique<OEventLog>(m_asking->Source());
+        m_otherLog = std::make_unique<OEventLog>(m_other->Source());
     }
     void AskAt(std::uint64_t tick) {
         m_clock.Show(tick);
@@ -55,7 +55,7 @@ TEST_F(EventLogSweep, KeepsABaseThatALogHolds) {
     Start(400'000);
     AskAt(900'000);
     EXPECT_EQ(OEventLogBase::CountBases(), 2);
-    EXPECT_EQ(m_otherLog->GetBase(), OEventLog(m_other->GetSource()).GetBase());
+    EXPECT_EQ(m_otherLog->Base(), OEventLog(m_other->Source()).Base());
 }
 
 TEST_F(EventLogSweep, KeepsABaseThatWasRefreshedLately) {
@@ -109,7 +109,7 @@ TEST_F(EventLogSweep, TakesTheMaskAnewForALogThatComesLater) {
     m_otherLog.reset();
     AskAt(530'000);
     m_other->SetMask(0x10000000);
-    EXPECT_TRUE(OEventLog(m_other->GetSource()).IsEnabled(0x10000000));
+    EXPECT_TRUE(OEventLog(m_other->Source()).IsEnabled(0x10000000));
     EXPECT_EQ(OEventLogBase::CountBases(), 2);
 }
 
@@ -119,10 +119,10 @@ TEST_F(EventLogSweep, RemovesSeveralBasesAtOnce) {
     const StoredMask third(L"third");
     const StoredMask fourth(L"fourth");
     {
-        const OEventLog log(third.GetSource());
+        const OEventLog log(third.Source());
     }
     {
-        const OEventLog log(fourth.GetSource());
+        const OEventLog log(fourth.Source());
     }
     EXPECT_EQ(OEventLogBase::CountBases(), 4);
     AskAt(530'000);

@@ -25,7 +25,7 @@ std::uint32_t MaskOf(const OEventLog& log) {
 
 TEST(OEventLog, WithoutAStoredMaskTakesTheDefaultOneAndStoresIt) {
     const StoredMask stored;
-    const OEventLog log(stored.GetSource());
+    const OEventLog log(stored.Source());
     EXPECT_EQ(MaskOf(log), kDefault);
     EXPECT_FALSE(log.IsEnabled(kCommandLine));
     EXPECT_EQ(stored.Get(), RegistryData::OfDword(kDefault));
@@ -37,7 +37,7 @@ TEST(OEventLog, TakesTheStoredMask) {
         SCOPED_TRACE(mask);
         const StoredMask stored(std::to_wstring(++number));
         stored.SetMask(mask);
-        EXPECT_EQ(MaskOf(OEventLog(stored.GetSource())), mask);
+        EXPECT_EQ(MaskOf(OEventLog(stored.Source())), mask);
         EXPECT_EQ(stored.Get(), RegistryData::OfDword(mask));
     }
 }
@@ -45,7 +45,7 @@ TEST(OEventLog, TakesTheStoredMask) {
 TEST(OEventLog, IsEnabledWhenAnyOfTheBitsIs) {
     const StoredMask stored;
     stored.SetMask(kCommandLine);
-    const OEventLog log(stored.GetSource());
+    const OEventLog log(stored.Source());
     EXPECT_TRUE(log.IsEnabled(kCommandLine));
     EXPECT_FALSE(log.IsEnabled(0x20000000));
     EXPECT_TRUE(log.IsEnabled(0x30000000));
@@ -65,7 +65,7 @@ TEST(OEventLog, TakesTheDefaultMaskForAValueOfAnotherSize) {
         SCOPED_TRACE(row.bytes.size());
         const StoredMask stored(std::to_wstring(++number));
         stored.Set(row);
-        EXPECT_EQ(MaskOf(OEventLog(stored.GetSource())), kDefault);
+        EXPECT_EQ(MaskOf(OEventLog(stored.Source())), kDefault);
         EXPECT_EQ(stored.Get(), RegistryData::OfDword(kDefault));
     }
 }
@@ -73,7 +73,7 @@ TEST(OEventLog, TakesTheDefaultMaskForAValueOfAnotherSize) {
 TEST(OEventLog, TakesFourBytesOfAnyTypeAsAMask) {
     const StoredMask stored;
     stored.Set(RegistryData::OfBytes(REG_BINARY, {0, 0, 0, 0x10}));
-    EXPECT_EQ(MaskOf(OEventLog(stored.GetSource())), kCommandLine);
+    EXPECT_EQ(MaskOf(OEventLog(stored.Source())), kCommandLine);
     EXPECT_EQ(stored.Get(), RegistryData::OfDword(kCommandLine)); // written back as what it is
 }
 
@@ -81,10 +81,10 @@ TEST(OEventLog, OfOneSourceSharesItsBaseAndReadsItOnce) {
     StoppedClock clock(1'000);
     const StoredMask stored;
     stored.SetMask(kCommandLine);
-    const OEventLog first(stored.GetSource());
+    const OEventLog first(stored.Source());
     stored.SetMask(0);
-    const OEventLog second(OString(stored.GetSource().Wide()));
-    EXPECT_EQ(first.GetBase(), second.GetBase());
+    const OEventLog second(OString(stored.Source().Wide()));
+    EXPECT_EQ(first.Base(), second.Base());
     EXPECT_TRUE(second.IsEnabled(kCommandLine));
     EXPECT_EQ(stored.Get(), RegistryData::OfDword(0));
 }
@@ -92,9 +92,9 @@ TEST(OEventLog, OfOneSourceSharesItsBaseAndReadsItOnce) {
 TEST(OEventLog, OfSourcesInDifferentCaseHasDifferentBases) {
     const StoredMask stored(L"a");
     const StoredMask other(L"A");
-    const OEventLog first(stored.GetSource());
-    const OEventLog second(other.GetSource());
-    EXPECT_NE(first.GetBase(), second.GetBase());
+    const OEventLog first(stored.Source());
+    const OEventLog second(other.Source());
+    EXPECT_NE(first.Base(), second.Base());
     EXPECT_EQ(OEventLogBase::CountBases(), 2);
 }
 
@@ -102,7 +102,7 @@ TEST(OEventLog, SeesAChangeMoreThanFiveSecondsAfterTheLastRefresh) {
     const std::uint64_t start = 100'000;
     StoppedClock clock(start);
     const StoredMask stored;
-    const OEventLog log(stored.GetSource());
+    const OEventLog log(stored.Source());
     stored.SetMask(kCommandLine);
     for (const std::uint64_t passed : {0U, 1U, 4'999U, 5'000U}) {
         SCOPED_TRACE(passed);
@@ -123,7 +123,7 @@ TEST(OEventLog, RefreshesAcrossTheWrapOfThe32BitTick) {
     const std::uint64_t start = 0x1'FFFF'FF00;
     StoppedClock clock(start);
     const StoredMask stored;
-    const OEventLog log(stored.GetSource());
+    const OEventLog log(stored.Source());
     stored.SetMask(kCommandLine);
     clock.Show(start + 5'000);
     EXPECT_FALSE(log.IsEnabled(kCommandLine));
@@ -134,7 +134,7 @@ TEST(OEventLog, RefreshesAcrossTheWrapOfThe32BitTick) {
 TEST(OEventLog, CountsTheLow32BitsOfTheTickOnly) {
     StoppedClock clock(1'000);
     const StoredMask stored;
-    const OEventLog log(stored.GetSource());
+    const OEventLog log(stored.Source());
     stored.SetMask(kCommandLine);
     clock.Show(0x1'0000'0000 + 6'000);
     EXPECT_FALSE(log.IsEnabled(kCommandLine));
@@ -146,7 +146,7 @@ TEST(OEventLog, DoesNotStoreTheMaskWhenItRefreshes) {
     StoppedClock clock(1'000);
     const StoredMask stored;
     stored.SetMask(kCommandLine);
-    const OEventLog log(stored.GetSource());
+    const OEventLog log(stored.Source());
     stored.Remove();
     clock.Show(7'000);
     EXPECT_EQ(MaskOf(log), kDefault);
@@ -158,11 +158,11 @@ TEST(OEventLog, AnswersThroughTheNearestParentWithABase) {
     const StoredMask farthest(L"far");
     nearest.SetMask(1);
     farthest.SetMask(2);
-    const auto top = std::make_shared<OEventLog>(farthest.GetSource());
-    const auto parent = std::make_shared<OEventLog>(nearest.GetSource());
+    const auto top = std::make_shared<OEventLog>(farthest.Source());
+    const auto parent = std::make_shared<OEventLog>(nearest.Source());
     const auto child = std::make_shared<OEventLog>(parent);
     const OEventLog grandchild(child);
-    EXPECT_EQ(grandchild.GetBase(), nullptr);
+    EXPECT_EQ(grandchild.Base(), nullptr);
     EXPECT_EQ(MaskOf(grandchild), 1U);
     EXPECT_EQ(MaskOf(*child), 1U);
     EXPECT_EQ(MaskOf(OEventLog(top)), 2U);
@@ -177,7 +177,7 @@ TEST(OEventLog, WithoutAnyBaseIsNeverEnabled) {
 TEST(OEventLog, AnswersSeveralThreads) {
     const StoredMask stored;
     stored.SetMask(kCommandLine);
-    const OEventLog log(stored.GetSource());
+    const OEventLog log(stored.Source());
     std::vector<std::thread> threads;
     std::vector<int> wrong(4, -1);
     StoppedClock clock(GetTickCount64());
@@ -198,11 +198,11 @@ TEST(OEventLog, AnswersSeveralThreads) {
 
 TEST(OEventLog, GivesSeveralThreadsOneBase) {
     const StoredMask stored;
-    const std::wstring source = stored.GetSource().Wide();
+    const std::wstring source = stored.Source().Wide();
     std::vector<std::thread> threads;
     std::vector<std::shared_ptr<OEventLogBase>> bases(8);
     for (auto& base : bases) {
-        threads.emplace_back([&] { base = OEventLog(source.c_str()).GetBase(); });
+        threads.emplace_back([&] { base = OEventLog(source.c_str()).Base(); });
     }
     for (std::thread& thread : threads) {
         thread.join();
@@ -234,11 +234,11 @@ TEST(OEventLogBase, GivesItsEventSourceBackWhenItHasOne) {
     const StoredMask stored;
     int source = 0;
     {
-        const OEventLogBase without(stored.GetSource());
+        const OEventLogBase without(stored.Source());
     }
     EXPECT_TRUE(g_deregistered.empty());
     {
-        const BaseWithEventSource with(stored.GetSource(), &source);
+        const BaseWithEventSource with(stored.Source(), &source);
     }
     EXPECT_EQ(g_deregistered, std::vector<HANDLE>{&source});
 }

@@ -34,8 +34,8 @@ TEST(OEventLogThreads, AnswerByOneOfTheMasksWhileTheValueChanges) {
     const StoredMask stored;
     stored.SetMask(0x1);
     const RunningClock clock;
-    const OEventLog log(stored.GetSource());
-    const OEventLog child(std::make_shared<OEventLog>(stored.GetSource()));
+    const OEventLog log(stored.Source());
+    const OEventLog child(std::make_shared<OEventLog>(stored.Source()));
     std::atomic<int> wrong{0};
     AtOnce(kThreads, [&](int thread) {
         for (int round = 0; round < 400; ++round) {
@@ -57,7 +57,7 @@ TEST(OEventLogThreads, AnswerByOneOfTheMasksWhileTheValueChanges) {
 
 TEST(OEventLogThreads, ThatAskFirstGetOneBaseOfASource) {
     const StoredMask stored;
-    const std::wstring source = stored.GetSource().Wide();
+    const std::wstring source = stored.Source().Wide();
     std::array<std::shared_ptr<OEventLogBase>, kThreads> bases;
     AtOnce(kThreads, [&](int thread) {
         bases[static_cast<std::size_t>(thread)] = OEventLogBase::Fetch(source.c_str());
@@ -83,7 +83,7 @@ TEST(OEventLogThreads, OpenAndCloseLogsOfManySourcesWhileOthersAreSweptOut) {
     AtOnce(kThreads, [&](int thread) {
         for (std::uint32_t round = 0; round < 300; ++round) {
             const std::uint32_t index = (static_cast<std::uint32_t>(thread) + round) % 4;
-            const OEventLog log(OString(all[index]->GetSource().Wide()));
+            const OEventLog log(OString(all[index]->Source().Wide()));
             wrong += log.IsEnabled(1U << index) ? 0 : 1;
             wrong += log.IsEnabled(~(1U << index)) ? 1 : 0;
         }

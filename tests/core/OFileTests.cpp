@@ -70,7 +70,7 @@ TEST(OFile, OpensNoMissingFile) {
         EXPECT_FALSE(file.Open(temporary.GetName(), mode));
         EXPECT_EQ(file.GetSize(), 0U);
     }
-    EXPECT_EQ(file.GetName(), temporary.GetName());
+    EXPECT_EQ(file.Name(), temporary.GetName());
     EXPECT_FALSE(OFile::Exists(temporary.GetName()));
 }
 

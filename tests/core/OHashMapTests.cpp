@@ -98,7 +98,7 @@ TEST(OHashMap, AnInsertThatMemoryIsTooShortForLeavesTheMapAsItWas) {
             EXPECT_TRUE(failing.HasFailed());
         }
         EXPECT_EQ(map.GetSize(), 1);
-        EXPECT_EQ(map.GetKeys().GetSize(), 1);
+        EXPECT_EQ(map.Keys().GetSize(), 1);
         EXPECT_EQ(map.Find({10, 2}, -1), -1);
         EXPECT_EQ(map.Find({10, 1}, -1), 1);
         EXPECT_TRUE(map.Insert({10, 2}, 2));
@@ -110,7 +110,7 @@ TEST(OHashMap, AnInsertThatMemoryIsTooShortForLeavesTheMapAsItWas) {
 TEST(OHashMap, MayBeGivenOneOfItsOwnKeys) {
     OStringMap<int> map;
     EXPECT_TRUE(map.Insert("a", 1));
-    EXPECT_TRUE(map.Insert(map.GetKeys()[0], 2));
+    EXPECT_TRUE(map.Insert(map.Keys()[0], 2));
     EXPECT_EQ(map.Find("a", 0), 2);
 }
 
@@ -122,11 +122,11 @@ TEST(OHashMap, KeepsItsKeysSortedByHash) {
         EXPECT_TRUE(map.Insert({hash, i}, i));
     }
     ASSERT_EQ(map.GetSize(), 500);
-    ASSERT_EQ(map.GetKeys().GetSize(), 500);
+    ASSERT_EQ(map.Keys().GetSize(), 500);
     for (std::int32_t i = 1; i < 500; ++i) {
-        EXPECT_LE(map.GetKeys()[i - 1].hash, map.GetKeys()[i].hash);
+        EXPECT_LE(map.Keys()[i - 1].hash, map.Keys()[i].hash);
     }
-    for (const NamedHash& key : map.GetKeys()) {
+    for (const NamedHash& key : map.Keys()) {
         EXPECT_EQ(map.Find(key, -1), key.name);
     }
 }

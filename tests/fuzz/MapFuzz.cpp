@@ -85,8 +85,7 @@ void Compare(const Map& map, const Model<Key>& model, Same same) {
     std::vector<Key> expected;
     std::transform(model.Entries().begin(), model.Entries().end(), std::back_inserter(expected), keys);
     EXPECT_EQ(map.GetSize(), static_cast<std::int32_t>(expected.size()));
-    EXPECT_TRUE(
-        std::equal(map.GetKeys().begin(), map.GetKeys().end(), expected.begin(), expected.end(), same));
+    EXPECT_TRUE(std::equal(map.Keys().begin(), map.Keys().end(), expected.begin(), expected.end(), same));
 }
 
 FUZZ_TARGET(HashMaps, 4000) {
