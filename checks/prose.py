@@ -50,8 +50,8 @@ def is_missing(name, root, sources):
         return True
     if verb := re.match(r"\./dev ([a-z]+)((?: [a-z]+)*)", name):
         checks = verb[2].split() if verb[1] == "check" else []
-        return any(f"\n{function}() {{" not in sources["dev"]
-                   for function in [f"verb_{verb[1]}", *(f"check_{check}" for check in checks)])
+        places = [rf"verb_{verb[1]}\(\)", *(rf"check_{check}\(\)|{check}_checks=" for check in checks)]
+        return not all(re.search(rf"(?m)^({place})", sources["dev"]) for place in places)
     text = "\n".join(sources.values())
     if test := re.fullmatch(r"([A-Z]\w+)\.([A-Z]\w+)", name):
         return name not in text and not re.search(rf"\(\s*{test[1]},\s*{test[2]}\b", text)
