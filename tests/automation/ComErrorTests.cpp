@@ -10,6 +10,7 @@
 #include "automation/ComError.h"
 #include "automation/Owners.h"
 #include "tests/kit/Holdings.h"
+#include "tests/kit/Owners.h"
 
 using namespace kit;
 
@@ -84,8 +85,7 @@ TEST(ComError, ANumberWithoutTheMemoryForItsTextIsToldByAnException) {
 TEST(ComError, CopiesCarryStatusAndInformation) {
     ComPtr<ICreateErrorInfo> creator;
     ASSERT_EQ(CreateErrorInfo(creator.Put()), S_OK);
-    ComPtr<IErrorInfo> information;
-    ASSERT_EQ(creator->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(information.Put())), S_OK);
+    const auto information = Query<IErrorInfo>(*creator);
     {
         const ComError error(E_FAIL, ComPtr<IErrorInfo>::Share(information.Get()));
         EXPECT_STREQ(error.GetMessageText(), ComError(E_FAIL).GetMessageText());
@@ -95,9 +95,7 @@ TEST(ComError, CopiesCarryStatusAndInformation) {
         EXPECT_EQ(copy.Information(), information.Get());
         EXPECT_STREQ(copy.GetMessageText(), error.GetMessageText());
     }
-    // Both are gone, and with them every reference but the creator's and ours.
-    creator.Reset();
-    EXPECT_EQ(information.Detach()->Release(), 0U);
+    EXPECT_EQ(ReferencesTo(*information), 2U); // the creator's and ours
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 
 #include "automation/ErrorPrinter.h"
 #include "automation/Owners.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/StdoutCapture.h"
 
 using namespace kit;
@@ -29,9 +30,7 @@ std::string Printed(const ComError& error, bool quiet = false) {
 /// Error information as a server makes it; null leaves a text out.
 ComPtr<IErrorInfo> MakeInformation(const wchar_t* source, const wchar_t* description) {
     ComPtr<ICreateErrorInfo> creator;
-    ComPtr<IErrorInfo> information;
-    if (FAILED(CreateErrorInfo(creator.Put())) ||
-        FAILED(creator->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(information.Put())))) {
+    if (FAILED(CreateErrorInfo(creator.Put()))) {
         ADD_FAILURE() << "no error information";
         return {};
     }
@@ -41,7 +40,7 @@ ComPtr<IErrorInfo> MakeInformation(const wchar_t* source, const wchar_t* descrip
     if (description) {
         creator->SetDescription(const_cast<wchar_t*>(description));
     }
-    return information;
+    return Query<IErrorInfo>(*creator);
 }
 
 /// Error information that refuses one of its questions and journals the order in which they come.

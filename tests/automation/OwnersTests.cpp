@@ -148,11 +148,11 @@ TEST(OwnedVariant, GivesOutItsPlaceAndItsValue) {
     value.Put()->vt = VT_I4;
     EXPECT_EQ(value.Get().vt, VT_I4);
     OwnedVariant other(&object);
-    VARIANT detached = other.Detach();
+    OwnedVariant taker;
+    *taker.Put() = other.Detach();
     EXPECT_EQ(other.Get().vt, VT_EMPTY);
-    EXPECT_EQ(detached.pdispVal, &object);
+    EXPECT_EQ(taker.Get().pdispVal, &object);
     EXPECT_EQ(object.references, 2U);
-    VariantClear(&detached);
 }
 
 TEST(OwnedVariant, TheOmittedArgumentIsTheStandardError) {

@@ -14,6 +14,7 @@
 #include "core/ORegistry.h"
 #include "tests/core/EventLogKit.h"
 #include "tests/kit/KeyRights.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/RegistryPreset.h"
 
 using namespace kit;
@@ -56,13 +57,12 @@ void SetValueExactly(HKEY root, const std::wstring& key, std::wstring name, cons
     using SetValue = LONG(NTAPI*)(HANDLE, const CountedText*, ULONG, ULONG, const void*, ULONG);
     const auto set = reinterpret_cast<SetValue>(
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtSetValueKey")));
-    HKEY opened = nullptr;
-    ASSERT_EQ(RegOpenKeyExW(root, key.c_str(), 0, KEY_WRITE, &opened), ERROR_SUCCESS);
+    const UniqueKey opened = OpenKey(root, key, KEY_WRITE);
     const auto size = static_cast<USHORT>(name.size() * sizeof(wchar_t));
     const CountedText counted{size, size, name.data()};
-    EXPECT_EQ(set(opened, &counted, 0, data.type, data.bytes.data(), static_cast<ULONG>(data.bytes.size())),
-              0);
-    RegCloseKey(opened);
+    EXPECT_EQ(
+        set(opened.get(), &counted, 0, data.type, data.bytes.data(), static_cast<ULONG>(data.bytes.size())),
+        0);
     EXPECT_EQ(GetRegistryData(root, key, name), data);
 }
 

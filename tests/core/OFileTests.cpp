@@ -6,6 +6,8 @@
 #include "core/OFile.h"
 #include "tests/core/TemporaryFile.h"
 #include "tests/core/VirtualSlots.h"
+#include "tests/kit/Owners.h"
+#include "tests/kit/ProcessRun.h"
 
 using namespace kit;
 
@@ -17,19 +19,10 @@ std::uint32_t WriteBytes(OFile& file, const std::string& bytes) {
 
 /// Exit status of another program that shows the file.
 DWORD StatusOfShowing(const std::wstring& path) {
-    std::wstring line = L"cmd.exe /c type \"" + path + L"\" >nul";
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                        &process)) {
-        return MAXDWORD;
-    }
+    const UniqueHandle process = StartProgram(L"cmd.exe /c type \"" + path + L"\" >nul");
     DWORD status = MAXDWORD;
-    WaitForSingleObject(process.hProcess, INFINITE);
-    GetExitCodeProcess(process.hProcess, &status);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
+    WaitForSingleObject(process.get(), INFINITE);
+    GetExitCodeProcess(process.get(), &status);
     return status;
 }
 

@@ -7,6 +7,7 @@
 
 #include "core/ORegistry.h"
 #include "tests/kit/KeyRights.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/RegistryPreset.h"
 
 using namespace kit;
@@ -244,14 +245,11 @@ TEST(ORegistry, MakesAKeyOnlyWhenAskedTo) {
     const OString path = (L"1:Software/" + Unique()).c_str();
     EXPECT_EQ(ORegistry().OpenKey(path, false), nullptr);
     EXPECT_FALSE(key.Exists());
-    const HKEY made = ORegistry().OpenKey(path, true);
-    ASSERT_NE(made, nullptr);
-    RegCloseKey(made);
+    ASSERT_TRUE(UniqueKey(ORegistry().OpenKey(path, true)));
     EXPECT_TRUE(key.Exists());
-    const HKEY opened = ORegistry().OpenKey(path, false);
-    ASSERT_NE(opened, nullptr);
-    EXPECT_EQ(RegSetValueExW(opened, L"V", 0, REG_NONE, nullptr, 0), ERROR_SUCCESS);
-    RegCloseKey(opened);
+    const UniqueKey opened(ORegistry().OpenKey(path, false));
+    ASSERT_TRUE(opened);
+    EXPECT_EQ(RegSetValueExW(opened.get(), L"V", 0, REG_NONE, nullptr, 0), ERROR_SUCCESS);
 }
 
 TEST(ORegistry, OpensAKeyThatMayNotBeWrittenToRead) {
@@ -259,10 +257,9 @@ TEST(ORegistry, OpensAKeyThatMayNotBeWrittenToRead) {
     key.Set(L"V", RegistryData::OfDword(1));
     const KeyRights protection(HKEY_CURRENT_USER, L"Software\\" + Unique(), KEY_READ);
 
-    const HKEY readable = ORegistry().OpenKey((L"1:Software/" + Unique()).c_str(), true);
-    ASSERT_NE(readable, nullptr);
-    EXPECT_EQ(RegSetValueExW(readable, L"W", 0, REG_NONE, nullptr, 0), ERROR_ACCESS_DENIED);
-    RegCloseKey(readable);
+    const UniqueKey readable(ORegistry().OpenKey((L"1:Software/" + Unique()).c_str(), true));
+    ASSERT_TRUE(readable);
+    EXPECT_EQ(RegSetValueExW(readable.get(), L"W", 0, REG_NONE, nullptr, 0), ERROR_ACCESS_DENIED);
     std::uint32_t value = 0;
     EXPECT_EQ(ORegistry().ReadValue(key.Path(L"V"), &value, 4), 4);
     EXPECT_EQ(value, 1U);

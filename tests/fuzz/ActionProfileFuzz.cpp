@@ -8,6 +8,7 @@
 #include "substitute/actions/ActionProfile.h"
 #include "substitute/base/Failure.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/kit/RegistryPreset.h"
 
 using namespace kit;
 
@@ -227,20 +228,6 @@ FUZZ_TARGET(ActionProfiles, 8000) {
     }
 }
 
-/// A key of the test's own, removed in the end.
-class RealKey {
-  public:
-    RealKey() : m_path(L"Software\\kemba fuzz profiles " + std::to_wstring(GetCurrentProcessId())) {}
-    RealKey(const RealKey&) = delete;
-    RealKey& operator=(const RealKey&) = delete;
-    ~RealKey() { RegDeleteTreeW(HKEY_CURRENT_USER, Path()); }
-
-    const wchar_t* Path() const { return m_path.c_str(); }
-
-  private:
-    std::wstring m_path;
-};
-
 /// The folder that the value's text names: an absolute path without zeros but at its end. Anything else is
 /// refused.
 std::optional<std::wstring> ExpectedFolder(const std::wstring& text) {
@@ -267,15 +254,16 @@ FUZZ_TARGET(ProfileFolders, 60) {
     }
     text += std::wstring(input.Below(3), L'\0');
     const DWORD type = input.OnceIn(6) ? static_cast<DWORD>(input.Below(12)) : REG_SZ;
-    const RealKey key;
+    const ScratchKey key(HKEY_CURRENT_USER,
+                         L"Software\\kemba fuzz profiles " + std::to_wstring(GetCurrentProcessId()));
     input.Say([&] { return "the value's text: " + Literal(text) + ", type " + std::to_string(type); });
-    EXPECT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, key.Path(), L"ActionProfiles", type, text.data(),
+    EXPECT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, key.Path().c_str(), L"ActionProfiles", type, text.data(),
                               static_cast<DWORD>(text.size() * sizeof(wchar_t))),
               ERROR_SUCCESS);
     const std::optional<std::wstring> expected = type == REG_SZ ? ExpectedFolder(text) : std::nullopt;
     std::optional<std::wstring> found;
     try {
-        found = kemba::substitute::ActionProfileFolder(HKEY_CURRENT_USER, key.Path());
+        found = kemba::substitute::ActionProfileFolder(HKEY_CURRENT_USER, key.Path().c_str());
     } catch (const kemba::substitute::Failure& failure) {
         EXPECT_LT(failure.status, 0);
     }

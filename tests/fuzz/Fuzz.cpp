@@ -11,8 +11,8 @@
 #include <exception>
 #include <thread>
 
-#include "core/Handles.h"
 #include "tests/fuzz/Crash.h"
+#include "tests/kit/Owners.h"
 
 namespace kit {
 namespace {
@@ -61,8 +61,8 @@ void Report() {
     PROCESS_INFORMATION process{};
     if (CreateProcessW(program, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
                        &process)) {
-        const OCore::UniqueHandle thread(process.hThread);
-        const OCore::UniqueHandle other(process.hProcess);
+        const UniqueHandle thread(process.hThread);
+        const UniqueHandle other(process.hProcess);
         WaitForSingleObject(other.get(), kPatience);
     }
 }
@@ -84,7 +84,7 @@ class Watch {
     void BeginCase() { ++m_cases; }
 
   private:
-    using Event = OCore::UniqueHandle;
+    using Event = UniqueHandle;
 
     void Look() {
         const auto patience =

@@ -11,6 +11,7 @@
 #include "core/ORegistry.h"
 #include "tests/fuzz/Fuzz.h"
 #include "tests/fuzz/TextModel.h"
+#include "tests/kit/RegistryPreset.h"
 
 using namespace kit;
 
@@ -246,20 +247,6 @@ FUZZ_TARGET(PercentEscapes, 2000) {
     EXPECT_EQ(decoded.Wide(), Decoded(text));
 }
 
-/// Values under a key of the test's own, removed in the end.
-class RealKey {
-  public:
-    RealKey() : m_path(L"Software\\kemba fuzz " + std::to_wstring(GetCurrentProcessId())) {}
-    RealKey(const RealKey&) = delete;
-    RealKey& operator=(const RealKey&) = delete;
-    ~RealKey() { RegDeleteTreeW(HKEY_CURRENT_USER, m_path.c_str()); }
-
-    const std::wstring& Path() const { return m_path; }
-
-  private:
-    std::wstring m_path;
-};
-
 /// Parts of names that the registry takes as they are.
 std::wstring DrawName(Case& input) {
     constexpr const wchar_t* kPieces[] = {L"a",   L"B", L"//",     L"::",     L"%%", L"%2f",
@@ -275,7 +262,8 @@ FUZZ_TARGET(RegistryValues, 60) {
     if (input.Number() % 16 != 0 && input.Number() > 1000) {
         return; // the registry itself is slow
     }
-    const RealKey own;
+    const ScratchKey own(HKEY_CURRENT_USER,
+                         L"Software\\kemba fuzz " + std::to_wstring(GetCurrentProcessId()));
     std::wstring path = (input.OnceIn(2) ? L"CURRENT_USER:" : L"1:") + own.Path();
     for (std::size_t left = input.Below(4); left > 0; --left) {
         path += (input.OnceIn(2) ? L"\\" : L"/") + DrawName(input);

@@ -3,10 +3,15 @@
 
 #include <windows.h>
 
+#include <memory>
 #include <string_view>
 
 namespace kit {
 namespace {
+
+struct EnvironmentFreer {
+    void operator()(wchar_t* strings) const noexcept { FreeEnvironmentStringsW(strings); }
+};
 
 struct LessIgnoringCase {
     bool operator()(const std::wstring& left, const std::wstring& right) const {
@@ -28,14 +33,13 @@ std::wstring EnvironmentVariable(const wchar_t* name) {
 
 std::wstring EnvironmentBlock(const std::map<std::wstring, std::wstring>& changes) {
     std::map<std::wstring, std::wstring, LessIgnoringCase> variables;
-    wchar_t* const own = GetEnvironmentStringsW();
-    for (const wchar_t* next = own; *next;) {
+    const std::unique_ptr<wchar_t, EnvironmentFreer> own(GetEnvironmentStringsW());
+    for (const wchar_t* next = own.get(); *next;) {
         const std::wstring_view entry(next);
         const std::size_t split = entry.find(L'=', 1); // names of the system's own start with "="
         variables[std::wstring(entry.substr(0, split))] = entry.substr(split + 1);
         next += entry.size() + 1;
     }
-    FreeEnvironmentStringsW(own);
     for (const auto& [name, value] : changes) {
         variables[name] = value;
     }

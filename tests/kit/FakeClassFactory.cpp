@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "automation/Owners.h"
 #include "tests/kit/FakeObjects.h"
 #include "tests/kit/OneInterface.h"
 
@@ -34,11 +35,10 @@ class FakeClassFactory final : public OneInterface<IClassFactory> {
 } // namespace
 
 DWORD RegisterFakeClass(std::shared_ptr<ServerState> state, FakeClass which) {
-    auto* const factory = new FakeClassFactory(std::move(state), which);
+    const auto factory = kemba::MakeObject<FakeClassFactory>(std::move(state), which);
     DWORD registration = 0;
-    const HRESULT status = CoRegisterClassObject(ClassIdOf(which), factory, CLSCTX_INPROC_SERVER,
+    const HRESULT status = CoRegisterClassObject(ClassIdOf(which), factory.Get(), CLSCTX_INPROC_SERVER,
                                                  REGCLS_MULTIPLEUSE, &registration);
-    factory->Release();
     if (FAILED(status)) {
         throw std::runtime_error("a class of the fake server cannot be registered");
     }

@@ -5,6 +5,7 @@
 
 #include <utility>
 
+#include "automation/Owners.h"
 #include "tests/kit/OneInterface.h"
 #include "tests/kit/TextWatch.h"
 
@@ -60,10 +61,9 @@ class FakeErrorInformation final : public OneInterface<IErrorInfo> {
 } // namespace
 
 void SetFakeErrorInformation(std::shared_ptr<ServerState> state, Text source, Text description) {
-    auto* const information =
-        new FakeErrorInformation(std::move(state), std::move(source), std::move(description));
-    SetErrorInfo(0, information);
-    information->Release();
+    SetErrorInfo(0, kemba::MakeObject<FakeErrorInformation>(std::move(state), std::move(source),
+                                                            std::move(description))
+                        .Get());
 }
 
 } // namespace kit

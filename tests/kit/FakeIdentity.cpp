@@ -10,6 +10,7 @@
 
 #include "tests/kit/FakeErrorInformation.h"
 #include "tests/kit/Narrow.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/TextWatch.h"
 
 namespace kit {
@@ -160,12 +161,7 @@ FakeIdentity* FakeIdentity::FindObject(const VARIANT& value) {
     if (value.vt != VT_DISPATCH || !value.pdispVal) {
         return nullptr;
     }
-    void* identity = nullptr;
-    if (FAILED(value.pdispVal->QueryInterface(__uuidof(IUnknown), &identity))) {
-        return nullptr;
-    }
-    static_cast<IUnknown*>(identity)->Release();
-    const auto found = m_state->objects.find(static_cast<IUnknown*>(identity));
+    const auto found = m_state->objects.find(Query<IUnknown>(*value.pdispVal).Get());
     return found == m_state->objects.end() ? nullptr : found->second;
 }
 

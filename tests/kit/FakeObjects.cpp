@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "automation/Owners.h"
 #include "tests/kit/FakeObject.h"
 #include "tests/kit/FakeParts.h"
 
@@ -116,11 +117,7 @@ class FakeDriverAutomation final : public FakeObject<IDriverAutomation> {
 template<class Object>
 HRESULT MakeAs(const std::shared_ptr<ServerState>& state, FakeClass which, int number, REFIID id,
                void** object) {
-    auto* const made = new Object(state, NameOf(which), number);
-    made->AddRef();
-    const HRESULT status = made->QueryInterface(id, object);
-    made->Release();
-    return status;
+    return kemba::ComPtr<Object>::Share(new Object(state, NameOf(which), number))->QueryInterface(id, object);
 }
 
 } // namespace

@@ -1,44 +1,44 @@
 // The fake server's error information, and its verdict on clients that leak.
 #include <gtest/gtest.h>
 
+#include "automation/Activation.h"
+#include "tests/kit/CallTexts.h"
 #include "tests/kit/FakeServer.h"
-#include "tests/kit/TestClient.h"
+#include "tests/kit/Owners.h"
 
 using namespace kit;
 
 namespace {
 
+using kemba::ActivateForPrinter;
+using kemba::ComPtr;
+using kemba::OwnedBstr;
+
 /// "source/description" of the thread's error information; "none" without any.
 std::wstring TakeErrorInformation() {
-    IErrorInfo* information = nullptr;
-    if (GetErrorInfo(0, &information) != S_OK) {
+    ComPtr<IErrorInfo> information;
+    if (GetErrorInfo(0, information.Put()) != S_OK) {
         return L"none";
     }
-    BSTR source = nullptr;
-    BSTR description = nullptr;
-    const HRESULT sourceStatus = information->GetSource(&source);
-    const HRESULT descriptionStatus = information->GetDescription(&description);
-    information->Release();
-    return (FAILED(sourceStatus) ? L"failed" : Take(source)) + L"/" +
-           (FAILED(descriptionStatus) ? L"failed" : Take(description));
+    std::wstring source;
+    std::wstring description;
+    const HRESULT sourceStatus = ReadText(*information, &IErrorInfo::GetSource, source);
+    const HRESULT descriptionStatus = ReadText(*information, &IErrorInfo::GetDescription, description);
+    return (FAILED(sourceStatus) ? L"failed" : source) + L"/" +
+           (FAILED(descriptionStatus) ? L"failed" : description);
 }
 
 /// How the object answers for its own interface; E_NOINTERFACE without the interface to ask.
-HRESULT AskSupport(IDriverAutomation* automation, REFIID id) {
-    ISupportErrorInfo* support = nullptr;
-    if (FAILED(automation->QueryInterface(__uuidof(ISupportErrorInfo), reinterpret_cast<void**>(&support)))) {
-        return E_NOINTERFACE;
-    }
-    const HRESULT answer = support->InterfaceSupportsErrorInfo(id);
-    support->Release();
-    return answer;
+HRESULT AskSupport(const ComPtr<IDriverAutomation>& automation, REFIID id) {
+    const auto support = Query<ISupportErrorInfo>(*automation);
+    return support ? support->InterfaceSupportsErrorInfo(id) : E_NOINTERFACE;
 }
 
 TEST(FakeServerErrorInformation, IsThereWhenTheScriptGivesIt) {
     FakeServer server;
     server.Fail("IDriverAutomation.PutComment", E_FAIL).WithInformation(L"Driver", L"Out of paper");
     server.Fail("IDriverAutomation.PutLocation", E_FAIL).WithInformation(std::nullopt, L"");
-    IDriverAutomation* const automation = Bound(L"A");
+    auto automation = ActivateForPrinter(L"A");
     automation->PutComment(nullptr);
     EXPECT_EQ(TakeErrorInformation(), L"Driver/Out of paper");
     automation->PutLocation(nullptr);
@@ -46,13 +46,13 @@ TEST(FakeServerErrorInformation, IsThereWhenTheScriptGivesIt) {
     automation->PutComment(nullptr);
     automation->PutShareName(nullptr); // a call without any takes away what is left of the one before
     EXPECT_EQ(TakeErrorInformation(), L"none");
-    automation->Release();
+    automation.Reset();
     EXPECT_EQ(server.Faults(), Lines{});
 }
 
 TEST(FakeServerErrorInformation, SupportIsAnsweredAsToldForTheObjectsInterfaceOnly) {
     FakeServer server;
-    IDriverAutomation* const automation = Bound(L"A");
+    auto automation = ActivateForPrinter(L"A");
     EXPECT_EQ(AskSupport(automation, __uuidof(IDriverAutomation)), S_OK);
     EXPECT_EQ(AskSupport(automation, __uuidof(IPrinterQueue)), S_FALSE);
     server.SupportErrorInfo("IPrinterQueue", ErrorInfoSupport::Absent);
@@ -61,60 +61,60 @@ TEST(FakeServerErrorInformation, SupportIsAnsweredAsToldForTheObjectsInterfaceOn
     EXPECT_EQ(AskSupport(automation, __uuidof(IDriverAutomation)), S_FALSE);
     server.SupportErrorInfo("IDriverAutomation", ErrorInfoSupport::Absent);
     EXPECT_EQ(AskSupport(automation, __uuidof(IDriverAutomation)), E_NOINTERFACE);
-    automation->Release();
 }
 
 TEST(FakeServerFaults, ALeakedObjectIsNamed) {
     FakeServer server;
-    IDriverAutomation* const automation = Bound(L"A");
-    IPrinterQueue* queue = nullptr;
-    automation->GetPrinterQueue(&queue);
-    automation->Release();
+    auto automation = ActivateForPrinter(L"A");
+    ComPtr<IPrinterQueue> queue;
+    automation->GetPrinterQueue(queue.Put());
+    automation.Reset();
     EXPECT_EQ(server.Faults(), Lines{"not released: PrinterQueue#1"});
-    queue->Release();
+    queue.Reset();
     EXPECT_EQ(server.Faults(), Lines{});
 }
 
 TEST(FakeServerFaults, ALeakedTextOfTheServerIsNamed) {
     FakeServer server;
-    IDriverAutomation* const automation = Bound(L"A");
-    BSTR text = nullptr;
-    automation->GetComment(&text);
-    automation->Release();
+    auto automation = ActivateForPrinter(L"A");
+    OwnedBstr text;
+    automation->GetComment(text.Put());
+    automation.Reset();
     EXPECT_EQ(server.Faults(), Lines{"not freed: text of DriverAutomation#1.GetComment"});
-    SysFreeString(text);
+    text = {};
     EXPECT_EQ(server.Faults(), Lines{});
 }
 
 TEST(FakeServerFaults, ALeakedArgumentIsNamed) {
     FakeServer server;
-    IDriverAutomation* const automation = Bound(L"A");
-    const BSTR text = SysAllocString(L"x");
-    automation->PutComment(text);
-    automation->Release();
+    auto automation = ActivateForPrinter(L"A");
+    OwnedBstr text = OwnedBstr::Copy(L"x");
+    automation->PutComment(text.Get());
+    automation.Reset();
     EXPECT_EQ(server.Faults(), Lines{"not freed: text of DriverAutomation#1.PutComment (argument)"});
-    SysFreeString(text);
+    text = {};
     EXPECT_EQ(server.Faults(), Lines{});
 }
 
 TEST(FakeServerFaults, ATextThatIsFreedTwiceIsNamed) {
     FakeServer server;
-    IDriverAutomation* const automation = Bound(L"A");
-    BSTR text = nullptr;
-    automation->GetComment(&text);
-    SysFreeString(text);
-    SysFreeString(text);
-    automation->Release();
+    auto automation = ActivateForPrinter(L"A");
+    {
+        OwnedBstr text;
+        automation->GetComment(text.Put());
+        SysFreeString(text.Get()); // and its owner frees it once more
+    }
+    automation.Reset();
     EXPECT_EQ(server.Faults(), Lines{"freed twice: text of DriverAutomation#1.GetComment"});
 }
 
 TEST(FakeServerFaults, AUseAfterTheLastReleaseIsNamed) {
     FakeServer server;
-    IDriverAutomation* const automation = Bound(L"A");
-    automation->Release();
-    automation->PutComment(nullptr);
-    automation->AddRef();
-    automation->Release();
+    auto automation = ActivateForPrinter(L"A");
+    IDriverAutomation* const released = automation.Get();
+    automation.Reset();
+    released->PutComment(nullptr);
+    ReferencesTo(*released);
     EXPECT_EQ(server.Faults(), (Lines{"used after its last release: DriverAutomation#1.PutComment",
                                       "used after its last release: DriverAutomation#1.AddRef",
                                       "used after its last release: DriverAutomation#1.Release"}));
@@ -122,10 +122,10 @@ TEST(FakeServerFaults, AUseAfterTheLastReleaseIsNamed) {
 
 TEST(FakeServerFaults, AnArgumentThatIsNoBstrIsReported) {
     FakeServer server;
-    IDriverAutomation* const automation = Bound(L"A");
+    auto automation = ActivateForPrinter(L"A");
     wchar_t text[] = L"array";
     automation->PutComment(text);
-    automation->Release();
+    automation.Reset();
     EXPECT_EQ(server.Faults(), Lines{"DriverAutomation#1.PutComment: the argument is no BSTR"});
     EXPECT_EQ(server.Calls().back(), "DriverAutomation#1.PutComment(not a BSTR)");
 }
@@ -133,71 +133,70 @@ TEST(FakeServerFaults, AnArgumentThatIsNoBstrIsReported) {
 TEST(FakeServerFaults, LeakedErrorInformationAndItsTextsAreNamed) {
     FakeServer server;
     server.Fail("IDriverAutomation.PutComment", E_FAIL).WithInformation(L"Driver", L"Out of paper");
-    IDriverAutomation* const automation = Bound(L"A");
+    auto automation = ActivateForPrinter(L"A");
     automation->PutComment(nullptr);
-    automation->Release();
-    IErrorInfo* information = nullptr;
-    GetErrorInfo(0, &information);
-    BSTR source = nullptr;
-    information->GetSource(&source);
+    automation.Reset();
+    ComPtr<IErrorInfo> information;
+    GetErrorInfo(0, information.Put());
+    OwnedBstr source;
+    information->GetSource(source.Put());
     EXPECT_EQ(server.Faults(),
               (Lines{"not released: ErrorInformation#1", "not freed: text of ErrorInformation#1.GetSource"}));
-    information->Release();
-    SysFreeString(source);
+    information.Reset();
+    source = {};
     EXPECT_EQ(server.Faults(), Lines{});
 }
 
 TEST(FakeServerFaults, ErrorInformationThatNobodyFetchedIsNoFault) {
     FakeServer server;
     server.Fail("IDriverAutomation.PutComment", E_FAIL).WithInformation(L"Driver", L"Out of paper");
-    IDriverAutomation* const automation = Bound(L"A");
+    auto automation = ActivateForPrinter(L"A");
     automation->PutComment(nullptr);
-    automation->Release();
+    automation.Reset();
     EXPECT_EQ(server.Faults(), Lines{});
 }
 
 TEST(FakeServerFaults, ALockedFactoryIsReported) {
     FakeServer server;
-    IClassFactory* factory = nullptr;
+    ComPtr<IClassFactory> factory;
     ASSERT_EQ(CoGetClassObject(__uuidof(DriverActions), CLSCTX_INPROC_SERVER, nullptr,
-                               __uuidof(IClassFactory), reinterpret_cast<void**>(&factory)),
+                               __uuidof(IClassFactory), reinterpret_cast<void**>(factory.Put())),
               S_OK);
     factory->LockServer(TRUE);
     EXPECT_EQ(server.Faults(), Lines{"locks of class factories: 1"});
     factory->LockServer(FALSE);
-    factory->Release();
+    factory.Reset();
     EXPECT_EQ(server.Faults(), Lines{});
 }
 
 TEST(FakeServerFaults, AnUnbalancedInitialisationIsReported) {
     FakeServer server;
-    CoInitialize(nullptr);
-    EXPECT_EQ(server.Faults(), Lines{"initialisations of the runtime not undone: 1"});
-    CoUninitialize();
+    {
+        const Apartment again;
+        EXPECT_EQ(server.Faults(), Lines{"initialisations of the runtime not undone: 1"});
+    }
     EXPECT_EQ(server.Faults(), Lines{});
 }
 
 TEST(FakeServerFaults, WhatOneServerSawLeakingDoesNotCountForTheNext) {
-    BSTR text = nullptr;
+    OwnedBstr text;
     {
         FakeServer server;
-        IDriverAutomation* const automation = Bound(L"A");
-        automation->GetComment(&text);
-        automation->Release();
+        ActivateForPrinter(L"A")->GetComment(text.Put());
     }
     FakeServer next;
     EXPECT_EQ(next.Faults(), Lines{});
-    SysFreeString(text);
 }
 
 TEST(FakeServerFaults, AnObjectMayOutliveTheServer) {
-    IDriverAutomation* automation = nullptr;
+    ComPtr<IDriverAutomation> automation;
     {
         FakeServer server;
-        automation = Bound(L"A");
+        automation = ActivateForPrinter(L"A");
     }
     FakeServer next;
-    EXPECT_EQ(automation->Release(), 0U);
+    EXPECT_EQ(ReferencesTo(*automation), 1U);
+    automation.Reset();
     EXPECT_EQ(next.Journal(), Lines{});
 }
 

@@ -4,34 +4,47 @@
 
 #include <stdexcept>
 
+#include "automation/Activation.h"
+#include "tests/kit/CallTexts.h"
 #include "tests/kit/FakeServer.h"
-#include "tests/kit/TestClient.h"
+#include "tests/kit/Owners.h"
 
 using namespace kit;
 
 namespace {
 
+using kemba::Activate;
+using kemba::ActivateForPrinter;
+using kemba::ComPtr;
+using kemba::OwnedBstr;
+using kemba::OwnedVariant;
+
 /// The comment of the printer, or the failing status in its place.
 std::wstring CommentOf(const wchar_t* printer) {
-    IDriverAutomation* const automation = Bound(printer);
-    BSTR text = nullptr;
-    const HRESULT status = automation->GetComment(&text);
-    automation->Release();
-    return FAILED(status) ? L"failed " + std::to_wstring(static_cast<unsigned long>(status)) : Take(text);
+    std::wstring text;
+    const HRESULT status = ReadText(*ActivateForPrinter(printer), &IDriverAutomation::GetComment, text);
+    return FAILED(status) ? L"failed " + std::to_wstring(static_cast<unsigned long>(status)) : text;
+}
+
+/// How an activation fails, or S_OK; an object that lacks the interface gives no pointer.
+HRESULT ActivationStatus() {
+    try {
+        return Activate<DriverAutomation, IDriverAutomation>() ? S_OK : E_NOINTERFACE;
+    } catch (const kemba::ComError& error) {
+        return error.GetStatus();
+    }
 }
 
 TEST(FakeServerScript, AnOperationFailsAsToldAndGivesNothing) {
     FakeServer server;
     server.Fail("IDriverAutomation.GetComment", E_ACCESSDENIED);
-    IDriverAutomation* const automation = Bound(L"A");
-    BSTR text = SysAllocString(L"old");
-    const BSTR old = text;
+    auto automation = ActivateForPrinter(L"A");
+    const InText old(L"old");
+    BSTR text = old;
     EXPECT_EQ(automation->GetComment(&text), E_ACCESSDENIED);
     EXPECT_EQ(text, nullptr);
-    SysFreeString(old);
-    EXPECT_EQ(automation->GetLocation(&text), S_OK);
-    Take(text);
-    automation->Release();
+    EXPECT_EQ(automation->GetLocation(OwnedBstr().Put()), S_OK);
+    automation.Reset();
     EXPECT_EQ(server.Faults(), Lines{});
 }
 
@@ -49,10 +62,9 @@ TEST(FakeServerScript, ConditionsNarrowARule) {
 TEST(FakeServerScript, BindingCanFailForOnePrinter) {
     FakeServer server;
     server.Fail("IDriverAutomation.PutPrinterName", E_INVALIDARG).ForPrinter(L"B");
-    IDriverAutomation* const automation = ActivateAutomation();
-    EXPECT_EQ(automation->PutPrinterName(CallText(L"A")), S_OK);
-    EXPECT_EQ(automation->PutPrinterName(CallText(L"B")), E_INVALIDARG);
-    automation->Release();
+    const auto automation = Activate<DriverAutomation, IDriverAutomation>();
+    EXPECT_EQ(automation->PutPrinterName(InText(L"A")), S_OK);
+    EXPECT_EQ(automation->PutPrinterName(InText(L"B")), E_INVALIDARG);
 }
 
 TEST(FakeServerScript, NullTextAndNullInterface) {
@@ -60,19 +72,18 @@ TEST(FakeServerScript, NullTextAndNullInterface) {
     server.GiveNull("IDriverAutomation.GetComment");
     server.GiveNull("IDriverAutomation.GetSettings");
     EXPECT_EQ(CommentOf(L"A"), L"(null)");
-    IDriverAutomation* const automation = Bound(L"A");
-    IDriverSettings* settings = nullptr;
-    EXPECT_EQ(automation->GetSettings(&settings), S_OK);
-    EXPECT_EQ(settings, nullptr);
-    automation->Release();
+    auto automation = ActivateForPrinter(L"A");
+    ComPtr<IDriverSettings> settings;
+    EXPECT_EQ(automation->GetSettings(settings.Put()), S_OK);
+    EXPECT_FALSE(settings);
 }
 
 TEST(FakeServerScript, FlagsByCallAndByThePrinterOfTheAction) {
     FakeServer server;
     server.GiveFlag("IDriverActions.GetSupported", VARIANT_FALSE).ForCall(1);
     server.GiveFlag("IDriverActions.GetDisplaysInterface", 7).ForPrinter(L"B");
-    IDriverAutomation* const automation = Bound(L"B");
-    auto* const actions = Activate<IDriverActions>(__uuidof(DriverActions));
+    auto automation = ActivateForPrinter(L"B");
+    auto actions = Activate<DriverActions, IDriverActions>();
     VARIANT_BOOL flag = VARIANT_TRUE;
     actions->GetSupported(&flag);
     EXPECT_EQ(flag, VARIANT_FALSE);
@@ -80,30 +91,23 @@ TEST(FakeServerScript, FlagsByCallAndByThePrinterOfTheAction) {
     EXPECT_EQ(flag, VARIANT_TRUE);
     actions->GetDisplaysInterface(&flag);
     EXPECT_EQ(flag, VARIANT_FALSE);
-    VARIANT request{};
-    request.vt = VT_DISPATCH;
-    request.pdispVal = actions;
-    automation->PerformAction(1, request);
+    automation->PerformAction(1, OwnedVariant(actions.Get()).Get());
     actions->GetDisplaysInterface(&flag);
     EXPECT_EQ(flag, 7);
-    actions->Release();
-    automation->Release();
 }
 
 TEST(FakeServerScript, AnOperationThrowsAsTold) {
     FakeServer server;
     server.Throw("IDriverAutomation.PutComment");
-    IDriverAutomation* const automation = Bound(L"A");
+    auto automation = ActivateForPrinter(L"A");
     EXPECT_THROW(automation->PutComment(nullptr), std::runtime_error);
-    automation->Release();
 }
 
 TEST(FakeServerScript, ActivationFailsAtEachStep) {
     const auto statusOf = [](auto&& prepare) {
         FakeServer server;
         prepare(server);
-        HRESULT status = S_OK;
-        EXPECT_EQ(ActivateAutomation(&status), nullptr);
+        const HRESULT status = ActivationStatus();
         EXPECT_EQ(server.Faults(), Lines{});
         return status;
     };
@@ -117,9 +121,9 @@ TEST(FakeServerScript, ActivationFailsAtEachStep) {
 TEST(FakeServerScript, ActivationCanFailForTheSecondObject) {
     FakeServer server;
     server.FailActivation(FakeClass::DriverAutomation, E_FAIL).ForObject(2);
-    Bound(L"A")->Release();
-    EXPECT_EQ(ActivateAutomation(), nullptr);
-    Bound(L"C")->Release();
+    ActivateForPrinter(L"A");
+    EXPECT_EQ(ActivationStatus(), E_FAIL);
+    ActivateForPrinter(L"C");
     EXPECT_EQ(server.Calls(), (Lines{"DriverAutomation#1.PutPrinterName(\"A\")",
                                      "DriverAutomation#3.PutPrinterName(\"C\")"}));
 }

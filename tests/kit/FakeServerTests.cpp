@@ -1,18 +1,28 @@
 // The fake server: activation, journal and defaults, seen by a small client.
 #include <gtest/gtest.h>
 
+#include "automation/Activation.h"
+#include "tests/kit/CallTexts.h"
 #include "tests/kit/FakeServer.h"
-#include "tests/kit/TestClient.h"
+#include "tests/kit/Owners.h"
 
 using namespace kit;
 
 namespace {
 
+using kemba::Activate;
+using kemba::ActivateForPrinter;
+using kemba::CallForObject;
+using kemba::CallForText;
+using kemba::ComPtr;
+using kemba::OwnedVariant;
+
 TEST(FakeServer, ActivationAndReleaseAreJournaledInOrder) {
     FakeServer server;
-    CoInitialize(nullptr);
-    Bound(L"Label A")->Release();
-    CoUninitialize();
+    {
+        const Apartment apartment;
+        ActivateForPrinter(L"Label A");
+    }
     EXPECT_EQ(
         server.Journal(),
         (Lines{"CoInitialize(2)", "new DriverAutomation#1", "DriverAutomation#1.Run()",
@@ -26,27 +36,21 @@ TEST(FakeServer, ActivationAndReleaseAreJournaledInOrder) {
 
 TEST(FakeServer, ArgumentsAreShownAsTheyCame) {
     FakeServer server;
-    IDriverAutomation* const automation = Bound(L"caf\u00E9");
-    automation->PutComment(CallText(L""));
+    auto automation = ActivateForPrinter(L"caf\u00E9");
+    automation->PutComment(InText(L""));
     automation->PutComment(nullptr);
-    automation->SendFile(CallText(LR"(c:\x y)"), CallText(L""));
-    auto* const actions = Activate<IDriverActions>(__uuidof(DriverActions));
+    automation->SendFile(InText(LR"(c:\x y)"), InText(L""));
+    auto actions = Activate<DriverActions, IDriverActions>();
     actions->PutExecute(1);
     actions->PutExecute(VARIANT_TRUE);
-    VARIANT request{};
-    request.vt = VT_DISPATCH;
-    request.pdispVal = actions;
-    automation->PerformAction(30, request);
-    IDriverSettings* settings = nullptr;
-    automation->GetSettings(&settings);
-    VARIANT omitted{};
-    omitted.vt = VT_ERROR;
-    omitted.scode = DISP_E_PARAMNOTFOUND;
-    settings->ExportSettings(CallText(L"out.vqs"), omitted);
+    automation->PerformAction(30, OwnedVariant(actions.Get()).Get());
+    ComPtr<IDriverSettings> settings;
+    automation->GetSettings(settings.Put());
+    settings->ExportSettings(InText(L"out.vqs"), OwnedVariant::Omitted().Get());
     settings->ResetSettings(VARIANT{});
-    settings->Release();
-    actions->Release();
-    automation->Release();
+    settings.Reset();
+    actions.Reset();
+    automation.Reset();
     EXPECT_EQ(
         server.Calls(),
         (Lines{"DriverAutomation#1.PutPrinterName(\"caf\xC3\xA9\")", "DriverAutomation#1.PutComment(\"\")",
@@ -61,16 +65,16 @@ TEST(FakeServer, ArgumentsAreShownAsTheyCame) {
 
 TEST(FakeServer, ObjectsAreNumberedByClass) {
     FakeServer server;
-    IDriverAutomation* const first = Bound(L"A");
-    auto* const version = Activate<IVersionInformation>(__uuidof(VersionInformation));
-    IDriverAutomation* const second = Bound(L"B");
-    IPrinterQueue* queue = nullptr;
-    second->GetPrinterQueue(&queue);
+    auto first = ActivateForPrinter(L"A");
+    auto version = Activate<VersionInformation, IVersionInformation>();
+    auto second = ActivateForPrinter(L"B");
+    ComPtr<IPrinterQueue> queue;
+    second->GetPrinterQueue(queue.Put());
     queue->Purge();
-    queue->Release();
-    second->Release();
-    version->Release();
-    first->Release();
+    queue.Reset();
+    second.Reset();
+    version.Reset();
+    first.Reset();
     EXPECT_EQ(server.Calls(),
               (Lines{"DriverAutomation#1.PutPrinterName(\"A\")", "DriverAutomation#2.PutPrinterName(\"B\")",
                      "DriverAutomation#2.GetPrinterQueue()", "PrinterQueue#1.Purge()"}));
@@ -82,51 +86,45 @@ TEST(FakeServer, ObjectsAreNumberedByClass) {
 
 TEST(FakeServer, WithoutAScriptEverythingSucceedsWithTellingValues) {
     FakeServer server;
-    IDriverAutomation* const automation = Bound(L"Label A");
-    BSTR text = nullptr;
-    EXPECT_EQ(automation->GetComment(&text), S_OK);
-    EXPECT_EQ(Take(text), L"Comment of Label A");
-    IPrinterInformation* information = nullptr;
-    EXPECT_EQ(automation->GetPrinterInformation(&information), S_OK);
-    EXPECT_EQ(information->GetStatus(&text), S_OK);
-    EXPECT_EQ(Take(text), L"Status of Label A");
-    information->Release();
-    automation->Release();
-    auto* const version = Activate<IVersionInformation>(__uuidof(VersionInformation));
-    EXPECT_EQ(version->GetVersion(&text), S_OK);
-    EXPECT_EQ(Take(text), L"Version");
-    version->Release();
-    auto* const actions = Activate<IDriverActions>(__uuidof(DriverActions));
+    auto automation = ActivateForPrinter(L"Label A");
+    EXPECT_STREQ(CallForText(automation, &IDriverAutomation::GetComment).Wide(), L"Comment of Label A");
+    auto information = CallForObject(automation, &IDriverAutomation::GetPrinterInformation);
+    EXPECT_STREQ(CallForText(information, &IPrinterInformation::GetStatus).Wide(), L"Status of Label A");
+    information.Reset();
+    automation.Reset();
+    auto version = Activate<VersionInformation, IVersionInformation>();
+    EXPECT_STREQ(CallForText(version, &IVersionInformation::GetVersion).Wide(), L"Version");
+    version.Reset();
+    auto actions = Activate<DriverActions, IDriverActions>();
     VARIANT_BOOL flag = 0;
     EXPECT_EQ(actions->GetSupported(&flag), S_OK);
     EXPECT_EQ(flag, VARIANT_TRUE);
     EXPECT_EQ(actions->GetDisplaysInterface(&flag), S_OK);
     EXPECT_EQ(flag, VARIANT_FALSE);
-    actions->Release();
+    actions.Reset();
     EXPECT_EQ(server.Faults(), Lines{});
 }
 
 TEST(FakeServer, ReservedPlacesAndLateBindingAreRefusedButJournaled) {
     FakeServer server;
-    IDriverAutomation* const automation = Bound(L"A");
+    auto automation = ActivateForPrinter(L"A");
     EXPECT_EQ(automation->Reserved9(), E_NOTIMPL);
     EXPECT_EQ(automation->Invoke(1, IID_NULL, 0, DISPATCH_METHOD, nullptr, nullptr, nullptr, nullptr),
               E_NOTIMPL);
-    automation->Release();
     const Lines calls = server.Calls();
     EXPECT_EQ(Lines(calls.begin() + 1, calls.end()),
               (Lines{"DriverAutomation#1.Reserved9()", "DriverAutomation#1.Invoke()"}));
 }
 
 TEST(FakeServer, NothingIsRegisteredAfterwards) {
-    CoInitialize(nullptr);
+    const Apartment apartment;
     {
         const FakeServer server;
     }
-    HRESULT status = S_OK;
-    EXPECT_EQ(ActivateAutomation(&status), nullptr);
-    EXPECT_EQ(status, REGDB_E_CLASSNOTREG);
-    CoUninitialize();
+    ComPtr<IUnknown> none;
+    EXPECT_EQ(CoGetClassObject(__uuidof(DriverAutomation), CLSCTX_INPROC_SERVER, nullptr, __uuidof(IUnknown),
+                               reinterpret_cast<void**>(none.Put())),
+              REGDB_E_CLASSNOTREG);
 }
 
 } // namespace

@@ -12,6 +12,7 @@
 #include "demo/WinePrinters.h"
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Holdings.h"
+#include "tests/kit/Owners.h"
 
 using namespace kit;
 
@@ -64,63 +65,61 @@ TEST_F(HoldingsWatch, CountsHeapBlocksFromEveryCall) {
 }
 
 TEST_F(HoldingsWatch, CountsLocalBlocks) {
-    const HLOCAL block = LocalAlloc(LPTR, 1);
+    UniqueLocal<void> block(LocalAlloc(LPTR, 1));
     wchar_t* text = nullptr;
     FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
                        FORMAT_MESSAGE_IGNORE_INSERTS,
                    nullptr, ERROR_ACCESS_DENIED, 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
-    ASSERT_TRUE(text);
+    UniqueLocal<wchar_t> owned(text);
+    ASSERT_TRUE(owned);
     EXPECT_EQ(Since(&Holdings::localBlocks), 2);
-    LocalFree(block);
-    LocalFree(text);
+    block.reset();
+    owned.reset();
     LocalFree(nullptr);
     EXPECT_EQ(Since(&Holdings::localBlocks), 0);
 }
 
 TEST_F(HoldingsWatch, CountsTexts) {
-    const BSTR text = SysAllocString(L"text");
-    const BSTR other = SysAllocStringLen(nullptr, 3);
+    kemba::OwnedBstr text;
+    kemba::OwnedBstr other;
+    *text.Put() = SysAllocString(L"text");
+    *other.Put() = SysAllocStringLen(nullptr, 3);
     EXPECT_EQ(Since(&Holdings::texts), 2);
-    SysFreeString(text);
-    SysFreeString(other);
+    text = {};
+    other = {};
     SysFreeString(nullptr);
     EXPECT_EQ(Since(&Holdings::texts), 0);
 }
 
 TEST_F(HoldingsWatch, CountsRegistryKeys) {
-    HKEY opened = nullptr;
-    HKEY missing = nullptr;
-    HKEY made = nullptr;
-    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, L"Software", 0, KEY_READ, &opened), ERROR_SUCCESS);
-    EXPECT_NE(RegOpenKeyExW(HKEY_CURRENT_USER, L"No such key", 0, KEY_READ, &missing), ERROR_SUCCESS);
-    ASSERT_EQ(
-        RegCreateKeyExW(HKEY_CURRENT_USER, L"Software", 0, nullptr, 0, KEY_READ, nullptr, &made, nullptr),
-        ERROR_SUCCESS);
+    UniqueKey opened = OpenKey(HKEY_CURRENT_USER, L"Software", KEY_READ);
+    ASSERT_TRUE(opened);
+    EXPECT_FALSE(OpenKey(HKEY_CURRENT_USER, L"No such key", KEY_READ));
+    UniqueKey made = MakeKey(HKEY_CURRENT_USER, L"Software", KEY_READ);
+    ASSERT_TRUE(made);
     EXPECT_EQ(Since(&Holdings::registryKeys), 2);
-    RegCloseKey(opened);
-    RegCloseKey(made);
+    opened.reset();
+    made.reset();
     EXPECT_EQ(Since(&Holdings::registryKeys), 0);
 }
 
 TEST_F(HoldingsWatch, CountsHandles) {
-    const HANDLE file = CreateFileW(L"NUL", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    const HANDLE missing = CreateFileW(L"no such file", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    EXPECT_EQ(missing, INVALID_HANDLE_VALUE);
-    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    UniqueHandle file = OpenExisting(L"NUL", GENERIC_READ, 0);
+    EXPECT_FALSE(OpenExisting(L"no such file", GENERIC_READ, 0));
+    UniqueHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     EXPECT_EQ(Since(&Holdings::handles), 2);
-    CloseHandle(file);
-    CloseHandle(event);
+    file.reset();
+    event.reset();
     EXPECT_EQ(Since(&Holdings::handles), 0);
 }
 
 TEST_F(HoldingsWatch, CountsPrinters) {
     const demo::Printer printer;
     const long before = Since(&Holdings::printers);
-    std::wstring name = printer.Name();
-    HANDLE opened = nullptr;
-    ASSERT_TRUE(OpenPrinterW(name.data(), &opened, nullptr));
+    UniquePrinter opened = OwnPrinter(printer.Name());
+    ASSERT_TRUE(opened);
     EXPECT_EQ(Since(&Holdings::printers), before + 1);
-    ClosePrinter(opened);
+    opened.reset();
     EXPECT_EQ(Since(&Holdings::printers), before);
 }
 

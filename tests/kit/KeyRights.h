@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "tests/kit/Owners.h"
+
 namespace kit {
 
 /// Leaves everybody, the test included, certain rights to a key and no more (beside that of changing the
@@ -16,12 +18,12 @@ namespace kit {
 class KeyRights {
   public:
     KeyRights(HKEY root, std::wstring path, DWORD rights) : m_root(root), m_path(std::move(path)) {
-        const HKEY key = Open(READ_CONTROL);
+        const UniqueKey key = OpenKey(m_root, m_path, READ_CONTROL);
         DWORD size = 0;
-        RegGetKeySecurity(key, DACL_SECURITY_INFORMATION, nullptr, &size);
+        RegGetKeySecurity(key.get(), DACL_SECURITY_INFORMATION, nullptr, &size);
         m_before.resize(size);
-        EXPECT_EQ(RegGetKeySecurity(key, DACL_SECURITY_INFORMATION, m_before.data(), &size), ERROR_SUCCESS);
-        RegCloseKey(key);
+        EXPECT_EQ(RegGetKeySecurity(key.get(), DACL_SECURITY_INFORMATION, m_before.data(), &size),
+                  ERROR_SUCCESS);
 
         struct {
             ACL list;
@@ -40,15 +42,10 @@ class KeyRights {
     ~KeyRights() { Apply(m_before.data()); }
 
   private:
-    HKEY Open(DWORD rights) const {
-        HKEY key = nullptr;
-        EXPECT_EQ(RegOpenKeyExW(m_root, m_path.c_str(), 0, rights, &key), ERROR_SUCCESS);
-        return key;
-    }
     void Apply(PSECURITY_DESCRIPTOR descriptor) const {
-        const HKEY key = Open(WRITE_DAC);
-        EXPECT_EQ(RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, descriptor), ERROR_SUCCESS);
-        RegCloseKey(key);
+        EXPECT_EQ(RegSetKeySecurity(OpenKey(m_root, m_path, WRITE_DAC).get(), DACL_SECURITY_INFORMATION,
+                                    descriptor),
+                  ERROR_SUCCESS);
     }
 
     HKEY m_root;

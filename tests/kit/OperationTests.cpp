@@ -5,60 +5,41 @@
 #include <functional>
 #include <map>
 
+#include "automation/Activation.h"
 #include "tests/kit/FakeServer.h"
-#include "tests/kit/TestClient.h"
 
 using namespace kit;
 
 namespace {
 
+using kemba::CallForObject;
+using kemba::ComPtr;
+using kemba::OwnedBstr;
+
 /// One object with each of the interfaces.
 struct Objects {
-    Objects() {
-        automation->GetSettings(&settings);
-        automation->GetPrinterQueue(&queue);
-        automation->GetPrinterInformation(&information);
-    }
-    Objects(const Objects&) = delete;
-    Objects& operator=(const Objects&) = delete;
-    ~Objects() {
-        for (IUnknown* const object :
-             std::initializer_list<IUnknown*>{automation, settings, actions, queue, information, version}) {
-            object->Release();
-        }
-    }
-
-    IDriverAutomation* automation = Bound(L"A");
-    IDriverSettings* settings = nullptr;
-    IDriverActions* actions = Activate<IDriverActions>(__uuidof(DriverActions));
-    IPrinterQueue* queue = nullptr;
-    IPrinterInformation* information = nullptr;
-    IVersionInformation* version = Activate<IVersionInformation>(__uuidof(VersionInformation));
+    const ComPtr<IDriverAutomation> automation = kemba::ActivateForPrinter(L"A");
+    const ComPtr<IDriverSettings> settings = CallForObject(automation, &IDriverAutomation::GetSettings);
+    const ComPtr<IDriverActions> actions = kemba::Activate<DriverActions, IDriverActions>();
+    const ComPtr<IPrinterQueue> queue = CallForObject(automation, &IDriverAutomation::GetPrinterQueue);
+    const ComPtr<IPrinterInformation> information =
+        CallForObject(automation, &IDriverAutomation::GetPrinterInformation);
+    const ComPtr<IVersionInformation> version = kemba::Activate<VersionInformation, IVersionInformation>();
 };
 
-/// Where an operation leaves what it gives; freed in the end.
+/// Where an operation leaves what it gives.
 struct Out {
-    Out() = default;
-    Out(const Out&) = delete;
-    Out& operator=(const Out&) = delete;
-    ~Out() {
-        SysFreeString(text);
-        if (object) {
-            object->Release();
-        }
-    }
-
     template<class Part>
-    HRESULT Get(IDriverAutomation* from, HRESULT (IDriverAutomation::*get)(Part**)) {
+    HRESULT Get(const ComPtr<IDriverAutomation>& from, HRESULT (IDriverAutomation::*get)(Part**)) {
         Part* part = nullptr;
-        const HRESULT status = (from->*get)(&part);
-        object = part;
+        const HRESULT status = (from.Get()->*get)(&part);
+        object = ComPtr<IUnknown>(part);
         return status;
     }
 
-    BSTR text = nullptr;
+    OwnedBstr text;
     VARIANT_BOOL flag = 0;
-    IUnknown* object = nullptr;
+    ComPtr<IUnknown> object;
 };
 
 using CallOne = std::function<HRESULT(Objects&, Out&)>;
@@ -71,23 +52,23 @@ const std::map<std::string_view, CallOne> kCalls = {
     {"IDriverAutomation.PerformAction",
      [](Objects& on, Out&) { return on.automation->PerformAction(1, {}); }},
     {"IDriverAutomation.GetShareName",
-     [](Objects& on, Out& out) { return on.automation->GetShareName(&out.text); }},
+     [](Objects& on, Out& out) { return on.automation->GetShareName(out.text.Put()); }},
     {"IDriverAutomation.PutShareName",
      [](Objects& on, Out&) { return on.automation->PutShareName(nullptr); }},
     {"IDriverAutomation.GetPortName",
-     [](Objects& on, Out& out) { return on.automation->GetPortName(&out.text); }},
+     [](Objects& on, Out& out) { return on.automation->GetPortName(out.text.Put()); }},
     {"IDriverAutomation.GetModelName",
-     [](Objects& on, Out& out) { return on.automation->GetModelName(&out.text); }},
+     [](Objects& on, Out& out) { return on.automation->GetModelName(out.text.Put()); }},
     {"IDriverAutomation.GetComment",
-     [](Objects& on, Out& out) { return on.automation->GetComment(&out.text); }},
+     [](Objects& on, Out& out) { return on.automation->GetComment(out.text.Put()); }},
     {"IDriverAutomation.PutComment", [](Objects& on, Out&) { return on.automation->PutComment(nullptr); }},
     {"IDriverAutomation.GetLocation",
-     [](Objects& on, Out& out) { return on.automation->GetLocation(&out.text); }},
+     [](Objects& on, Out& out) { return on.automation->GetLocation(out.text.Put()); }},
     {"IDriverAutomation.PutLocation", [](Objects& on, Out&) { return on.automation->PutLocation(nullptr); }},
     {"IDriverAutomation.GetDriverVersion",
-     [](Objects& on, Out& out) { return on.automation->GetDriverVersion(&out.text); }},
+     [](Objects& on, Out& out) { return on.automation->GetDriverVersion(out.text.Put()); }},
     {"IDriverAutomation.GetDriverVersionDetail",
-     [](Objects& on, Out& out) { return on.automation->GetDriverVersionDetail(&out.text); }},
+     [](Objects& on, Out& out) { return on.automation->GetDriverVersionDetail(out.text.Put()); }},
     {"IDriverAutomation.GetPrinterQueue",
      [](Objects& on, Out& out) { return out.Get(on.automation, &IDriverAutomation::GetPrinterQueue); }},
     {"IDriverAutomation.GetPrinterInformation",
@@ -108,11 +89,11 @@ const std::map<std::string_view, CallOne> kCalls = {
     {"IPrinterQueue.Resume", [](Objects& on, Out&) { return on.queue->Resume(); }},
     {"IPrinterQueue.Purge", [](Objects& on, Out&) { return on.queue->Purge(); }},
     {"IPrinterInformation.GetStatus",
-     [](Objects& on, Out& out) { return on.information->GetStatus(&out.text); }},
+     [](Objects& on, Out& out) { return on.information->GetStatus(out.text.Put()); }},
     {"IVersionInformation.GetVersion",
-     [](Objects& on, Out& out) { return on.version->GetVersion(&out.text); }},
+     [](Objects& on, Out& out) { return on.version->GetVersion(out.text.Put()); }},
     {"IVersionInformation.GetVersionDetail",
-     [](Objects& on, Out& out) { return on.version->GetVersionDetail(&out.text); }},
+     [](Objects& on, Out& out) { return on.version->GetVersionDetail(out.text.Put()); }},
 };
 
 TEST(Operations, TheTableNamesExactlyTheOperationsOfTheObjects) {
@@ -134,8 +115,8 @@ TEST(Operations, TheTableNamesExactlyTheOperationsOfTheObjects) {
                                  std::string(operation.name.substr(operation.name.find('.'))) + "("),
                       0U)
                 << shown;
-            EXPECT_EQ(out.text != nullptr, operation.WhatItGives() == Gives::Text);
-            EXPECT_EQ(out.object != nullptr, operation.WhatItGives() == Gives::Object);
+            EXPECT_EQ(static_cast<bool>(out.text), operation.WhatItGives() == Gives::Text);
+            EXPECT_EQ(static_cast<bool>(out.object), operation.WhatItGives() == Gives::Object);
         }
         EXPECT_EQ(server.Faults(), Lines{});
     }
@@ -150,8 +131,8 @@ TEST(Operations, EveryOneFailsWhenToldAndGivesNothing) {
             server.Fail(operation.name, E_ACCESSDENIED);
             Out out;
             EXPECT_EQ(kCalls.at(operation.name)(objects, out), E_ACCESSDENIED);
-            EXPECT_EQ(out.text, nullptr);
-            EXPECT_EQ(out.object, nullptr);
+            EXPECT_FALSE(out.text);
+            EXPECT_FALSE(out.object);
             EXPECT_EQ(out.flag, VARIANT_FALSE);
         }
         EXPECT_EQ(server.Faults(), Lines{});
@@ -169,8 +150,8 @@ TEST(Operations, TextsAndObjectsCanBeNull) {
         server.GiveNull(operation.name);
         Out out;
         EXPECT_EQ(kCalls.at(operation.name)(objects, out), S_OK);
-        EXPECT_EQ(out.text, nullptr);
-        EXPECT_EQ(out.object, nullptr);
+        EXPECT_FALSE(out.text);
+        EXPECT_FALSE(out.object);
     }
 }
 

@@ -13,10 +13,10 @@ SECURITY_ATTRIBUTES Inheritable() {
     return attributes;
 }
 
-Handle Open(const wchar_t* path, DWORD access, DWORD share) {
+UniqueHandle Open(const wchar_t* path, DWORD access, DWORD share) {
     SECURITY_ATTRIBUTES attributes = Inheritable();
-    Handle file(CreateFileW(path, access, share, &attributes, OPEN_EXISTING, 0, nullptr));
-    if (file.Get() == INVALID_HANDLE_VALUE) {
+    UniqueHandle file = OwnFile(CreateFileW(path, access, share, &attributes, OPEN_EXISTING, 0, nullptr));
+    if (!file) {
         throw std::runtime_error("a file for a program's input or output cannot be opened");
     }
     return file;
@@ -24,7 +24,7 @@ Handle Open(const wchar_t* path, DWORD access, DWORD share) {
 
 } // namespace
 
-Handle OpenEmptyInput() {
+UniqueHandle OpenEmptyInput() {
     return Open(L"NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE);
 }
 
@@ -40,18 +40,18 @@ OutputChannel::OutputChannel(bool toFile) {
     if (!CreatePipe(&read, &write, &attributes, 0)) {
         throw std::runtime_error("a pipe cannot be made");
     }
-    m_read = Handle(read);
-    m_write = Handle(write);
+    m_read = UniqueHandle(read);
+    m_write = UniqueHandle(write);
     SetHandleInformation(read, HANDLE_FLAG_INHERIT, 0);
 }
 
 void OutputChannel::Drain() {
     char buffer[4096];
     DWORD waiting = 0;
-    while (m_read.Get() && PeekNamedPipe(m_read.Get(), nullptr, 0, nullptr, &waiting, nullptr) &&
+    while (m_read.get() && PeekNamedPipe(m_read.get(), nullptr, 0, nullptr, &waiting, nullptr) &&
            waiting > 0) {
         DWORD taken = 0;
-        if (!ReadFile(m_read.Get(), buffer, sizeof buffer, &taken, nullptr)) {
+        if (!ReadFile(m_read.get(), buffer, sizeof buffer, &taken, nullptr)) {
             return;
         }
         m_bytes.append(buffer, taken);
@@ -59,7 +59,7 @@ void OutputChannel::Drain() {
 }
 
 std::string OutputChannel::Finish() {
-    m_write.Close();
+    m_write.reset();
     if (m_file) {
         return m_file->Read();
     }

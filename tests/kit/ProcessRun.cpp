@@ -18,6 +18,17 @@ std::wstring FolderOfThisProgram() {
     return std::wstring(whole.substr(0, whole.find_last_of(L"\\/")));
 }
 
+/// Starts the line's program; throws std::runtime_error.
+UniqueHandle Create(std::wstring& line, STARTUPINFOW& startup, BOOL inherits, wchar_t* environment) {
+    PROCESS_INFORMATION started{};
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, inherits, CREATE_UNICODE_ENVIRONMENT,
+                        environment, nullptr, &startup, &started)) {
+        throw std::runtime_error("the program cannot be started, error " + std::to_string(GetLastError()));
+    }
+    const UniqueHandle thread(started.hThread);
+    return UniqueHandle(started.hProcess);
+}
+
 } // namespace
 
 std::wstring ProgramPath(std::wstring_view name) {
@@ -26,6 +37,12 @@ std::wstring ProgramPath(std::wstring_view name) {
     }
     const std::wstring folder = EnvironmentVariable(L"KEMBA_PROGRAMS");
     return (folder.empty() ? FolderOfThisProgram() : folder) + L"\\" + std::wstring(name);
+}
+
+UniqueHandle StartProgram(std::wstring line) {
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    return Create(line, startup, FALSE, nullptr);
 }
 
 ProcessResult RunProgram(std::wstring_view name, const std::vector<std::wstring>& words,
@@ -39,34 +56,28 @@ ProcessResult RunProgram(std::wstring_view name, const std::vector<std::wstring>
 
     OutputChannel output(options.outputToFile);
     OutputChannel errors(false);
-    const Handle input = OpenEmptyInput();
+    const UniqueHandle input = OpenEmptyInput();
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdInput = input.Get();
+    startup.hStdInput = input.get();
     startup.hStdOutput = options.output.value_or(output.WriteEnd());
     startup.hStdError = errors.WriteEnd();
-    PROCESS_INFORMATION started{};
-    if (!CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE, CREATE_UNICODE_ENVIRONMENT,
-                        environment.data(), nullptr, &startup, &started)) {
-        throw std::runtime_error("the program cannot be started, error " + std::to_string(GetLastError()));
-    }
-    const Handle process(started.hProcess);
-    const Handle thread(started.hThread);
+    const UniqueHandle process = Create(line, startup, TRUE, environment.data());
 
     ProcessResult result;
     const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(options.timeout.count());
     // A pipe holds little: it must be emptied while the program runs.
-    while (WaitForSingleObject(process.Get(), 5) == WAIT_TIMEOUT) {
+    while (WaitForSingleObject(process.get(), 5) == WAIT_TIMEOUT) {
         output.Drain();
         errors.Drain();
         if (GetTickCount64() >= end) {
             result.timedOut = true;
-            TerminateProcess(process.Get(), 1);
-            WaitForSingleObject(process.Get(), INFINITE);
+            TerminateProcess(process.get(), 1);
+            WaitForSingleObject(process.get(), INFINITE);
         }
     }
-    GetExitCodeProcess(process.Get(), &result.status);
+    GetExitCodeProcess(process.get(), &result.status);
     result.output = output.Finish();
     result.errors = errors.Finish();
     return result;

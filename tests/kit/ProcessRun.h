@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/kit/Owners.h"
+
 namespace kit {
 
 struct ProcessOptions {
@@ -29,6 +31,10 @@ struct ProcessResult {
 /// Path of a built program, "kemba.exe" for one: in the folder that the environment variable KEMBA_PROGRAMS
 /// names, and without that in the folder of the running test program. An absolute path stands for itself.
 std::wstring ProgramPath(std::wstring_view name);
+
+/// Starts a command line that begins with the program's path, and hands nothing over to it; gives the
+/// process. Throws std::runtime_error with the system's error number.
+UniqueHandle StartProgram(std::wstring line);
 
 /// Starts a program, which ProgramPath finds, with the words and waits for its end; standard input is empty.
 /// Throws std::runtime_error with the system's error number when it cannot be started.

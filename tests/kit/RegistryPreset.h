@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "tests/kit/Owners.h"
+
 namespace kit {
 
 /// A value's type and bytes.
@@ -31,33 +33,26 @@ struct RegistryData {
     bool operator==(const RegistryData&) const = default;
 };
 
-/// Sets a value below `root`, making its key.
+/// Sets a value below `root`, making its key; `view` is KEY_WOW64_64KEY or KEY_WOW64_32KEY, or none.
 inline void SetRegistryData(HKEY root, const std::wstring& key, const std::wstring& name,
-                            const RegistryData& data) {
-    HKEY opened = nullptr;
-    ASSERT_EQ(RegCreateKeyExW(root, key.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &opened, nullptr),
-              ERROR_SUCCESS);
-    EXPECT_EQ(RegSetValueExW(opened, name.c_str(), 0, data.type, data.bytes.data(),
+                            const RegistryData& data, REGSAM view = 0) {
+    const UniqueKey made = MakeKey(root, key, KEY_WRITE | view);
+    EXPECT_EQ(RegSetValueExW(made.get(), name.c_str(), 0, data.type, data.bytes.data(),
                              static_cast<DWORD>(data.bytes.size())),
               ERROR_SUCCESS);
-    RegCloseKey(opened);
 }
 
 /// The value below `root`, or nothing.
 inline std::optional<RegistryData> GetRegistryData(HKEY root, const std::wstring& key,
                                                    const std::wstring& name) {
-    HKEY opened = nullptr;
-    if (RegOpenKeyExW(root, key.c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS) {
-        return std::nullopt;
-    }
+    const UniqueKey opened = OpenKey(root, key, KEY_READ);
     RegistryData data;
     DWORD size = 0;
-    LSTATUS status = RegQueryValueExW(opened, name.c_str(), nullptr, &data.type, nullptr, &size);
+    LSTATUS status = RegQueryValueExW(opened.get(), name.c_str(), nullptr, &data.type, nullptr, &size);
     if (status == ERROR_SUCCESS) {
         data.bytes.resize(size);
-        status = RegQueryValueExW(opened, name.c_str(), nullptr, &data.type, data.bytes.data(), &size);
+        status = RegQueryValueExW(opened.get(), name.c_str(), nullptr, &data.type, data.bytes.data(), &size);
     }
-    RegCloseKey(opened);
     data.bytes.resize(size);
     return status == ERROR_SUCCESS ? std::optional(data) : std::nullopt;
 }
@@ -106,11 +101,8 @@ class ScratchKey {
     std::optional<RegistryData> Get(const std::wstring& name, const std::wstring& below = L"") const {
         return GetRegistryData(m_root, Below(below), name);
     }
-    bool Exists() const {
-        HKEY key = nullptr;
-        return RegOpenKeyExW(m_root, m_path.c_str(), 0, KEY_READ, &key) == ERROR_SUCCESS &&
-               RegCloseKey(key) == ERROR_SUCCESS;
-    }
+    bool Exists() const { return OpenKey(m_root, m_path, KEY_READ) != nullptr; }
+    const std::wstring& Path() const { return m_path; }
 
   private:
     std::wstring Below(const std::wstring& path) const {

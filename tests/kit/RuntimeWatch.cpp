@@ -38,17 +38,15 @@ class RuntimeWatch::Spy final : public OneInterface<IInitializeSpy> {
     int m_balance = 0;
 };
 
-RuntimeWatch::RuntimeWatch(std::shared_ptr<ServerState> state) : m_spy(new Spy(std::move(state))) {
-    if (FAILED(CoInitialize(nullptr)) || FAILED(CoRegisterInitializeSpy(m_spy, &m_cookie))) {
-        m_spy->Release();
-        throw std::runtime_error("the component runtime cannot be initialised and watched");
+RuntimeWatch::RuntimeWatch(std::shared_ptr<ServerState> state)
+    : m_spy(kemba::MakeObject<Spy>(std::move(state))) {
+    if (FAILED(CoRegisterInitializeSpy(m_spy.Get(), &m_cookie))) {
+        throw std::runtime_error("the component runtime cannot be watched");
     }
 }
 
 RuntimeWatch::~RuntimeWatch() {
     CoRevokeInitializeSpy(m_cookie);
-    m_spy->Release();
-    CoUninitialize();
 }
 
 int RuntimeWatch::Balance() const {

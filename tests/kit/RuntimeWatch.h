@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "tests/kit/Owners.h"
 #include "tests/kit/ServerState.h"
 
 namespace kit {
@@ -25,7 +26,8 @@ class RuntimeWatch {
   private:
     class Spy;
 
-    Spy* m_spy; // one reference is ours
+    const Apartment m_apartment;
+    const kemba::ComPtr<Spy> m_spy;
     ULARGE_INTEGER m_cookie{};
 };
 

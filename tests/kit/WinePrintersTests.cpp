@@ -14,6 +14,7 @@
 #include "demo/SpoolerError.h"
 #include "demo/SpoolerLock.h"
 #include "demo/WinePrinters.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/ProcessRun.h"
 
@@ -26,14 +27,12 @@ bool IsListed(const std::wstring& name) {
 }
 
 /// The printer as the spooler describes it; `buffer` holds the texts.
-PRINTER_INFO_2W Describe(std::wstring name, std::vector<BYTE>& buffer) {
-    HANDLE printer = nullptr;
-    OpenPrinterW(name.data(), &printer, nullptr);
+PRINTER_INFO_2W Describe(const std::wstring& name, std::vector<BYTE>& buffer) {
+    const UniquePrinter printer = OwnPrinter(name);
     DWORD size = 0;
-    GetPrinterW(printer, 2, nullptr, 0, &size);
+    GetPrinterW(printer.get(), 2, nullptr, 0, &size);
     buffer.resize(size);
-    const bool done = GetPrinterW(printer, 2, buffer.data(), size, &size);
-    ClosePrinter(printer);
+    const bool done = GetPrinterW(printer.get(), 2, buffer.data(), size, &size);
     return done ? *reinterpret_cast<PRINTER_INFO_2W*>(buffer.data()) : PRINTER_INFO_2W{};
 }
 
@@ -41,20 +40,15 @@ std::wstring TextOf(const wchar_t* text) {
     return text ? text : L"";
 }
 
-bool SendRaw(std::wstring name, std::string bytes) {
-    HANDLE printer = nullptr;
-    if (!OpenPrinterW(name.data(), &printer, nullptr)) {
-        return false;
-    }
+bool SendRaw(const std::wstring& name, std::string bytes) {
+    const UniquePrinter printer = OwnPrinter(name);
     wchar_t title[] = L"labels";
     wchar_t datatype[] = L"RAW";
     DOC_INFO_1W document{title, nullptr, datatype};
     DWORD written = 0;
-    const bool sent = StartDocPrinterW(printer, 1, reinterpret_cast<BYTE*>(&document)) != 0 &&
-                      WritePrinter(printer, bytes.data(), static_cast<DWORD>(bytes.size()), &written) &&
-                      EndDocPrinter(printer);
-    ClosePrinter(printer);
-    return sent && written == bytes.size();
+    return printer && StartDocPrinterW(printer.get(), 1, reinterpret_cast<BYTE*>(&document)) != 0 &&
+           WritePrinter(printer.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written) &&
+           EndDocPrinter(printer.get()) && written == bytes.size();
 }
 
 TEST(WinePrinters, APrinterIsListedWhileItLivesAndGoneAfterwards) {
@@ -95,15 +89,15 @@ TEST(WinePrinters, APrinterWithoutShareNameIsNotShared) {
 TEST(WinePrinters, APrinterHasADriverWithSettings) {
     const demo::Printer printer;
     std::wstring name = printer.Name();
-    HANDLE handle = nullptr;
-    ASSERT_TRUE(OpenPrinterW(name.data(), &handle, nullptr));
-    const LONG size = DocumentPropertiesW(nullptr, handle, name.data(), nullptr, nullptr, 0);
+    const UniquePrinter opened = OwnPrinter(name);
+    ASSERT_TRUE(opened);
+    const LONG size = DocumentPropertiesW(nullptr, opened.get(), name.data(), nullptr, nullptr, 0);
     ASSERT_GE(size, static_cast<LONG>(sizeof(DEVMODEW)));
     std::vector<BYTE> buffer(static_cast<std::size_t>(size));
     auto* const settings = reinterpret_cast<DEVMODEW*>(buffer.data());
-    EXPECT_EQ(DocumentPropertiesW(nullptr, handle, name.data(), settings, nullptr, DM_OUT_BUFFER), IDOK);
+    EXPECT_EQ(DocumentPropertiesW(nullptr, opened.get(), name.data(), settings, nullptr, DM_OUT_BUFFER),
+              IDOK);
     EXPECT_GT(settings->dmSize, 0);
-    ClosePrinter(handle);
 }
 
 TEST(WinePrinters, TheNameOfAnotherPrinterIsRefused) {
@@ -144,7 +138,7 @@ TEST(WinePrinters, TheDefaultPrinterIsSetAndPutBack) {
 
 TEST(WinePrinters, TheLockKeepsOthersOut) {
     const std::wstring name = demo::UniquePrinterName();
-    HANDLE const held = CreateMutexW(nullptr, TRUE, name.c_str());
+    const UniqueHandle held(CreateMutexW(nullptr, TRUE, name.c_str()));
     std::atomic<bool> inside = false;
     std::thread other([&] {
         const demo::SpoolerLock lock(name.c_str());
@@ -152,10 +146,9 @@ TEST(WinePrinters, TheLockKeepsOthersOut) {
     });
     Sleep(100);
     EXPECT_FALSE(inside);
-    ReleaseMutex(held);
+    ReleaseMutex(held.get());
     other.join();
     EXPECT_TRUE(inside);
-    CloseHandle(held);
 }
 
 /// The demo printers' program in a list of printers that is as it was before once the test is over.

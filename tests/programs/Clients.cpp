@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "tests/kit/CommandLine.h"
+#include "tests/kit/Owners.h"
 
 namespace kit {
 namespace {
@@ -49,14 +50,14 @@ class Inheritance {
 void Clients::Start(std::wstring_view name, const std::vector<std::wstring>& words) {
     const std::wstring path = ProgramPath(name);
     std::wstring line = L"\"" + path + L"\" " + MakeCommandLine(words);
-    const Handle input = OpenEmptyInput();
+    const UniqueHandle input = OpenEmptyInput();
     Client& client = m_clients.emplace_back();
-    std::vector<HANDLE> handles{input.Get(), client.output.WriteEnd()};
+    std::vector<HANDLE> handles{input.get(), client.output.WriteEnd()};
     Inheritance inheritance(handles);
     STARTUPINFOEXW startup{};
     startup.StartupInfo.cb = sizeof startup;
     startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
-    startup.StartupInfo.hStdInput = input.Get();
+    startup.StartupInfo.hStdInput = input.get();
     startup.StartupInfo.hStdOutput = client.output.WriteEnd();
     startup.StartupInfo.hStdError = client.output.WriteEnd();
     startup.lpAttributeList = inheritance.Get();
@@ -68,8 +69,8 @@ void Clients::Start(std::wstring_view name, const std::vector<std::wstring>& wor
         SetLastError(error);
         Fail("the program cannot be started");
     }
-    client.process = Handle(started.hProcess);
-    const Handle thread(started.hThread);
+    client.process = UniqueHandle(started.hProcess);
+    const UniqueHandle thread(started.hThread);
 }
 
 std::vector<ProcessResult> Clients::Finish(std::chrono::milliseconds timeout) {
@@ -79,13 +80,13 @@ std::vector<ProcessResult> Clients::Finish(std::chrono::milliseconds timeout) {
     for (Client& client : m_clients) {
         ProcessResult& result = results.emplace_back();
         const ULONGLONG now = GetTickCount64();
-        if (WaitForSingleObject(client.process.Get(), now < end ? static_cast<DWORD>(end - now) : 0) !=
+        if (WaitForSingleObject(client.process.get(), now < end ? static_cast<DWORD>(end - now) : 0) !=
             WAIT_OBJECT_0) {
             result.timedOut = true;
-            TerminateProcess(client.process.Get(), 1);
-            WaitForSingleObject(client.process.Get(), kLastWait);
+            TerminateProcess(client.process.get(), 1);
+            WaitForSingleObject(client.process.get(), kLastWait);
         }
-        GetExitCodeProcess(client.process.Get(), &result.status);
+        GetExitCodeProcess(client.process.get(), &result.status);
         result.output = client.output.Finish();
     }
     m_clients.clear();

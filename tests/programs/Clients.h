@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/kit/OutputChannel.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/ProcessRun.h"
 
 namespace kit {
@@ -32,7 +33,7 @@ class Clients {
   private:
     struct Client {
         OutputChannel output{true};
-        Handle process;
+        UniqueHandle process;
     };
     std::deque<Client> m_clients;
 };

@@ -10,6 +10,7 @@
 
 #include "core/Utf8.h"
 #include "demo/WinePrinters.h"
+#include "tests/kit/Owners.h"
 #include "tests/programs/Kemba.h"
 
 using namespace kit;
@@ -47,14 +48,12 @@ std::string HelpFor(const std::wstring& topic) {
 }
 
 /// What the spooler holds.
-std::wstring LocationOf(std::wstring printer) {
-    HANDLE handle = nullptr;
-    EXPECT_TRUE(OpenPrinterW(printer.data(), &handle, nullptr));
+std::wstring LocationOf(const std::wstring& printer) {
+    const UniquePrinter opened = OwnPrinter(printer);
     DWORD size = 0;
-    GetPrinterW(handle, 2, nullptr, 0, &size);
+    GetPrinterW(opened.get(), 2, nullptr, 0, &size);
     std::vector<BYTE> record(size);
-    EXPECT_TRUE(GetPrinterW(handle, 2, record.data(), size, &size));
-    ClosePrinter(handle);
+    EXPECT_TRUE(GetPrinterW(opened.get(), 2, record.data(), size, &size));
     return reinterpret_cast<const PRINTER_INFO_2W*>(record.data())->pLocation;
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "messages/TextResource.h"
+#include "tests/kit/Owners.h"
 #include "tests/programs/Kemba.h"
 
 using namespace kit;
@@ -77,15 +78,12 @@ TEST(KembaProgram, TakesALoneSurrogate) {
 
 /// A resource of kemba.exe, as text; empty when there is none.
 std::string ResourceOfKemba(const wchar_t* type, const wchar_t* name) {
-    const HMODULE program =
-        LoadLibraryExW(ProgramPath(L"kemba.exe").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    const HRSRC found = FindResourceW(program, name, type);
-    const std::string text =
-        found ? std::string(static_cast<const char*>(LockResource(LoadResource(program, found))),
-                            SizeofResource(program, found))
-              : std::string();
-    FreeLibrary(program);
-    return text;
+    const UniqueLibrary program(
+        LoadLibraryExW(ProgramPath(L"kemba.exe").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
+    const HRSRC found = FindResourceW(program.get(), name, type);
+    return found ? std::string(static_cast<const char*>(LockResource(LoadResource(program.get(), found))),
+                               SizeofResource(program.get(), found))
+                 : std::string();
 }
 
 TEST(KembaProgram, ItsManifestNamesAllFiveSystemsAndNoCodePage) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "automation/Activation.h"
+#include "tests/kit/Owners.h"
 #include "tests/substitute/ServerProgram.h"
 
 namespace kit {
@@ -24,10 +25,10 @@ HeldServer::HeldServer(const std::wstring& printer, std::chrono::seconds limit)
         throw std::runtime_error(std::to_string(servers.size()) + " servers are running");
     }
     m_processId = servers.front();
-    m_process = Handle(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_SET_INFORMATION | PROCESS_VM_READ |
-                                       PROCESS_TERMINATE | SYNCHRONIZE,
-                                   FALSE, m_processId));
-    if (!m_process.Get() || !m_over.Get()) {
+    m_process = UniqueHandle(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_SET_INFORMATION |
+                                             PROCESS_VM_READ | PROCESS_TERMINATE | SYNCHRONIZE,
+                                         FALSE, m_processId));
+    if (!m_process.get() || !m_over.get()) {
         throw std::runtime_error("the server cannot be watched, error " + std::to_string(GetLastError()));
     }
     m_actions = kemba::Activate<DriverActions, IDriverActions>();
@@ -46,7 +47,7 @@ HeldServer::~HeldServer() {
     m_automation.Reset();
     m_actions.Reset();
     m_version.Reset();
-    SetEvent(m_over.Get());
+    SetEvent(m_over.get());
     m_watch.join();
 }
 
@@ -55,11 +56,11 @@ bool HeldServer::IsStillTheOne() const {
 }
 
 void HeldServer::End() {
-    TerminateProcess(m_process.Get(), 1);
+    TerminateProcess(m_process.get(), 1);
 }
 
 void HeldServer::EndAfter(std::chrono::milliseconds limit) {
-    if (WaitForSingleObject(m_over.Get(), static_cast<DWORD>(limit.count())) == WAIT_TIMEOUT) {
+    if (WaitForSingleObject(m_over.get(), static_cast<DWORD>(limit.count())) == WAIT_TIMEOUT) {
         std::printf("the server is ended: it did not answer in time\n");
         End();
     }

@@ -10,6 +10,7 @@
 
 #include "automation/Owners.h"
 #include "tests/kit/OutputChannel.h"
+#include "tests/kit/Owners.h"
 
 namespace kit {
 
@@ -26,7 +27,7 @@ class HeldServer {
     ~HeldServer();
 
     /// Valid as long as the server is held.
-    HANDLE Process() const { return m_process.Get(); }
+    HANDLE Process() const { return m_process.get(); }
     /// Whether the server's process is still the one that was started first, and the only one.
     bool IsStillTheOne() const;
     /// Ends the server's process: for a server whose clients wait in vain.
@@ -42,8 +43,8 @@ class HeldServer {
     kemba::ComPtr<IPrinterInformation> m_information;
     kemba::ComPtr<IPrinterQueue> m_queue;
     DWORD m_processId = 0;
-    Handle m_process;
-    Handle m_over; // set when the limit is of no interest any more
+    UniqueHandle m_process;
+    UniqueHandle m_over; // set when the limit is of no interest any more
     std::thread m_watch;
 };
 

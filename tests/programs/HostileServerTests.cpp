@@ -17,6 +17,8 @@
 #include "tests/kit/Environment.h"
 #include "tests/kit/Operations.h"
 #include "tests/kit/OutputChannel.h"
+#include "tests/kit/Owners.h"
+#include "tests/kit/ProcessRun.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/programs/Kemba.h"
@@ -71,46 +73,37 @@ class HostileServer {
                                   hostility.how})) {}
     HostileServer(const HostileServer&) = delete;
     HostileServer& operator=(const HostileServer&) = delete;
-    ~HostileServer() { SetEvent(m_over.Get()); }
+    ~HostileServer() { SetEvent(m_over.get()); }
 
     /// What starts it; Wine takes no more than 260 characters from the registry.
     const std::wstring& Line() const { return m_line; }
     /// Starts it, and waits until clients can come.
     void Start() {
-        STARTUPINFOW startup{};
-        startup.cb = sizeof startup;
-        PROCESS_INFORMATION started{};
-        std::wstring line = m_line;
-        if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                            &started)) {
-            throw std::runtime_error("the hostile server cannot be started");
-        }
-        const Handle thread(started.hThread);
-        m_process = Handle(started.hProcess);
-        const HANDLE either[] = {m_ready.Get(), m_process.Get()};
+        m_process = StartProgram(m_line);
+        const HANDLE either[] = {m_ready.get(), m_process.get()};
         EXPECT_EQ(WaitForMultipleObjects(2, either, FALSE, kPatience), WAIT_OBJECT_0);
     }
     /// Whether somebody started it.
-    bool WasStarted() const { return WaitForSingleObject(m_ready.Get(), 0) == WAIT_OBJECT_0; }
+    bool WasStarted() const { return WaitForSingleObject(m_ready.get(), 0) == WAIT_OBJECT_0; }
     /// Whether it died as it was told to.
     bool Died() const {
         DWORD status = 0;
-        return WaitForSingleObject(m_process.Get(), kPatience) == WAIT_OBJECT_0 &&
-               GetExitCodeProcess(m_process.Get(), &status) && status == kDeath;
+        return WaitForSingleObject(m_process.get(), kPatience) == WAIT_OBJECT_0 &&
+               GetExitCodeProcess(m_process.get(), &status) && status == kDeath;
     }
 
   private:
     static constexpr DWORD kDeath = 9; // its exit status when it dies
 
-    Handle MakeEvent(const wchar_t* suffix) const {
-        return Handle(CreateEventW(nullptr, TRUE, FALSE, (m_events + suffix).c_str()));
+    UniqueHandle MakeEvent(const wchar_t* suffix) const {
+        return UniqueHandle(CreateEventW(nullptr, TRUE, FALSE, (m_events + suffix).c_str()));
     }
 
     const std::wstring m_events;
-    const Handle m_ready;
-    const Handle m_over;
+    const UniqueHandle m_ready;
+    const UniqueHandle m_over;
     const std::wstring m_line;
-    Handle m_process;
+    UniqueHandle m_process;
 };
 
 /// What stands in the registry for the classes of one server, as long as it lives.

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "demo/WinePrinters.h"
+#include "tests/kit/Owners.h"
 #include "tests/programs/Clients.h"
 #include "tests/programs/HeldServer.h"
 #include "tests/programs/Kemba.h"
@@ -63,8 +64,8 @@ TEST(ServerUnderLoad, ServesManyClientsWithoutAFailureAndLeavesNothing) {
         printers.push_back(std::make_unique<demo::Printer>());
         names.push_back(printers.back()->Name());
     }
-    ASSERT_EQ(CoInitialize(nullptr), S_OK);
     {
+        const Apartment apartment;
         HeldServer server(names.front(), 200s);
         RunClients(10, names, server); // what is loaded and cached once is there
         // What the server's own objects leave would show in every round (ServerMemory looks for it block by
@@ -84,7 +85,6 @@ TEST(ServerUnderLoad, ServesManyClientsWithoutAFailureAndLeavesNothing) {
         EXPECT_LT(least, kBound);
         EXPECT_TRUE(server.IsStillTheOne());
     }
-    CoUninitialize();
     // With its last object gone the server goes too: none was left behind.
     for (int tenths = 0; !RunningServers().empty() && tenths < 450; ++tenths) {
         std::this_thread::sleep_for(100ms);
@@ -103,9 +103,8 @@ TEST(ServerLast, AClientThatDiesInTheMiddleHurtsNoOther) {
     const ProcessResult run = Kemba({L"/p", printer.Name(), L"get", L"comment"});
     EXPECT_EQ(run.output, Framed("Get", Printed(printer.Name()) + ": by the door\r\n"));
     for (const DWORD server : RunningServers()) {
-        const HANDLE process = OpenProcess(PROCESS_TERMINATE, FALSE, server);
-        EXPECT_TRUE(TerminateProcess(process, 1));
-        CloseHandle(process);
+        const UniqueHandle process(OpenProcess(PROCESS_TERMINATE, FALSE, server));
+        EXPECT_TRUE(TerminateProcess(process.get(), 1));
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include "demo/WinePrinters.h"
 #include "tests/kit/OutputChannel.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/programs/Kemba.h"
 
@@ -23,24 +24,25 @@ SECURITY_ATTRIBUTES Inheritable() {
     return attributes;
 }
 
-Handle Open(const std::wstring& path, DWORD access) {
+UniqueHandle Open(const std::wstring& path, DWORD access) {
     SECURITY_ATTRIBUTES attributes = Inheritable();
-    return Handle(CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &attributes,
-                              OPEN_EXISTING, 0, nullptr));
+    return UniqueHandle(CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &attributes,
+                                    OPEN_EXISTING, 0, nullptr));
 }
 
 /// A standard output that takes nothing.
 struct BadOutput {
     const char* title;
     DWORD error; ///< of the system, when somebody writes there
-    Handle (*open)(const TemporaryFile& file);
+    UniqueHandle (*open)(const TemporaryFile& file);
 };
 
 const BadOutput kBadOutputs[] = {
-    {"None", ERROR_INVALID_HANDLE, [](const TemporaryFile&) { return Handle(); }},
-    {"Invalid", ERROR_INVALID_HANDLE, [](const TemporaryFile&) { return Handle(INVALID_HANDLE_VALUE); }},
+    {"None", ERROR_INVALID_HANDLE, [](const TemporaryFile&) { return UniqueHandle(); }},
+    {"Invalid", ERROR_INVALID_HANDLE,
+     [](const TemporaryFile&) { return UniqueHandle(INVALID_HANDLE_VALUE); }},
     {"Unknown", ERROR_INVALID_HANDLE,
-     [](const TemporaryFile&) { return Handle(reinterpret_cast<HANDLE>(0x7FFC)); }},
+     [](const TemporaryFile&) { return UniqueHandle(reinterpret_cast<HANDLE>(0x7FFC)); }},
     {"ReadOnly", ERROR_ACCESS_DENIED,
      [](const TemporaryFile& file) { return Open(file.Path(), GENERIC_READ); }},
     {"Full", ERROR_DISK_FULL, [](const TemporaryFile&) { return Open(L"Z:\\dev\\full", GENERIC_WRITE); }},
@@ -50,8 +52,8 @@ const BadOutput kBadOutputs[] = {
          HANDLE read = nullptr;
          HANDLE write = nullptr;
          EXPECT_TRUE(CreatePipe(&read, &write, &attributes, 0));
-         CloseHandle(read);
-         return Handle(write);
+         const UniqueHandle gone(read);
+         return UniqueHandle(write);
      }},
 };
 
@@ -64,7 +66,7 @@ class OutputThatFails : public testing::TestWithParam<BadOutput> {
     /// Runs kemba.exe with this standard output.
     ProcessResult Run(const Words& words) const {
         ProcessOptions options;
-        options.output = m_output.Get();
+        options.output = m_output.get();
         const ProcessResult run = Kemba(words, options);
         EXPECT_FALSE(run.timedOut);
         EXPECT_EQ(run.errors, "");
@@ -72,12 +74,12 @@ class OutputThatFails : public testing::TestWithParam<BadOutput> {
     }
 
     const TemporaryFile m_file{"what was there"};
-    const Handle m_output = GetParam().open(m_file);
+    const UniqueHandle m_output = GetParam().open(m_file);
 };
 
 TEST_P(OutputThatFails, FailsForEverybody) {
     DWORD written = 0;
-    EXPECT_FALSE(WriteFile(m_output.Get(), "x", 1, &written, nullptr));
+    EXPECT_FALSE(WriteFile(m_output.get(), "x", 1, &written, nullptr));
     EXPECT_EQ(GetLastError(), GetParam().error);
 }
 

@@ -3,6 +3,10 @@
 #include <windows.h>
 #include <winver.h>
 
+#include "core/Handles.h"
+
+using OCore::UniqueHandle;
+
 extern "C" {
 
 BOOL WINAPI DllMain(HINSTANCE library, DWORD reason, void*) {
@@ -10,7 +14,7 @@ BOOL WINAPI DllMain(HINSTANCE library, DWORD reason, void*) {
         constexpr wchar_t kMark[] = L".loaded";
         wchar_t path[MAX_PATH + ARRAYSIZE(kMark)];
         lstrcpyW(path + GetModuleFileNameW(library, path, MAX_PATH), kMark);
-        CloseHandle(CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+        const UniqueHandle mark(CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
     }
     return TRUE;
 }

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <deque>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
@@ -14,6 +15,10 @@
 
 #include "automation/Owners.h"
 #include "demo/WinePrinters.h"
+#include "tests/kit/CallTexts.h"
+#include "tests/kit/Owners.h"
+#include "tests/kit/ProcessRun.h"
+#include "tests/kit/RegistryPreset.h"
 #include "tests/programs/Kemba.h"
 #include "tests/programs/OwnClasses.h"
 #include "tests/substitute/TemporaryFolder.h"
@@ -40,25 +45,18 @@ class PlantedLibrary : public testing::Test {
             std::filesystem::copy_file(ProgramPath(L"planted_library.dll"), folder.File(library));
         }
     }
-    ~PlantedLibrary() override {
-        for (const std::wstring& key : m_keys) {
-            EXPECT_EQ(RegDeleteTreeW(HKEY_CURRENT_USER, key.c_str()), ERROR_SUCCESS);
-        }
-    }
 
     /// Copies a built program beside the planted libraries, under a name of its own, by which Wine knows what
     /// to prefer; gives its path.
     std::wstring Bring(const std::wstring& program) {
         const std::wstring name = L"planted-" + std::to_wstring(GetCurrentProcessId()) + L"-" + program;
         std::filesystem::copy_file(ProgramPath(program), folder.File(name));
-        m_keys.push_back(L"Software\\Wine\\AppDefaults\\" + name);
+        const ScratchKey& key =
+            m_keys.emplace_back(HKEY_CURRENT_USER, L"Software\\Wine\\AppDefaults\\" + name);
         for (const std::wstring& library : kLibraries) {
             const std::wstring stem =
                 library.substr(0, library.size() - (library.ends_with(L".dll") ? 4 : 0));
-            constexpr wchar_t kOrder[] = L"native,builtin";
-            EXPECT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, (m_keys.back() + L"\\DllOverrides").c_str(),
-                                      stem.c_str(), REG_SZ, kOrder, sizeof(kOrder)),
-                      ERROR_SUCCESS);
+            key.Set(stem, RegistryData::OfText(L"native,builtin"), L"DllOverrides");
         }
         return folder.File(name);
     }
@@ -74,7 +72,7 @@ class PlantedLibrary : public testing::Test {
     const TemporaryFolder folder;
 
   private:
-    std::vector<std::wstring> m_keys;
+    std::deque<ScratchKey> m_keys;
 };
 
 /// A copy of the server under classes of its own.
@@ -82,38 +80,29 @@ class OwnServer {
   public:
     explicit OwnServer(const std::wstring& program) {
         m_classes.PutInto(program);
-        std::wstring line = L"\"" + program + L"\" -Embedding";
-        STARTUPINFOW startup{};
-        startup.cb = sizeof(startup);
-        PROCESS_INFORMATION started{};
-        if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                            &startup, &started)) {
-            throw std::runtime_error("the server cannot be started");
-        }
-        CloseHandle(started.hThread);
-        m_process = started.hProcess;
+        m_process = StartProgram(L"\"" + program + L"\" -Embedding");
     }
     OwnServer(const OwnServer&) = delete;
     OwnServer& operator=(const OwnServer&) = delete;
     ~OwnServer() {
-        TerminateProcess(m_process, 0);
-        WaitForSingleObject(m_process, INFINITE);
-        CloseHandle(m_process);
+        TerminateProcess(m_process.get(), 0);
+        WaitForSingleObject(m_process.get(), INFINITE);
     }
 
     /// Asks until the server, which has just been started, offers its class; null when it ends before.
     ComPtr<IDriverAutomation> Activate() const {
-        void* object = nullptr;
-        while (FAILED(CoCreateInstance(m_classes.automation, nullptr, CLSCTX_LOCAL_SERVER,
-                                       __uuidof(IDriverAutomation), &object)) &&
-               WaitForSingleObject(m_process, 20) == WAIT_TIMEOUT) {
+        ComPtr<IDriverAutomation> object;
+        while (
+            FAILED(CoCreateInstance(m_classes.automation, nullptr, CLSCTX_LOCAL_SERVER,
+                                    __uuidof(IDriverAutomation), reinterpret_cast<void**>(object.Put()))) &&
+            WaitForSingleObject(m_process.get(), 20) == WAIT_TIMEOUT) {
         }
-        return ComPtr<IDriverAutomation>(static_cast<IDriverAutomation*>(object));
+        return object;
     }
 
   private:
     const OwnClasses m_classes;
-    HANDLE m_process = nullptr;
+    UniqueHandle m_process;
 };
 
 std::wstring Ask(IDriverAutomation& automation, HRESULT (IDriverAutomation::*question)(BSTR*)) {
@@ -143,16 +132,15 @@ TEST_F(PlantedLibrary, IsNotLoadedByKemba) {
 
 TEST_F(PlantedLibrary, IsNotLoadedByTheServer) {
     const demo::Printer printer({.comment = L"by the door"});
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     {
+        const Apartment apartment;
         const OwnServer server(Bring(L"kemba-dal.exe"));
         const ComPtr<IDriverAutomation> automation = server.Activate();
         ASSERT_TRUE(automation);
-        ASSERT_EQ(automation->PutPrinterName(OwnedBstr::Copy(printer.Name()).Get()), S_OK);
+        ASSERT_EQ(automation->PutPrinterName(InText(printer.Name())), S_OK);
         EXPECT_EQ(Ask(*automation, &IDriverAutomation::GetComment), L"by the door");
         EXPECT_NE(Ask(*automation, &IDriverAutomation::GetDriverVersion), L"") << "read by VERSION.dll";
     }
-    CoUninitialize();
     ExpectNoneWasLoaded();
 }
 

@@ -16,6 +16,7 @@
 #include "automation/Activation.h"
 #include "demo/WinePrinters.h"
 #include "tests/kit/Environment.h"
+#include "tests/kit/Owners.h"
 #include "tests/programs/HeldServer.h"
 
 using namespace kit;
@@ -59,22 +60,17 @@ class Times {
 /// A printer, opened by this process itself.
 class OpenedPrinter {
   public:
-    explicit OpenedPrinter(std::wstring name) {
-        PRINTER_DEFAULTSW defaults = {nullptr, nullptr, PRINTER_ACCESS_USE};
-        EXPECT_TRUE(OpenPrinterW(name.data(), &m_handle, &defaults));
-    }
-    OpenedPrinter(const OpenedPrinter&) = delete;
-    OpenedPrinter& operator=(const OpenedPrinter&) = delete;
-    ~OpenedPrinter() { ClosePrinter(m_handle); }
+    explicit OpenedPrinter(const std::wstring& name) : m_handle(OwnPrinter(name)) {}
 
     /// The record, with room enough at the first time of asking.
     void Ask() {
         DWORD needed = 0;
-        EXPECT_TRUE(GetPrinterW(m_handle, 2, m_record.data(), static_cast<DWORD>(m_record.size()), &needed));
+        EXPECT_TRUE(
+            GetPrinterW(m_handle.get(), 2, m_record.data(), static_cast<DWORD>(m_record.size()), &needed));
     }
 
   private:
-    HANDLE m_handle = nullptr;
+    const UniquePrinter m_handle;
     std::vector<BYTE> m_record = std::vector<BYTE>(65'536);
 };
 
@@ -96,13 +92,8 @@ class OneProcessor {
     DWORD_PTR m_former = 0;
 };
 
-class ReadCost : public testing::Test {
-  protected:
-    ReadCost() { CoInitialize(nullptr); }
-    ~ReadCost() override { CoUninitialize(); }
-};
-
-TEST_F(ReadCost, IsOneQuestionOfTheSpoolerAndOneCall) {
+TEST(ReadCost, IsOneQuestionOfTheSpoolerAndOneCall) {
+    const Apartment apartment;
     const demo::Printer printer({.comment = L"by the door"});
     OpenedPrinter opened(printer.Name());
     const HeldServer server(printer.Name(), std::chrono::seconds(60));

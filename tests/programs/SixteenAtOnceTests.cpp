@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "demo/WinePrinters.h"
+#include "tests/kit/Owners.h"
 #include "tests/programs/Clients.h"
 #include "tests/programs/HeldServer.h"
 #include "tests/programs/Kemba.h"
@@ -46,8 +47,8 @@ TEST(SixteenAtOnce, ArePrintedAndEndAsEachAlone) {
         {{L"bogus"}, "The command 'bogus' is unknown.\r\n", 2},
         {{L"/q", L"/p", one.Name(), L"get", L"comment"}, "", 0},
     };
-    ASSERT_EQ(CoInitialize(nullptr), S_OK);
     {
+        const Apartment apartment;
         const HeldServer server(one.Name(), 100s);
         Clients clients;
         for (int run = 0; run < kRuns; ++run) {
@@ -64,7 +65,6 @@ TEST(SixteenAtOnce, ArePrintedAndEndAsEachAlone) {
         EXPECT_EQ(run, kRuns);
         EXPECT_TRUE(server.IsStillTheOne());
     }
-    CoUninitialize();
 }
 
 } // namespace

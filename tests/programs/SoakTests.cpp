@@ -21,6 +21,7 @@
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
 #include "tests/kit/Environment.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/programs/Clients.h"
 #include "tests/programs/HeldServer.h"
@@ -114,9 +115,6 @@ TEST(SoakModel, FindsWholeJobsOnly) {
 
 class ServerSoak : public testing::Test {
   protected:
-    ServerSoak() { CoInitialize(nullptr); }
-    ~ServerSoak() override { CoUninitialize(); }
-
     void MakePrinters() {
         for (int number = 0; number < kSoakPrinters; ++number) {
             printers.push_back(std::make_unique<SoakPrinter>(number, folder.Path()));
@@ -243,6 +241,7 @@ class ServerSoak : public testing::Test {
             << received->size() << " jobs arrived, " << sent.size() << " were sent";
     }
 
+    const Apartment apartment;
     const TemporaryFolder folder;
     std::vector<std::unique_ptr<SoakPrinter>> printers;
     std::vector<kemba::substitute::Settings> references;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "demo/WinePrinters.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/programs/Kemba.h"
@@ -33,31 +34,25 @@ std::string RandomBytes(std::size_t count) {
 /// The printer's settings as another program sees them.
 class PrinterSettings {
   public:
-    explicit PrinterSettings(const std::wstring& name) : m_name(name) {
-        PRINTER_DEFAULTSW all{nullptr, nullptr, PRINTER_ALL_ACCESS};
-        EXPECT_TRUE(OpenPrinterW(m_name.data(), &m_handle, &all));
-    }
-    PrinterSettings(const PrinterSettings&) = delete;
-    PrinterSettings& operator=(const PrinterSettings&) = delete;
-    ~PrinterSettings() { ClosePrinter(m_handle); }
+    explicit PrinterSettings(const std::wstring& name) : m_handle(OwnPrinter(name, PRINTER_ALL_ACCESS)) {}
 
     short Orientation() const { return Mode().dmOrientation; }
     void SetOrientation(short orientation) {
         DEVMODEW& mode = Mode();
         mode.dmOrientation = orientation;
         mode.dmFields |= DM_ORIENTATION;
-        EXPECT_TRUE(SetPrinterW(m_handle, 9, m_information.data(), 0));
+        EXPECT_TRUE(SetPrinterW(m_handle.get(), 9, m_information.data(), 0));
     }
     DWORD Data(const wchar_t* value) {
         DWORD data = 0;
         DWORD needed = 0;
-        EXPECT_EQ(GetPrinterDataW(m_handle, const_cast<wchar_t*>(value), nullptr,
+        EXPECT_EQ(GetPrinterDataW(m_handle.get(), const_cast<wchar_t*>(value), nullptr,
                                   reinterpret_cast<BYTE*>(&data), sizeof(data), &needed),
                   ERROR_SUCCESS);
         return data;
     }
     void SetData(const wchar_t* value, DWORD data) {
-        EXPECT_EQ(SetPrinterDataW(m_handle, const_cast<wchar_t*>(value), REG_DWORD,
+        EXPECT_EQ(SetPrinterDataW(m_handle.get(), const_cast<wchar_t*>(value), REG_DWORD,
                                   reinterpret_cast<BYTE*>(&data), sizeof(data)),
                   ERROR_SUCCESS);
     }
@@ -66,14 +61,13 @@ class PrinterSettings {
     /// The user's device mode, read afresh; it stays until the next reading.
     DEVMODEW& Mode() const {
         DWORD needed = 0;
-        GetPrinterW(m_handle, 9, nullptr, 0, &needed);
+        GetPrinterW(m_handle.get(), 9, nullptr, 0, &needed);
         m_information.resize(needed);
-        EXPECT_TRUE(GetPrinterW(m_handle, 9, m_information.data(), needed, &needed));
+        EXPECT_TRUE(GetPrinterW(m_handle.get(), 9, m_information.data(), needed, &needed));
         return *reinterpret_cast<PRINTER_INFO_9W*>(m_information.data())->pDevMode;
     }
 
-    std::wstring m_name;
-    HANDLE m_handle = nullptr;
+    const UniquePrinter m_handle;
     mutable std::vector<BYTE> m_information;
 };
 

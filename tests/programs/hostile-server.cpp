@@ -21,6 +21,7 @@
 #include "tests/kit/Narrow.h"
 #include "tests/kit/OneInterface.h"
 #include "tests/kit/Operations.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/ServerState.h"
 #include "tests/programs/OwnClasses.h"
 
@@ -89,16 +90,15 @@ int wmain(int count, wchar_t* words[]) {
                                                    {FakeClass::VersionInformation, own.version}};
     for (const auto& [which, id] : classes) {
         DWORD registration = 0;
-        auto* const factory = new Factory(state, which, hostility);
-        if (FAILED(
-                CoRegisterClassObject(id, factory, CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE, &registration))) {
+        if (FAILED(CoRegisterClassObject(id, kemba::MakeObject<Factory>(state, which, hostility).Get(),
+                                         CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE, &registration))) {
             return 1;
         }
     }
     const std::wstring events = std::wstring(L"kemba hostile ") + words[1];
-    const HANDLE ready = OpenEventW(EVENT_MODIFY_STATE, FALSE, (events + L" ready").c_str());
-    const HANDLE over = OpenEventW(SYNCHRONIZE, FALSE, (events + L" over").c_str());
-    SetEvent(ready);
-    WaitForSingleObject(over, kLongestLife);
+    const UniqueHandle ready(OpenEventW(EVENT_MODIFY_STATE, FALSE, (events + L" ready").c_str()));
+    const UniqueHandle over(OpenEventW(SYNCHRONIZE, FALSE, (events + L" over").c_str()));
+    SetEvent(ready.get());
+    WaitForSingleObject(over.get(), kLongestLife);
     return 0;
 }

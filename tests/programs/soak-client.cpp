@@ -23,6 +23,7 @@
 #include "automation/Activation.h"
 #include "demo/SpoolerLock.h"
 #include "substitute/base/Failure.h"
+#include "tests/kit/Owners.h"
 #include "tests/programs/Kemba.h"
 #include "tests/programs/SoakModel.h"
 
@@ -316,16 +317,11 @@ int wmain(int argumentCount, wchar_t* arguments[]) {
     }
     const ULONGLONG start = std::wcstoull(arguments[2], nullptr, 10);
     const ULONGLONG end = std::wcstoull(arguments[3], nullptr, 10);
-    CoInitialize(nullptr);
-    int status = 0;
-    {
-        SoakClient client(static_cast<int>(std::wcstol(arguments[1], nullptr, 10)), start, arguments[4],
-                          {arguments + 5, arguments + argumentCount});
-        while (GetTickCount64() < end) {
-            client.Step();
-        }
-        status = client.Report();
+    const Apartment apartment;
+    SoakClient client(static_cast<int>(std::wcstol(arguments[1], nullptr, 10)), start, arguments[4],
+                      {arguments + 5, arguments + argumentCount});
+    while (GetTickCount64() < end) {
+        client.Step();
     }
-    CoUninitialize();
-    return status;
+    return client.Report();
 }

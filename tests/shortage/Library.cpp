@@ -22,6 +22,7 @@
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Holdings.h"
 #include "tests/kit/ImportPatch.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/TextWatch.h"
 #include "tests/shortage/Arena.h"
 #include "tests/shortage/Record.h"
@@ -131,14 +132,14 @@ constexpr Value kValues[] = {
     {L"ReleaseId", REG_SZ, kRelease, sizeof kRelease},
 };
 
-LSTATUS WINAPI OpenKey(HKEY, const wchar_t*, DWORD, REGSAM, HKEY* key) {
+LSTATUS WINAPI OpenAnyKey(HKEY, const wchar_t*, DWORD, REGSAM, HKEY* key) {
     *key = HKEY_CURRENT_USER; // any but null
     return ERROR_SUCCESS;
 }
 
 LSTATUS WINAPI CreateKey(HKEY root, const wchar_t* path, DWORD, wchar_t*, DWORD, REGSAM access,
                          SECURITY_ATTRIBUTES*, HKEY* key, DWORD*) {
-    return OpenKey(root, path, 0, access, key);
+    return OpenAnyKey(root, path, 0, access, key);
 }
 
 LSTATUS WINAPI CloseKey(HKEY) {
@@ -273,14 +274,13 @@ LONG WINAPI EndAtCrash(EXCEPTION_POINTERS* exception) {
 
 void ShareBoard() {
     const std::string name = Variable(kBoardVariable);
-    const HANDLE memory = OpenFileMappingA(FILE_MAP_WRITE, FALSE, name.c_str());
+    const UniqueHandle memory(OpenFileMappingA(FILE_MAP_WRITE, FALSE, name.c_str()));
     if (!memory) {
         return;
     }
-    if (void* const view = MapViewOfFile(memory, FILE_MAP_WRITE, 0, 0, sizeof(Board))) {
+    if (void* const view = MapViewOfFile(memory.get(), FILE_MAP_WRITE, 0, 0, sizeof(Board))) {
         g_board = static_cast<Board*>(view);
     }
-    CloseHandle(memory);
     g_record = &g_board->single;
 }
 
@@ -384,7 +384,7 @@ BOOL WINAPI DllMain(HINSTANCE library, DWORD reason, void*) {
         Replace("LoadLibraryExW", &Load, &g_loadLibraryEx);
         Replace("TerminateProcess", &Terminate, &g_terminateProcess);
         Replace("exit", &Exit, &g_exit);
-        Replace("RegOpenKeyExW", &OpenKey);
+        Replace("RegOpenKeyExW", &OpenAnyKey);
         Replace("RegCreateKeyExW", &CreateKey);
         Replace("RegCloseKey", &CloseKey);
         Replace("RegQueryValueExW", &QueryValue);

@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "tests/kit/OutputChannel.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/shortage/Record.h"
 
@@ -25,10 +26,10 @@ class SharedBoard {
     SharedBoard() {
         static int made = 0;
         m_name = "kemba-shortage-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++made);
-        m_memory = Handle(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(Board),
-                                             m_name.c_str()));
+        m_memory = UniqueHandle(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
+                                                   sizeof(Board), m_name.c_str()));
         m_view =
-            m_memory.Get() ? MapViewOfFile(m_memory.Get(), FILE_MAP_WRITE, 0, 0, sizeof(Board)) : nullptr;
+            m_memory.get() ? MapViewOfFile(m_memory.get(), FILE_MAP_WRITE, 0, 0, sizeof(Board)) : nullptr;
         if (!m_view) {
             throw std::runtime_error("memory cannot be shared");
         }
@@ -42,7 +43,7 @@ class SharedBoard {
 
   private:
     std::string m_name;
-    Handle m_memory;
+    UniqueHandle m_memory;
     void* m_view = nullptr;
 };
 

@@ -11,7 +11,7 @@
 
 namespace kit {
 
-/// A VARIANT that is cleared in the end.
+/// A VARIANT that a test makes and looks at; cleared in the end.
 struct Value : VARIANT {
     Value() : VARIANT{} {}
     explicit Value(const std::wstring& text) : VARIANT{} {
@@ -45,9 +45,9 @@ struct Told {
     Told(const Told&) = delete;
     Told& operator=(const Told&) = delete;
     ~Told() {
-        SysFreeString(exception.bstrSource);
-        SysFreeString(exception.bstrDescription);
-        SysFreeString(exception.bstrHelpFile);
+        for (const BSTR text : {exception.bstrSource, exception.bstrDescription, exception.bstrHelpFile}) {
+            SysFreeString(text);
+        }
     }
     std::wstring Description() const { return exception.bstrDescription ? exception.bstrDescription : L""; }
 };

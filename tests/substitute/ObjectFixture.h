@@ -6,22 +6,15 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 
 #include "substitute/objects/DriverAutomationObject.h"
+#include "tests/kit/CallTexts.h"
+#include "tests/kit/Owners.h"
 #include "tests/substitute/FakeSpooler.h"
 
 namespace kit {
-
-/// A BSTR argument for one call.
-class InText {
-  public:
-    explicit InText(const std::wstring& text) : m_text(kemba::OwnedBstr::Copy(text)) {}
-    operator BSTR() const { return m_text.Get(); }
-
-  private:
-    kemba::OwnedBstr m_text;
-};
 
 struct ErrorTexts {
     bool present = false;
@@ -45,24 +38,13 @@ inline ErrorTexts TakeErrorTexts() {
     return texts;
 }
 
-/// Calls one operation with an out text; `text` gets it, or "(null)".
-template<class Object, class Operation>
-HRESULT ReadText(Object& object, Operation operation, std::wstring& text) {
-    kemba::OwnedBstr out;
-    const HRESULT status = (object.*operation)(out.Put());
-    text = out.Get() ? std::wstring(out.Get(), SysStringLen(out.Get())) : L"(null)";
-    return status;
-}
-
 class ObjectFixture : public testing::Test {
   protected:
-    ObjectFixture() { CoInitializeEx(nullptr, COINIT_MULTITHREADED); }
-    ~ObjectFixture() override { CoUninitialize(); }
-
     kemba::ComPtr<kemba::substitute::DriverAutomationObject> MakeAutomation() {
         return kemba::MakeObject<kemba::substitute::DriverAutomationObject>(context);
     }
 
+    std::optional<Apartment> apartment{COINIT_MULTITHREADED};
     FakeSpooler spooler;
     kemba::substitute::PrinterLocks locks;
     std::wstring profileFolder = L"C:\\no such folder";

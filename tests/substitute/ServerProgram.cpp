@@ -5,19 +5,10 @@
 
 #include <array>
 
-#include "core/Handles.h"
+#include "tests/kit/Owners.h"
 
 namespace kit {
 namespace {
-
-using OCore::UniqueHandle;
-using OCore::UniqueKey;
-
-OCore::UniqueKey OpenKey(HKEY parent, const std::wstring& name, REGSAM view) {
-    HKEY opened = nullptr;
-    RegOpenKeyExW(parent, name.c_str(), 0, KEY_READ | view, &opened);
-    return OCore::UniqueKey(opened);
-}
 
 void AppendSnapshot(HKEY key, const std::wstring& path, REGSAM view, std::vector<std::wstring>& lines) {
     lines.push_back(path);
@@ -40,7 +31,7 @@ void AppendSnapshot(HKEY key, const std::wstring& path, REGSAM view, std::vector
             ERROR_SUCCESS) {
             break;
         }
-        if (const OCore::UniqueKey child = OpenKey(key, name.data(), view)) {
+        if (const UniqueKey child = OpenKey(key, name.data(), KEY_READ | view)) {
             AppendSnapshot(child.get(), path + L"\\" + name.data(), view, lines);
         }
     }
@@ -50,7 +41,7 @@ void AppendSnapshot(HKEY key, const std::wstring& path, REGSAM view, std::vector
 
 std::vector<DWORD> RunningServers() {
     std::vector<DWORD> found;
-    const OCore::UniqueHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    const UniqueHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
     PROCESSENTRY32W entry = {};
     entry.dwSize = sizeof(entry);
     for (BOOL more = Process32FirstW(snapshot.get(), &entry); more;
@@ -64,7 +55,7 @@ std::vector<DWORD> RunningServers() {
 
 std::optional<std::wstring> ReadRegistryText(HKEY root, const std::wstring& key, const std::wstring& value,
                                              REGSAM view) {
-    const OCore::UniqueKey opened = OpenKey(root, key, view);
+    const UniqueKey opened = OpenKey(root, key, KEY_READ | view);
     wchar_t text[1'024] = {};
     DWORD size = sizeof(text);
     if (!opened || RegGetValueW(opened.get(), nullptr, value.c_str(), RRF_RT_REG_SZ, nullptr, text, &size) !=
@@ -76,7 +67,7 @@ std::optional<std::wstring> ReadRegistryText(HKEY root, const std::wstring& key,
 
 std::vector<std::wstring> SnapshotRegistry(HKEY root, const std::wstring& key, REGSAM view) {
     std::vector<std::wstring> lines;
-    if (const OCore::UniqueKey opened = OpenKey(root, key, view)) {
+    if (const UniqueKey opened = OpenKey(root, key, KEY_READ | view)) {
         AppendSnapshot(opened.get(), key, view, lines);
     }
     return lines;

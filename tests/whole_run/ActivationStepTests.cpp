@@ -9,6 +9,7 @@
 #include <ostream>
 #include <string>
 
+#include "automation/Owners.h"
 #include "tests/kit/OneInterface.h"
 #include "tests/whole_run/FaultTable.h"
 #include "tests/whole_run/WholeRunTest.h"
@@ -76,10 +77,7 @@ class ClassObject final : public OneInterface<IClassFactory> {
         if (m_steps.creation) {
             return *m_steps.creation;
         }
-        auto* const made = new Object(m_steps);
-        const HRESULT status = made->QueryInterface(id, object);
-        made->Release();
-        return status;
+        return kemba::MakeObject<Object>(m_steps)->QueryInterface(id, object);
     }
     HRESULT STDMETHODCALLTYPE LockServer(WINBOOL) override { return S_OK; }
 
@@ -91,9 +89,9 @@ class ClassObject final : public OneInterface<IClassFactory> {
 class Offered {
   public:
     Offered(REFCLSID id, const Steps& steps) {
-        auto* const made = new ClassObject(steps);
-        EXPECT_EQ(CoRegisterClassObject(id, made, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &m_cookie), S_OK);
-        made->Release();
+        EXPECT_EQ(CoRegisterClassObject(id, kemba::MakeObject<ClassObject>(steps).Get(), CLSCTX_INPROC_SERVER,
+                                        REGCLS_MULTIPLEUSE, &m_cookie),
+                  S_OK);
     }
     Offered(const Offered&) = delete;
     Offered& operator=(const Offered&) = delete;

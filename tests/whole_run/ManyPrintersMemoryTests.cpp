@@ -12,6 +12,7 @@
 
 #include "tests/kit/FakeObjects.h"
 #include "tests/kit/OneInterface.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/ServerState.h"
 #include "tests/whole_run/ListedPrinters.h"
 #include "tests/whole_run/WholeRunTest.h"
@@ -70,20 +71,17 @@ void ReadStatus(const std::vector<std::wstring>& names) {
 }
 
 TEST(ManyPrintersMemory, IsThatOfOnePrinterAndTenMegabytesAtMost) {
-    ASSERT_EQ(CoInitialize(nullptr), S_OK);
+    const Apartment apartment;
     DWORD cookie = 0;
-    auto* const offered = new ForgetfulClass;
-    ASSERT_EQ(CoRegisterClassObject(__uuidof(DriverAutomation), offered, CLSCTX_INPROC_SERVER,
-                                    REGCLS_MULTIPLEUSE, &cookie),
+    ASSERT_EQ(CoRegisterClassObject(__uuidof(DriverAutomation), kemba::MakeObject<ForgetfulClass>().Get(),
+                                    CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie),
               S_OK);
-    offered->Release();
     const std::vector<std::wstring> names = Numbered(kPrinters);
     ReadStatus(Numbered(1));
     const Peak one;
     ReadStatus(names);
     const Peak many;
     CoRevokeClassObject(cookie);
-    CoUninitialize();
     std::printf("peak with 1 printer: %zu KB committed, %zu KB resident; with %d: %zu KB and %zu KB more\n",
                 one.committed / 1024, one.resident / 1024, kPrinters, (many.committed - one.committed) / 1024,
                 (many.resident - one.resident) / 1024);

@@ -1,26 +1,12 @@
 // send: which files count as there, what is passed on, and failures.
 #include "tests/kit/Narrow.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/whole_run/WholeRunTest.h"
 
 using namespace kit;
 
 namespace {
-
-/// Another user of a file.
-class OpenFile {
-  public:
-    OpenFile(const std::wstring& path, DWORD access, DWORD share)
-        : m_handle(CreateFileW(path.c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr)) {
-        EXPECT_NE(m_handle, INVALID_HANDLE_VALUE);
-    }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-    ~OpenFile() { CloseHandle(m_handle); }
-
-  private:
-    HANDLE m_handle;
-};
 
 class Send : public WholeRunTest {
   protected:
@@ -86,28 +72,29 @@ TEST_F(Send, AFolderIsNoFile) {
 
 TEST_F(Send, AFileLockedAgainstReadingIsNoFile) {
     {
-        const OpenFile user(file.Path(), GENERIC_READ, 0);
+        const UniqueHandle user = OpenExisting(file.Path(), GENERIC_READ, 0);
+        EXPECT_TRUE(user);
         ExpectNoFile(file.Path());
     }
     {
-        const OpenFile user(file.Path(), GENERIC_WRITE, FILE_SHARE_WRITE);
+        const UniqueHandle user = OpenExisting(file.Path(), GENERIC_WRITE, FILE_SHARE_WRITE);
+        EXPECT_TRUE(user);
         ExpectNoFile(file.Path());
     }
     EXPECT_EQ(RunOnFirst({L"send", file.Path()}).output, Framed({SentTo(firstName)}));
 }
 
 TEST_F(Send, AFileThatOthersReadAndWriteIsThere) {
-    const OpenFile user(file.Path(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE);
+    const UniqueHandle user =
+        OpenExisting(file.Path(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE);
+    EXPECT_TRUE(user);
     EXPECT_EQ(RunOnFirst({L"send", file.Path()}).output, Framed({SentTo(firstName)}));
 }
 
 TEST_F(Send, TheFileIsClosedBeforeTheServerSeesIt) {
     bool free = false;
-    server.Do("IDriverAutomation.SendFile", [&] {
-        const HANDLE handle = CreateFileW(file.Path().c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                          OPEN_EXISTING, 0, nullptr);
-        free = handle != INVALID_HANDLE_VALUE && CloseHandle(handle);
-    });
+    server.Do("IDriverAutomation.SendFile",
+              [&] { free = OpenExisting(file.Path(), GENERIC_READ | GENERIC_WRITE, 0) != nullptr; });
     RunOnFirst({L"send", file.Path()});
     EXPECT_TRUE(free);
 }

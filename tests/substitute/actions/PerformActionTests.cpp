@@ -252,10 +252,8 @@ TEST_F(PerformAction, WhatIsNoRequestOfThisServerIsRefused) {
             L"PerformAction on printer \"Label A\": the request is no DriverActions object of this server");
     }
     EXPECT_TRUE(Untouched());
-    EXPECT_EQ(automation->AddRef(), 2u); // no reference has been kept
-    automation->Release();
-    EXPECT_EQ(request->AddRef(), 2u);
-    request->Release();
+    EXPECT_EQ(ReferencesTo(*automation), 1u); // none has been kept
+    EXPECT_EQ(ReferencesTo(*request), 1u);
 }
 
 TEST_F(PerformAction, ARequestMayComeAsAnyKindOfObjectAndByReference) {
@@ -280,8 +278,7 @@ TEST_F(PerformAction, ARequestMayComeAsAnyKindOfObjectAndByReference) {
         spooler.printed.clear();
         EXPECT_EQ(automation->PerformAction(4, row), S_OK);
         EXPECT_EQ(spooler.printed, "\x0C");
-        EXPECT_EQ(request->AddRef(), 2u); // no reference has been kept
-        request->Release();
+        EXPECT_EQ(ReferencesTo(*request), 1u); // none has been kept
     }
 }
 

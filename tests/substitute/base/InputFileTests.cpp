@@ -84,9 +84,9 @@ TEST_F(InputFile, NobodyMayWriteMeanwhileButTheFileMayGo) {
     Put("old");
     kemba::substitute::InputFile file(L"parcel", path);
     const auto open = [&](DWORD access) {
-        return OCore::OwnFile(CreateFileW(path.c_str(), access,
-                                          FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                          OPEN_EXISTING, 0, nullptr));
+        return OwnFile(CreateFileW(path.c_str(), access,
+                                   FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                   OPEN_EXISTING, 0, nullptr));
     };
     EXPECT_FALSE(open(GENERIC_WRITE));
     EXPECT_TRUE(open(GENERIC_READ));

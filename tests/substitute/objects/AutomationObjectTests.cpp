@@ -9,6 +9,7 @@
 #include "substitute/objects/DriverActionsObject.h"
 #include "substitute/objects/VersionInformationObject.h"
 #include "substitute/server/ServerClasses.h"
+#include "tests/substitute/LateCalls.h"
 #include "tests/substitute/ObjectFixture.h"
 
 namespace {
@@ -22,58 +23,30 @@ using namespace kit;
 class AutomationObject : public ObjectFixture {
   protected:
     AutomationObject() { spooler.printers[L"Label A"].comment = L"by the door"; }
-
-    /// Calls by name with one argument, as a script does.
-    static HRESULT CallByName(IDispatch& object, std::wstring name, VARIANT argument,
-                              EXCEPINFO* exception = nullptr) {
-        LPOLESTR names = name.data();
-        DISPID member = 0;
-        const HRESULT found = object.GetIDsOfNames(IID_NULL, &names, 1, LOCALE_NEUTRAL, &member);
-        if (FAILED(found)) {
-            return found;
-        }
-        DISPPARAMS arguments = {&argument, nullptr, 1, 0};
-        return object.Invoke(member, IID_NULL, LOCALE_NEUTRAL, DISPATCH_METHOD, &arguments, nullptr,
-                             exception, nullptr);
-    }
-    static VARIANT TextArgument(BSTR text) {
-        VARIANT argument = {};
-        argument.vt = VT_BSTR;
-        argument.bstrVal = text;
-        return argument;
-    }
-    static VARIANT TextResult(BSTR* text) {
-        VARIANT argument = {};
-        argument.vt = VT_BSTR | VT_BYREF;
-        argument.pbstrVal = text;
-        return argument;
-    }
 };
 
 TEST_F(AutomationObject, LateBoundCallsReachTheOperations) {
     const auto automation = MakeAutomation();
-    const InText name(L"Label A");
-    EXPECT_EQ(CallByName(*automation, L"putprintername", TextArgument(name)), S_OK);
+    EXPECT_EQ(Call(*automation, L"putprintername", {Value(L"Label A")}), S_OK);
     OwnedBstr comment;
-    EXPECT_EQ(CallByName(*automation, L"GetComment", TextResult(comment.Put())), S_OK);
+    EXPECT_EQ(Call(*automation, L"GetComment", {Reference(VT_BSTR, comment.Put())}), S_OK);
     EXPECT_STREQ(comment.Text(), L"by the door");
 }
 
 TEST_F(AutomationObject, ALateBoundFailureCarriesItsStatus) {
     const auto automation = MakeAutomation();
-    const InText name(L"Other");
-    EXCEPINFO exception = {};
-    EXPECT_EQ(CallByName(*automation, L"PutPrinterName", TextArgument(name), &exception), DISP_E_EXCEPTION);
-    EXPECT_EQ(exception.scode, HRESULT_FROM_WIN32(ERROR_INVALID_PRINTER_NAME));
-    SysFreeString(exception.bstrSource);
-    SysFreeString(exception.bstrDescription);
-    SysFreeString(exception.bstrHelpFile);
+    Told told;
+    EXPECT_EQ(Call(*automation, L"PutPrinterName", {Value(L"Other")}, nullptr, &told), DISP_E_EXCEPTION);
+    EXPECT_EQ(told.exception.scode, HRESULT_FROM_WIN32(ERROR_INVALID_PRINTER_NAME));
     TakeErrorTexts();
 }
 
 TEST_F(AutomationObject, NamesAndInterfacesThatAreNotThereAreRefused) {
     const auto automation = MakeAutomation();
-    EXPECT_EQ(CallByName(*automation, L"GetColour", VARIANT{}), DISP_E_UNKNOWNNAME);
+    wchar_t colour[] = L"GetColour";
+    LPOLESTR name = colour;
+    DISPID member = 0;
+    EXPECT_EQ(automation->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_NEUTRAL, &member), DISP_E_UNKNOWNNAME);
     DISPPARAMS none = {};
     EXPECT_EQ(automation->Invoke(1, __uuidof(IUnknown), 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr),
               DISP_E_UNKNOWNINTERFACE);
@@ -111,18 +84,13 @@ TEST_F(AutomationObject, EveryClassIsMadeAndSupportsErrorInformationForItsInterf
         void* made = nullptr;
         ASSERT_EQ(served.create(context, rows[index].second, &made), S_OK);
         const ComPtr<IUnknown> object(static_cast<IUnknown*>(made));
-        void* asked = nullptr;
-        ASSERT_EQ(object->QueryInterface(__uuidof(ISupportErrorInfo), &asked), S_OK);
-        const ComPtr<ISupportErrorInfo> support(static_cast<ISupportErrorInfo*>(asked));
+        const auto support = Query<ISupportErrorInfo>(*object);
+        ASSERT_TRUE(support);
         EXPECT_EQ(support->InterfaceSupportsErrorInfo(rows[index].second), S_OK);
         EXPECT_EQ(support->InterfaceSupportsErrorInfo(__uuidof(IPrinterQueue)), S_FALSE);
-        void* identity = nullptr;
-        void* other = nullptr;
-        EXPECT_EQ(object->QueryInterface(__uuidof(IUnknown), &identity), S_OK);
-        EXPECT_EQ(support->QueryInterface(__uuidof(IUnknown), &other), S_OK);
-        EXPECT_EQ(identity, other);
-        static_cast<IUnknown*>(identity)->Release();
-        static_cast<IUnknown*>(other)->Release();
+        const auto identity = Query<IUnknown>(*object);
+        EXPECT_TRUE(identity);
+        EXPECT_EQ(Query<IUnknown>(*support).Get(), identity.Get());
         EXPECT_EQ(served.create(context, __uuidof(IPrinterQueue), &made), E_NOINTERFACE);
     }
 }

@@ -197,7 +197,7 @@ TEST_F(DriverAutomationObject, ManyThreadsMayBindReadAndChangeOneObject) {
     std::vector<std::thread> threads;
     for (int index = 0; index < 8; ++index) {
         threads.emplace_back([&] {
-            CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+            const Apartment own(COINIT_MULTITHREADED);
             bound += automation->PutPrinterName(InText(L"Label A")) == S_OK ? 1 : 0;
             for (int round = 0; round < 20; ++round) {
                 EXPECT_EQ(automation->PutLocation(InText(L"Hall")), S_OK);
@@ -206,7 +206,6 @@ TEST_F(DriverAutomationObject, ManyThreadsMayBindReadAndChangeOneObject) {
                           S_OK);
                 EXPECT_EQ(comment, L"by the door");
             }
-            CoUninitialize();
         });
     }
     for (std::thread& thread : threads) {

@@ -23,9 +23,8 @@ using namespace kit;
 
 /// The file's bytes, or nothing if it cannot be opened; nobody is kept from anything meanwhile.
 std::optional<Bytes> ReadAsOthersDo(const std::wstring& path) {
-    const OCore::UniqueHandle file = OCore::OwnFile(
-        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                    nullptr, OPEN_EXISTING, 0, nullptr));
+    const UniqueHandle file =
+        OpenExisting(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
     if (!file) {
         return std::nullopt;
     }
@@ -114,8 +113,7 @@ TEST_F(DriverSettingsObject, AnyOptionalArgumentIsRefused) {
     }
     EXPECT_EQ(spooler.printers[L"Label A"].settings, MakeOtherState());
     EXPECT_EQ(ReadSettingsFile(path, kMaximumVqsSize), file);
-    EXPECT_EQ(settings->AddRef(), 3u); // ours, the value's and this one
-    settings->Release();
+    EXPECT_EQ(ReferencesTo(*settings), 2u); // ours and the value's
 }
 
 TEST_F(DriverSettingsObject, NoValueCountsAsOmittedHoweverALanguageSaysIt) {

@@ -81,8 +81,7 @@ TEST_F(LateBindingRefusal, AnObjectWhereAnObjectIsHandedOut) {
     const auto request = MakeObject<DriverActionsObject>(context);
     const Value value(request.Get());
     EXPECT_EQ(Call(*automation, L"GetSettings", {value}), DISP_E_TYPEMISMATCH);
-    EXPECT_EQ(request->AddRef(), 3u); // ours, the value's and this one
-    request->Release();
+    EXPECT_EQ(ReferencesTo(*request), 2u); // ours and the value's
 }
 
 TEST_F(LateBindingRefusal, AVariableOfAnotherTypeAndNoVariable) {
@@ -140,16 +139,14 @@ TEST_F(LateBindingRefusal, OperationsAreNoProperties) {
 
 TEST_F(LateBindingRefusal, MembersThatAreNoOperations) {
     DISPPARAMS none = {};
-    const ULONG references = automation->AddRef();
+    const ULONG references = ReferencesTo(*automation);
     // Among them the places of IUnknown and IDispatch, which type libraries number so.
     for (const DISPID member : {0, -1, 24, 0x60000000, 0x60000001, 0x60000002, 0x60010000, 0x60010003}) {
         SCOPED_TRACE(member);
         EXPECT_EQ(automation->Invoke(member, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr),
                   DISP_E_MEMBERNOTFOUND);
     }
-    EXPECT_EQ(automation->AddRef(), references + 1);
-    automation->Release();
-    automation->Release();
+    EXPECT_EQ(ReferencesTo(*automation), references);
 }
 
 TEST_F(LateBindingRefusal, ArgumentsThatAreNotThere) {

@@ -10,6 +10,7 @@
 #include "substitute/server/ServerClasses.h"
 #include "substitute/spooler/WindowsSpooler.h"
 #include "tests/kit/TemporaryFile.h"
+#include "tests/substitute/LateCalls.h"
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/TemporaryFolder.h"
 
@@ -112,17 +113,13 @@ class Visitor {
             arguments.push_back(argument);
         }
         DISPPARAMS parameters = {arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
-        VARIANT result = {};
-        EXCEPINFO exception = {};
+        Value result;
+        Told told;
         object.Invoke(function.memid, IID_NULL, LOCALE_NEUTRAL, DISPATCH_METHOD, &parameters, &result,
-                      &exception, nullptr);
+                      &told.exception, nullptr);
         if (result.vt == VT_DISPATCH) {
             CallEveryOperation(*result.pdispVal, file, file);
         }
-        VariantClear(&result);
-        SysFreeString(exception.bstrSource);
-        SysFreeString(exception.bstrDescription);
-        SysFreeString(exception.bstrHelpFile);
     }
 
     ComPtr<DriverAutomationObject> MakeBound() const {
@@ -170,8 +167,7 @@ class Visitor {
 
 class ServerMemory : public testing::Test {
   protected:
-    ServerMemory() { CoInitializeEx(nullptr, COINIT_MULTITHREADED); }
-    ~ServerMemory() override { CoUninitialize(); }
+    const Apartment apartment{COINIT_MULTITHREADED};
 
     /// Lets visits happen, each of which may leave nothing but what the system keeps: one block, or BSTR, or
     /// object that every visit loses is seen.

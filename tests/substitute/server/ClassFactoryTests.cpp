@@ -31,8 +31,9 @@ class ClassFactory : public ObjectFixture {
 
 TEST_F(ClassFactory, CountsItsReferences) {
     const auto factory = MakeFactory();
-    EXPECT_EQ(factory->AddRef(), 2u);
-    EXPECT_EQ(factory->Release(), 1u);
+    EXPECT_EQ(ReferencesTo(*factory), 1u);
+    const auto second = ComPtr<IClassFactory>::Share(factory.Get());
+    EXPECT_EQ(ReferencesTo(*factory), 2u);
 }
 
 TEST_F(ClassFactory, AnObjectIsAUseUntilItIsReleased) {
@@ -94,7 +95,7 @@ TEST_F(ClassFactory, NoCallIsCaughtInTheMiddleByTheEnd) {
     std::vector<std::thread> clients;
     for (int index = 0; index < 4; ++index) {
         clients.emplace_back([&, index] {
-            CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+            const Apartment own(COINIT_MULTITHREADED);
             for (int round = 0;; ++round) {
                 const bool late = ended;
                 ComPtr<IUnknown> object;
@@ -107,7 +108,6 @@ TEST_F(ClassFactory, NoCallIsCaughtInTheMiddleByTheEnd) {
                 object.Reset();
                 std::this_thread::sleep_for(std::chrono::milliseconds((round * 7 + index * 3) % 12));
             }
-            CoUninitialize();
         });
     }
     FoundClasses classes;

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "core/Handles.h"
 #include "substitute/server/Console.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/TemporaryFile.h"
 
 namespace {
@@ -15,9 +15,9 @@ using namespace kit;
 TEST(Console, ConsolesGetTheTextItself) {
     FreeConsole();
     ASSERT_TRUE(AllocConsole());
-    const OCore::UniqueHandle screen(CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE,
-                                                               FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                                               CONSOLE_TEXTMODE_BUFFER, nullptr));
+    const UniqueHandle screen(CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE,
+                                                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                                        CONSOLE_TEXTMODE_BUFFER, nullptr));
     EXPECT_TRUE(WriteText(screen.get(), L"x \x0416\x03A9"));
     std::wstring cells(4, L'\0');
     DWORD read = 0;
@@ -27,7 +27,7 @@ TEST(Console, ConsolesGetTheTextItself) {
 
 TEST(Console, FilesGetBytesOfTheAnsiCodePage) {
     const TemporaryFile file;
-    const OCore::UniqueHandle output = OCore::OwnFile(
+    const UniqueHandle output = OwnFile(
         CreateFileW(file.Path().c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
     const std::wstring text = L"x \x00E4\r\n";
     char expected[16] = {};
@@ -39,7 +39,7 @@ TEST(Console, FilesGetBytesOfTheAnsiCodePage) {
 
 TEST(Console, WhatCannotBeWrittenIsReported) {
     const TemporaryFile file;
-    const OCore::UniqueHandle input = OCore::OwnFile(
+    const UniqueHandle input = OwnFile(
         CreateFileW(file.Path().c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
     EXPECT_FALSE(WriteText(input.get(), L"x"));
 }

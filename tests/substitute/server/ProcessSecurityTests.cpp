@@ -6,14 +6,16 @@
 #include <array>
 #include <string>
 
-#include "core/Handles.h"
 #include "substitute/base/Failure.h"
 #include "substitute/server/ProcessSecurity.h"
 #include "substitute/server/ServerIdentity.h"
+#include "tests/kit/Owners.h"
+#include "tests/kit/RegistryPreset.h"
 
 namespace {
 
 using namespace kemba::substitute;
+using namespace kit;
 
 HRESULT StatusOfRefusal(const ApplicationIdentity& identity) {
     try {
@@ -39,32 +41,19 @@ TEST(ApplicationIdentity, AnyAccountIsRefusedAndNoneIsNot) {
 class IdentityKey : public testing::Test {
   protected:
     IdentityKey() {
-        HKEY opened = nullptr;
-        RegCreateKeyExW(HKEY_CURRENT_USER, m_rootName.c_str(), 0, nullptr, REG_OPTION_VOLATILE,
-                        KEY_ALL_ACCESS, nullptr, &opened, nullptr);
-        m_root.reset(opened);
         wchar_t id[40] = {};
         StringFromGUID2(kApplication, id, 40);
         m_key = std::wstring(L"Software\\Classes\\AppID\\") + id;
     }
-    ~IdentityKey() override {
-        m_root.reset();
-        RegDeleteTreeW(HKEY_CURRENT_USER, m_rootName.c_str());
-    }
     void Set(const wchar_t* name, DWORD type, const std::wstring& text) {
-        HKEY opened = nullptr;
-        ASSERT_EQ(RegCreateKeyExW(m_root.get(), m_key.c_str(), 0, nullptr, REG_OPTION_VOLATILE,
-                                  KEY_ALL_ACCESS, nullptr, &opened, nullptr),
-                  ERROR_SUCCESS);
-        const OCore::UniqueKey key(opened);
-        ASSERT_EQ(RegSetValueExW(opened, name, 0, type, reinterpret_cast<const BYTE*>(text.c_str()),
-                                 static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
-                  ERROR_SUCCESS);
+        RegistryData data = RegistryData::OfText(text);
+        data.type = type;
+        SetRegistryData(m_root.get(), m_key, name, data);
     }
 
-    const std::wstring m_rootName =
-        L"Software\\kemba identity test " + std::to_wstring(GetCurrentProcessId());
-    OCore::UniqueKey m_root;
+    const ScratchKey m_scratch{HKEY_CURRENT_USER,
+                               L"Software\\kemba identity test " + std::to_wstring(GetCurrentProcessId())};
+    const UniqueKey m_root = MakeKey(HKEY_CURRENT_USER, m_scratch.Path(), KEY_ALL_ACCESS);
     std::wstring m_key;
 };
 
@@ -102,10 +91,10 @@ constexpr DWORD kCall = COM_RIGHTS_EXECUTE | COM_RIGHTS_EXECUTE_LOCAL | COM_RIGH
 DWORD OwnRights(PSECURITY_DESCRIPTOR descriptor) {
     HANDLE opened = nullptr;
     EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY | TOKEN_DUPLICATE, &opened));
-    const OCore::UniqueHandle primary(opened);
+    const UniqueHandle primary(opened);
     HANDLE copied = nullptr;
     EXPECT_TRUE(DuplicateToken(primary.get(), SecurityIdentification, &copied));
-    const OCore::UniqueHandle token(copied);
+    const UniqueHandle token(copied);
     GENERIC_MAPPING mapping = {};
     PRIVILEGE_SET privileges = {};
     DWORD size = sizeof(privileges);
@@ -187,9 +176,8 @@ TEST(AccessRights, AStrangerMayNotCall) {
 }
 
 TEST(ProcessSecurity, IsAcceptedByTheComponentRuntime) {
-    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+    const Apartment apartment(COINIT_MULTITHREADED);
     EXPECT_NO_THROW(SecureProcess());
-    CoUninitialize();
 }
 
 } // namespace

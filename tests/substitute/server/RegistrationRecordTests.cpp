@@ -3,20 +3,16 @@
 
 #include "substitute/server/RegistrationRecord.h"
 #include "substitute/server/RegistryKeys.h"
+#include "tests/kit/Owners.h"
+#include "tests/kit/RegistryPreset.h"
 
 namespace {
 
 using namespace kemba::substitute;
+using namespace kit;
 
 class RegistrationRecord : public testing::Test {
   protected:
-    RegistrationRecord() : m_hive(L"Software\\kemba-record-" + std::to_wstring(GetCurrentProcessId())) {
-        HKEY made = nullptr;
-        RegCreateKeyW(HKEY_CURRENT_USER, m_hive.c_str(), &made);
-        m_root.reset(made);
-    }
-    ~RegistrationRecord() override { RegDeleteTreeW(HKEY_CURRENT_USER, m_hive.c_str()); }
-
     KeyPlace At(const std::wstring& path) const { return {m_root.get(), View::Bits64, path}; }
     void Put(const std::wstring& path, const std::wstring& text) const {
         RegistryKey::Make(At(path)).Write(L"", TextValue(text));
@@ -28,8 +24,9 @@ class RegistrationRecord : public testing::Test {
         return {At(path), L"", text, shared};
     }
 
-    std::wstring m_hive;
-    OCore::UniqueKey m_root;
+    const ScratchKey m_hive{HKEY_CURRENT_USER,
+                            L"Software\\kemba-record-" + std::to_wstring(GetCurrentProcessId())};
+    const UniqueKey m_root = MakeKey(HKEY_CURRENT_USER, m_hive.Path(), KEY_ALL_ACCESS);
 };
 
 TEST_F(RegistrationRecord, TakesBackValuesAndTheKeysThatItMade) {

@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "core/Handles.h"
 #include "substitute/server/RegistryKeys.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/substitute/ServerProgram.h"
@@ -19,9 +19,6 @@ namespace {
 
 using kemba::substitute::RemoveKeyIfEmpty;
 using kemba::substitute::View;
-using OCore::UniqueHandle;
-using OCore::UniqueKey;
-using OCore::UniqueLocal;
 
 const std::wstring kClasses = L"Software\\Classes\\";
 constexpr wchar_t kApplication[] = L"{2A67A06D-D94F-42C1-9074-33F05630EF24}";
@@ -75,22 +72,17 @@ std::vector<std::wstring> Snapshot(HKEY root) {
             lines.insert(lines.end(), below.begin(), below.end());
         }
         for (const wchar_t* const folder : {L"", L"CLSID", L"AppID", L"TypeLib", L"Interface"}) {
-            HKEY opened = nullptr;
             DWORD keys = 0;
             DWORD values = 0;
-            if (RegOpenKeyExW(root, (kClasses + folder).c_str(), 0, KEY_READ | view, &opened) ==
-                ERROR_SUCCESS) {
-                const OCore::UniqueKey key(opened);
-                RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr,
-                                 nullptr, nullptr, nullptr);
+            if (const UniqueKey key = OpenKey(root, kClasses + folder, KEY_READ | view)) {
+                RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values,
+                                 nullptr, nullptr, nullptr, nullptr);
                 lines.push_back(folder + std::wstring(L": ") + std::to_wstring(keys) + L"/" +
                                 std::to_wstring(values));
             }
         }
     }
-    HKEY opened = nullptr;
-    if (RegOpenKeyExW(root, L"Software\\Brandle", 0, KEY_READ, &opened) == ERROR_SUCCESS) {
-        RegCloseKey(opened);
+    if (OpenKey(root, L"Software\\Brandle", KEY_READ)) {
         lines.emplace_back(L"Brandle");
     }
     const auto record = SnapshotRegistry(root, L"Software\\Brandle\\kemba-dal");
@@ -109,14 +101,7 @@ std::vector<std::wstring> Snapshot() {
 /// Sets a value below the classes, making its key.
 void Put(HKEY root, REGSAM view, const std::wstring& key, const std::wstring& name,
          const RegistryData& data) {
-    HKEY opened = nullptr;
-    ASSERT_EQ(RegCreateKeyExW(root, (kClasses + key).c_str(), 0, nullptr, 0, KEY_WRITE | view, nullptr,
-                              &opened, nullptr),
-              ERROR_SUCCESS);
-    const OCore::UniqueKey held(opened);
-    ASSERT_EQ(RegSetValueExW(opened, name.c_str(), 0, data.type, data.bytes.data(),
-                             static_cast<DWORD>(data.bytes.size())),
-              ERROR_SUCCESS);
+    SetRegistryData(root, kClasses + key, name, data, view);
 }
 
 void PutText(HKEY root, REGSAM view, const std::wstring& key, const std::wstring& text,
@@ -241,16 +226,13 @@ class Registration : public testing::Test {
             }
         }
         // Windows always has a key for the user's classes, a new Wine prefix has none.
-        HKEY classes = nullptr;
-        RegCreateKeyW(HKEY_CURRENT_USER, L"Software\\Classes", &classes);
-        RegCloseKey(classes);
+        MakeKey(HKEY_CURRENT_USER, L"Software\\Classes", KEY_READ);
     }
 
     static void Remove(HKEY root, REGSAM view, const std::wstring& key) {
-        HKEY opened = nullptr;
-        if (RegOpenKeyExW(root, key.c_str(), 0, KEY_ALL_ACCESS | view, &opened) == ERROR_SUCCESS) {
-            RegDeleteTreeW(opened, nullptr);
-            RegCloseKey(opened);
+        if (UniqueKey opened = OpenKey(root, key, KEY_ALL_ACCESS | view)) {
+            RegDeleteTreeW(opened.get(), nullptr);
+            opened.reset();
             RegDeleteKeyExW(root, key.c_str(), view, 0);
         }
     }
@@ -359,10 +341,7 @@ TEST_F(Registration, RefusesToTakeAnotherProgramsPlaceAndLeavesItAlone) {
         EXPECT_TRUE(Contains(refused.errors, row.named)) << refused.errors;
         EXPECT_EQ(refused.output, "");
         EXPECT_EQ(Snapshot(), before);
-        HKEY opened = nullptr;
-        RegOpenKeyExW(HKEY_LOCAL_MACHINE, (kClasses + row.key).c_str(), 0, KEY_WRITE | row.view, &opened);
-        RegDeleteValueW(opened, L"");
-        RegCloseKey(opened);
+        RegDeleteValueW(OpenKey(HKEY_LOCAL_MACHINE, kClasses + row.key, KEY_WRITE | row.view).get(), L"");
     }
 }
 
@@ -401,9 +380,7 @@ TEST_F(Registration, KeepsWhatWasInItsKeysBefore) {
         name.type = REG_EXPAND_SZ;
         Put(root, KEY_WOW64_64KEY, kProgramIds[0], L"", name);
         for (const std::wstring& key : {L"Interface\\" + kInterfaceIds[0], L"CLSID\\" + kClassIds[0]}) {
-            HKEY opened = nullptr;
-            RegCreateKeyW(root, (kClasses + key).c_str(), &opened);
-            RegCloseKey(opened);
+            MakeKey(root, kClasses + key, KEY_READ);
         }
     }
     const auto before = Snapshot();
@@ -483,13 +460,10 @@ TEST_F(Registration, EntriesWithoutARecordAreRemovedByTheProgramThatTheyName) {
 TEST_F(Registration, AFailureHalfWayLeavesWhatWasThere) {
     PutDriverPackage(KEY_WOW64_64KEY);
     // No lasting key can be made below one that goes with the session: the interfaces cannot be registered.
-    HKEY opened = nullptr;
     for (const std::wstring& id : kInterfaceIds) {
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, (kClasses + L"Interface\\" + id).c_str());
-        ASSERT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, (kClasses + L"Interface\\" + id).c_str(), 0, nullptr,
-                                  REG_OPTION_VOLATILE, KEY_WRITE, nullptr, &opened, nullptr),
-                  ERROR_SUCCESS);
-        RegCloseKey(opened);
+        const std::wstring key = kClasses + L"Interface\\" + id;
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, key.c_str());
+        ASSERT_TRUE(MakeKey(HKEY_LOCAL_MACHINE, key, KEY_WRITE, REG_OPTION_VOLATILE));
     }
     const auto before = Snapshot();
     const ProcessResult failed = RunServer({L"/regserver", L"/replace"});
@@ -546,7 +520,7 @@ TEST_F(Registration, WarnsOfAProgramThatUsersMayChange) {
         access.Trustee.ptstrName = reinterpret_cast<wchar_t*>(world);
         ACL* made = nullptr;
         ASSERT_EQ(SetEntriesInAclW(1, &access, nullptr, &made), ERROR_SUCCESS + 0u);
-        const OCore::UniqueLocal<ACL> list(made);
+        const UniqueLocal<ACL> list(made);
         std::wstring path = row.path;
         ASSERT_EQ(SetNamedSecurityInfoW(path.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr,
                                         nullptr, made, nullptr),
@@ -571,12 +545,12 @@ TEST_F(Registration, FailuresReachAConsoleInAllLetters) {
     PROCESS_INFORMATION started = {};
     ASSERT_TRUE(CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
                                &startup, &started));
-    const OCore::UniqueHandle process(started.hProcess);
-    const OCore::UniqueHandle thread(started.hThread);
+    const UniqueHandle process(started.hProcess);
+    const UniqueHandle thread(started.hThread);
     ASSERT_EQ(WaitForSingleObject(process.get(), 30'000), WAIT_OBJECT_0);
-    const OCore::UniqueHandle screen(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
-                                                 FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
-                                                 0, nullptr));
+    const UniqueHandle screen(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
+                                          FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
+                                          nullptr));
     std::wstring cells(1'000, L'\0');
     DWORD read = 0;
     ASSERT_TRUE(

@@ -9,12 +9,12 @@
 #include <thread>
 #include <vector>
 
-#include "core/Handles.h"
 #include "demo/WinePrinters.h"
 #include "substitute/server/ServerIdentity.h"
 #include "substitute/server/ServingTurn.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/ProcessRun.h"
+#include "tests/kit/RegistryPreset.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/ServerProgram.h"
@@ -29,18 +29,16 @@ using Clock = std::chrono::steady_clock;
 
 /// A client's apartment; kemba's own is single-threaded.
 class ServerProgram : public testing::Test {
-  protected:
-    ServerProgram() { CoInitialize(nullptr); }
-    ~ServerProgram() override { CoUninitialize(); }
+    const Apartment apartment;
 };
 
 template<class Interface>
 ComPtr<Interface> Activate(REFCLSID classId) {
-    void* object = nullptr;
-    const HRESULT status =
-        CoCreateInstance(classId, nullptr, CLSCTX_LOCAL_SERVER, __uuidof(Interface), &object);
-    EXPECT_EQ(status, S_OK);
-    return ComPtr<Interface>(static_cast<Interface*>(object));
+    ComPtr<Interface> object;
+    EXPECT_EQ(CoCreateInstance(classId, nullptr, CLSCTX_LOCAL_SERVER, __uuidof(Interface),
+                               reinterpret_cast<void**>(object.Put())),
+              S_OK);
+    return object;
 }
 
 void ExpectComment(const demo::Printer& printer, const std::wstring& comment) {
@@ -88,11 +86,10 @@ TEST_F(ServerProgram, ServesTwoClientsAtOnce) {
     const demo::Printer first({.comment = L"one", .location = L"", .shareName = L""});
     const demo::Printer second({.comment = L"two", .location = L"", .shareName = L""});
     const auto client = [](const demo::Printer& printer, const std::wstring& comment) {
-        CoInitialize(nullptr);
+        const Apartment own;
         for (int round = 0; round < 20; ++round) {
             ExpectComment(printer, comment);
         }
-        CoUninitialize();
     };
     std::thread other(client, std::cref(second), L"two");
     client(first, L"one");
@@ -170,10 +167,10 @@ class ServerLifetime : public ServerProgram {
         return IsGone();
     }
     /// The one running server, to be waited for; none if there is none or more than one.
-    static OCore::UniqueHandle OpenServer() {
+    static UniqueHandle OpenServer() {
         const std::vector<DWORD> running = RunningServers();
-        return OCore::UniqueHandle(
-            running.size() == 1 ? OpenProcess(PROCESS_QUERY_INFORMATION | SYNCHRONIZE, FALSE, running.front())
+        return UniqueHandle(running.size() == 1
+                                ? OpenProcess(PROCESS_QUERY_INFORMATION | SYNCHRONIZE, FALSE, running.front())
                                 : nullptr);
     }
 };
@@ -182,18 +179,17 @@ TEST_F(ServerLifetime, TheProcessStartsForTheFirstClientAndGoesSomeSecondsAfterT
     ASSERT_TRUE(WaitForNoServer());
     auto version = Activate<IVersionInformation>(__uuidof(VersionInformation));
     auto actions = Activate<IDriverActions>(__uuidof(DriverActions));
-    const OCore::UniqueHandle server = OpenServer(); // one process serves all classes
+    const UniqueHandle server = OpenServer(); // one process serves all classes
     ASSERT_TRUE(server);
     version.Reset();
     std::this_thread::sleep_for(6s); // longer than the grace time and what follows it, with one object left
     EXPECT_FALSE(IsGone());
 
     // A class object neither keeps the process, nor does it bring it down.
-    void* found = nullptr;
+    ComPtr<IClassFactory> factory;
     ASSERT_EQ(CoGetClassObject(__uuidof(VersionInformation), CLSCTX_LOCAL_SERVER, nullptr,
-                               __uuidof(IClassFactory), &found),
+                               __uuidof(IClassFactory), reinterpret_cast<void**>(factory.Put())),
               S_OK);
-    const ComPtr<IClassFactory> factory(static_cast<IClassFactory*>(found));
     const auto released = Clock::now();
     actions.Reset();
     ASSERT_EQ(WaitForSingleObject(server.get(), 60'000), WAIT_OBJECT_0);
@@ -214,10 +210,9 @@ TEST_F(ServerLifetime, AProgramThatFindsAnotherServingWaitsForItsTurn) {
     ASSERT_TRUE(turn.Take(10s));
     std::atomic<bool> served = false;
     std::thread client([&] {
-        CoInitialize(nullptr);
+        const Apartment own;
         EXPECT_TRUE(Activate<IVersionInformation>(__uuidof(VersionInformation)));
         served = true;
-        CoUninitialize();
     });
     for (int tenths = 0; IsGone() && tenths < 200; ++tenths) {
         std::this_thread::sleep_for(100ms);
@@ -230,27 +225,12 @@ TEST_F(ServerLifetime, AProgramThatFindsAnotherServingWaitsForItsTurn) {
     EXPECT_TRUE(served);
 }
 
-/// Sets the application's account for as long as it lives.
-class SetAccount {
-  public:
-    explicit SetAccount(const std::wstring& account) {
-        wchar_t id[40] = {};
-        StringFromGUID2(kApplication, id, static_cast<int>(std::size(id)));
-        m_key += id;
-        EXPECT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, m_key.c_str(), L"RunAs", REG_SZ, account.c_str(),
-                                  static_cast<DWORD>((account.size() + 1) * sizeof(wchar_t))),
-                  ERROR_SUCCESS);
-    }
-    SetAccount(const SetAccount&) = delete;
-    SetAccount& operator=(const SetAccount&) = delete;
-    ~SetAccount() { RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, m_key.c_str(), L"RunAs"); }
-
-  private:
-    std::wstring m_key = L"Software\\Classes\\AppID\\";
-};
-
 TEST_F(ServerLifetime, RefusesToServeWhenTheApplicationIsToRunAsAnAccount) {
-    const SetAccount account(L"Interactive User");
+    wchar_t id[40] = {};
+    StringFromGUID2(kApplication, id, static_cast<int>(std::size(id)));
+    const RegistryPreset account(HKEY_LOCAL_MACHINE, std::wstring(L"Software\\Classes\\AppID\\") + id,
+                                 L"RunAs");
+    account.Set(RegistryData::OfText(L"Interactive User"));
     const ProcessResult run = RunProgram(L"kemba-dal.exe", {L"/automation"});
     EXPECT_EQ(run.status, 1u);
     EXPECT_NE(run.errors.find("the application is set to run as \"Interactive User\""), std::string::npos);

@@ -59,14 +59,14 @@ TEST(ServingTurn, WhoWaitsGetsItFromTheOneBefore) {
 TEST(ServingTurn, TheTurnOfADeadServerIsFree) {
     ServingTurn turn(UniqueTurnName());
     std::thread([] {
-        const OCore::UniqueHandle mutex(OpenMutexW(SYNCHRONIZE, FALSE, UniqueTurnName().c_str()));
+        const UniqueHandle mutex(OpenMutexW(SYNCHRONIZE, FALSE, UniqueTurnName().c_str()));
         EXPECT_EQ(WaitForSingleObject(mutex.get(), 0), WAIT_OBJECT_0);
     }).join(); // ends without giving it up
     EXPECT_TRUE(turn.Take(0ms));
 }
 
 TEST(ServingTurn, ANameThatSomethingElseHasIsAFailure) {
-    const OCore::UniqueHandle event(CreateEventW(nullptr, TRUE, FALSE, UniqueTurnName().c_str()));
+    const UniqueHandle event(CreateEventW(nullptr, TRUE, FALSE, UniqueTurnName().c_str()));
     try {
         const ServingTurn turn(UniqueTurnName());
         FAIL() << "took an event for a mutex";
@@ -99,10 +99,9 @@ TEST_F(OfferedClasses, WhichCannotBeShownLeaveTheTurnToOthers) {
     ServingTurn turn(UniqueTurnName());
     ClassObjects classes(context, turn);
     ASSERT_TRUE(turn.Take(0ms));
-    CoUninitialize();
+    apartment.reset();
     EXPECT_THROW(classes.Show(), Failure);
     EXPECT_TRUE(IsFree());
-    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
 }
 
 } // namespace

@@ -6,11 +6,11 @@
 #include <thread>
 #include <vector>
 
-#include "core/Handles.h"
 #include "substitute/base/InputFile.h"
 #include "substitute/base/Paths.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
+#include "tests/kit/Owners.h"
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/TemporaryFolder.h"
 #include "tests/substitute/Texts.h"
@@ -49,12 +49,11 @@ struct Replacer {
     DWORD flags = 0;      ///< of the last call
     std::wstring added{}; ///< the new file of the last call
     std::wstring former{};
-    OCore::UniqueHandle held[2] = {};
+    UniqueHandle held[2] = {};
 } replacer;
 
-OCore::UniqueHandle Hold(const wchar_t* path) {
-    return OCore::OwnFile(
-        CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+UniqueHandle Hold(const wchar_t* path) {
+    return OwnFile(CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
 }
 
 BOOL WINAPI ReplaceOrFail(const wchar_t* path, const wchar_t* added, const wchar_t* former, DWORD flags,
@@ -110,13 +109,13 @@ TEST_F(SettingsFile, AReadOnlyTargetStaysAsItIs) {
 
 TEST_F(SettingsFile, ALockedTargetStaysAsItIs) {
     WriteSettingsFile(path, kOld);
-    const HANDLE lock = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(lock, INVALID_HANDLE_VALUE);
+    UniqueHandle lock = OpenExisting(path, GENERIC_READ, 0);
+    ASSERT_TRUE(lock);
     EXPECT_EQ(StatusOf([&] { Read(path); }), HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION));
     const HRESULT status = StatusOf([&] { WriteSettingsFile(path, kNew); });
     EXPECT_TRUE(status == E_ACCESSDENIED || status == HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION)) << status;
     EXPECT_EQ(folder.Count(), 1);
-    CloseHandle(lock);
+    lock.reset();
     EXPECT_EQ(Read(path), kOld);
 }
 

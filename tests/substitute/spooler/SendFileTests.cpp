@@ -203,11 +203,10 @@ TEST_F(SendFile, APathOfSomeFolderThatTheServerCannotKnowIsRefused) {
 
 TEST_F(SendFile, AFileThatSomebodyWritesToIsRefused) {
     const TemporaryFile file("half a la");
-    const HANDLE writer = CreateFileW(file.Path().c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                      nullptr, OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(writer, INVALID_HANDLE_VALUE);
+    UniqueHandle writer = OpenExisting(file.Path(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE);
+    ASSERT_TRUE(writer);
     RefusalOf(file.Path(), ERROR_SHARING_VIOLATION);
-    CloseHandle(writer);
+    writer.reset();
     EXPECT_EQ(Send(file.Path()), S_OK);
 }
 
