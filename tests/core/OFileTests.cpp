@@ -4,10 +4,11 @@
 #include <string>
 
 #include "core/OFile.h"
-#include "tests/core/TemporaryFile.h"
 #include "tests/core/VirtualSlots.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/ProcessRun.h"
+#include "tests/kit/TemporaryFile.h"
+#include "tests/kit/TemporaryFolder.h"
 
 using namespace kit;
 
@@ -24,6 +25,11 @@ DWORD StatusOfShowing(const std::wstring& path) {
     WaitForSingleObject(process.get(), INFINITE);
     GetExitCodeProcess(process.get(), &status);
     return status;
+}
+
+/// Whether another user of the file gets the access that it asks for, sharing everything itself.
+bool CanBeOpened(const TemporaryFile& file, DWORD access) {
+    return OpenExisting(file.Path(), access, FILE_SHARE_READ | FILE_SHARE_WRITE) != nullptr;
 }
 
 TEST(OFile, HasItsOperationsInOrder) {
@@ -47,7 +53,7 @@ TEST(OFile, WhenClosedAnswersNothing) {
     file.Close();
 
     const TemporaryFile temporary("abc");
-    ASSERT_TRUE(file.Open(temporary.GetName(), OFile::kRead));
+    ASSERT_TRUE(file.Open(temporary.Path().c_str(), OFile::kRead));
     file.Close();
     EXPECT_EQ(file.GetSize(), 0U);
     EXPECT_EQ(file.Seek(1, FILE_BEGIN), 0U);
@@ -56,24 +62,25 @@ TEST(OFile, WhenClosedAnswersNothing) {
 }
 
 TEST(OFile, OpensNoMissingFile) {
-    const TemporaryFile temporary;
+    const TemporaryFolder folder;
+    const OString missing = folder.File(L"missing").c_str();
     OFile file;
     for (const std::uint32_t mode : {0x0000U, 0x0001U, 0x2000U, 0x2001U, 0x0FF1U}) {
         SCOPED_TRACE(mode);
-        EXPECT_FALSE(file.Open(temporary.GetName(), mode));
+        EXPECT_FALSE(file.Open(missing, mode));
         EXPECT_EQ(file.GetSize(), 0U);
     }
-    EXPECT_EQ(file.Name(), temporary.GetName());
-    EXPECT_FALSE(OFile::Exists(temporary.GetName()));
+    EXPECT_EQ(file.Name(), missing);
+    EXPECT_FALSE(OFile::Exists(missing));
 }
 
 TEST(OFile, MakesAMissingFileWhenAsked) {
     for (const std::uint32_t mode : {0x1000U, 0x1001U, 0x3001U}) {
         SCOPED_TRACE(mode);
-        const TemporaryFile temporary;
+        const TemporaryFolder folder;
         OFile file;
-        EXPECT_TRUE(file.Open(temporary.GetName(), mode));
-        EXPECT_EQ(temporary.Contents(), "");
+        EXPECT_TRUE(file.Open(folder.File(L"made").c_str(), mode));
+        EXPECT_EQ(folder.Count(), 1);
     }
 }
 
@@ -82,13 +89,13 @@ TEST(OFile, OpenedToReadCannotBeWritten) {
     for (const std::uint32_t mode : {0x0000U, 0x1000U, 0x2000U, 0x3000U}) {
         SCOPED_TRACE(mode);
         OFile file;
-        ASSERT_TRUE(file.Open(temporary.GetName(), mode));
+        ASSERT_TRUE(file.Open(temporary.Path().c_str(), mode));
         EXPECT_EQ(file.WriteRaw("x", 1), 0U);
         char bytes[8] = {};
         EXPECT_EQ(file.Read(bytes, sizeof(bytes)), 3U);
         EXPECT_STREQ(bytes, "abc");
     }
-    EXPECT_EQ(temporary.Contents(), "abc");
+    EXPECT_EQ(temporary.Read(), "abc");
 }
 
 TEST(OFile, OpenedToWriteIsTruncatedAtOnce) {
@@ -96,11 +103,11 @@ TEST(OFile, OpenedToWriteIsTruncatedAtOnce) {
         SCOPED_TRACE(mode);
         const TemporaryFile temporary("before");
         OFile file;
-        ASSERT_TRUE(file.Open(temporary.GetName(), mode));
-        EXPECT_EQ(temporary.Contents(), "");
+        ASSERT_TRUE(file.Open(temporary.Path().c_str(), mode));
+        EXPECT_EQ(temporary.Read(), "");
         EXPECT_EQ(WriteBytes(file, "new"), 3U);
         file.Close();
-        EXPECT_EQ(temporary.Contents(), "new");
+        EXPECT_EQ(temporary.Read(), "new");
     }
 }
 
@@ -109,18 +116,18 @@ TEST(OFile, OpenedToAppendWritesBehindWhatIsThere) {
         SCOPED_TRACE(mode);
         const TemporaryFile temporary("before");
         OFile file;
-        ASSERT_TRUE(file.Open(temporary.GetName(), mode));
-        EXPECT_EQ(temporary.Contents(), "before");
+        ASSERT_TRUE(file.Open(temporary.Path().c_str(), mode));
+        EXPECT_EQ(temporary.Read(), "before");
         WriteBytes(file, " after");
         file.Close();
-        EXPECT_EQ(temporary.Contents(), "before after");
+        EXPECT_EQ(temporary.Read(), "before after");
     }
 }
 
 TEST(OFile, OpenedToWriteCanBeReadAsWell) {
     const TemporaryFile temporary("abc");
     OFile file;
-    ASSERT_TRUE(file.Open(temporary.GetName(), 0x2001));
+    ASSERT_TRUE(file.Open(temporary.Path().c_str(), 0x2001));
     EXPECT_EQ(file.Seek(1, FILE_BEGIN), 1U);
     char bytes[8] = {};
     EXPECT_EQ(file.Read(bytes, sizeof(bytes)), 2U);
@@ -141,12 +148,12 @@ TEST(OFile, SharesAsItsModeSays) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.mode);
         OFile file;
-        ASSERT_TRUE(file.Open(temporary.GetName(), row.mode));
-        EXPECT_EQ(temporary.CanBeOpened(GENERIC_READ), row.reads);
-        EXPECT_EQ(temporary.CanBeOpened(GENERIC_WRITE), row.writes);
-        EXPECT_EQ(OFile::Exists(temporary.GetName()), row.reads);
+        ASSERT_TRUE(file.Open(temporary.Path().c_str(), row.mode));
+        EXPECT_EQ(CanBeOpened(temporary, GENERIC_READ), row.reads);
+        EXPECT_EQ(CanBeOpened(temporary, GENERIC_WRITE), row.writes);
+        EXPECT_EQ(OFile::Exists(temporary.Path().c_str()), row.reads);
         file.Close();
-        EXPECT_TRUE(temporary.CanBeOpened(GENERIC_READ | GENERIC_WRITE));
+        EXPECT_TRUE(CanBeOpened(temporary, GENERIC_READ | GENERIC_WRITE));
     }
 }
 
@@ -159,8 +166,8 @@ TEST(OFile, SharesWithOtherProcessesAsItsModeSays) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.mode);
         OFile file;
-        ASSERT_TRUE(file.Open(temporary.GetName(), row.mode));
-        EXPECT_EQ(StatusOfShowing(temporary.GetPath()), row.reads ? 0U : 1U);
+        ASSERT_TRUE(file.Open(temporary.Path().c_str(), row.mode));
+        EXPECT_EQ(StatusOfShowing(temporary.Path()), row.reads ? 0U : 1U);
     }
 }
 
@@ -168,46 +175,46 @@ TEST(OFile, BuffersUntilItIsClosed) {
     const TemporaryFile temporary;
     {
         OFile file;
-        ASSERT_TRUE(file.Open(temporary.GetName(), 0x1001));
+        ASSERT_TRUE(file.Open(temporary.Path().c_str(), 0x1001));
         WriteBytes(file, "abc");
-        EXPECT_EQ(temporary.Contents(), "");
+        EXPECT_EQ(temporary.Read(), "");
         EXPECT_EQ(file.GetSize(), 0U);
         EXPECT_EQ(file.Flush(), 3U);
-        EXPECT_EQ(temporary.Contents(), "abc");
+        EXPECT_EQ(temporary.Read(), "abc");
         EXPECT_EQ(file.GetSize(), 3U);
         WriteBytes(file, "def");
     }
-    EXPECT_EQ(temporary.Contents(), "abcdef");
+    EXPECT_EQ(temporary.Read(), "abcdef");
 }
 
 TEST(OFile, FlushesBeforeItMoves) {
     const TemporaryFile temporary;
     OFile file;
-    ASSERT_TRUE(file.Open(temporary.GetName(), 0x1001));
+    ASSERT_TRUE(file.Open(temporary.Path().c_str(), 0x1001));
     WriteBytes(file, "abcdef");
     EXPECT_EQ(file.Seek(2, FILE_BEGIN), 2U);
-    EXPECT_EQ(temporary.Contents(), "abcdef");
+    EXPECT_EQ(temporary.Read(), "abcdef");
     EXPECT_EQ(file.Seek(1, FILE_CURRENT), 3U);
     WriteBytes(file, "X");
     EXPECT_EQ(file.Seek(-1, FILE_END), 5U);
-    EXPECT_EQ(temporary.Contents(), "abcXef");
+    EXPECT_EQ(temporary.Read(), "abcXef");
 }
 
 TEST(OFile, OpenedAgainClosesWhatWasOpen) {
     const TemporaryFile first;
     OFile file;
-    ASSERT_TRUE(file.Open(first.GetName(), 0x1011));
+    ASSERT_TRUE(file.Open(first.Path().c_str(), 0x1011));
     WriteBytes(file, "first");
     EXPECT_FALSE(file.Open(OString(L"c:\\no such folder\\no such file"), OFile::kRead));
-    EXPECT_EQ(first.Contents(), "first");
+    EXPECT_EQ(first.Read(), "first");
     EXPECT_EQ(file.GetSize(), 0U);
 }
 
 TEST(OFile, ExistsWhenItCanBeOpenedToRead) {
     const TemporaryFile temporary("abc");
-    EXPECT_TRUE(OFile::Exists(temporary.GetName()));
-    EXPECT_TRUE(temporary.CanBeOpened(GENERIC_READ | GENERIC_WRITE)); // it was closed again
-    EXPECT_EQ(temporary.Contents(), "abc");
+    EXPECT_TRUE(OFile::Exists(temporary.Path().c_str()));
+    EXPECT_TRUE(CanBeOpened(temporary, GENERIC_READ | GENERIC_WRITE)); // it was closed again
+    EXPECT_EQ(temporary.Read(), "abc");
     EXPECT_FALSE(OFile::Exists("C:\\"));
     EXPECT_FALSE(OFile::Exists(""));
 }
@@ -215,19 +222,18 @@ TEST(OFile, ExistsWhenItCanBeOpenedToRead) {
 TEST(OFile, ExistsThoughAnotherWritesIt) {
     const TemporaryFile temporary("abc");
     OFile writer;
-    ASSERT_TRUE(writer.Open(temporary.GetName(), 0x2001));
-    EXPECT_TRUE(OFile::Exists(temporary.GetName()));
+    ASSERT_TRUE(writer.Open(temporary.Path().c_str(), 0x2001));
+    EXPECT_TRUE(OFile::Exists(temporary.Path().c_str()));
 }
 
 TEST(OFile, MayHaveANameOutsideTheCodePage) {
-    wchar_t folder[MAX_PATH + 1] = {};
-    GetTempPathW(MAX_PATH + 1, folder);
-    const std::wstring path = folder + std::wstring(L"\x30BD\x4E2D") + std::to_wstring(GetCurrentProcessId());
+    const TemporaryFolder folder;
+    const std::wstring path = folder.File(L"\x30BD\x4E2D");
     OFile file;
     EXPECT_TRUE(file.Open(path.c_str(), 0x1001));
     file.Close();
     EXPECT_TRUE(OFile::Exists(path.c_str()));
-    EXPECT_TRUE(DeleteFileW(path.c_str()));
+    EXPECT_EQ(folder.Count(), 1);
 }
 
 } // namespace

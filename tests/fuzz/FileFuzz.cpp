@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "core/OFile.h"
-#include "tests/core/TemporaryFile.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/kit/TemporaryFolder.h"
 
 using namespace kit;
 
@@ -100,9 +100,9 @@ void Open(Case& input, const OString& name, OFile& file, Model& model) {
     EXPECT_EQ(file.Open(name, mode), model.Open(mode));
 }
 
-void Step(Case& input, const TemporaryFile& real, OFile& file, Model& model) {
+void Step(Case& input, const std::wstring& real, OFile& file, Model& model) {
     switch (input.Below(12)) {
-    case 0: Open(input, real.GetName(), file, model); break;
+    case 0: Open(input, real.c_str(), file, model); break;
     case 1:
         input.Say([] { return "file.Close();"; });
         file.Close();
@@ -135,7 +135,7 @@ void Step(Case& input, const TemporaryFile& real, OFile& file, Model& model) {
         break;
     case 8:
         input.Say([] { return "OFile::Exists(name);"; });
-        EXPECT_EQ(OFile::Exists(real.GetName()), model.exists && (!model.open || (model.share & 1) != 0));
+        EXPECT_EQ(OFile::Exists(real.c_str()), model.exists && (!model.open || (model.share & 1) != 0));
         break;
     default: {
         const std::string bytes = input.Bytes(input.OnceIn(4) ? 3000 : 100);
@@ -151,18 +151,23 @@ FUZZ_TARGET(Files, 400) {
     if (input.Number() % 8 != 0 && input.Number() > 2000) {
         return; // the system's part of a file is slow
     }
-    const TemporaryFile real;
+    const TemporaryFolder folder = [] {
+        const OrdinaryHeap ordinary;
+        return TemporaryFolder();
+    }();
+    const std::wstring real = folder.File(L"file");
     Model model;
     {
         OFile file;
-        Open(input, real.GetName(), file, model);
+        Open(input, real.c_str(), file, model);
         for (std::size_t left = 1 + input.Below(16); left > 0 && !testing::Test::HasFailure(); --left) {
             Step(input, real, file, model);
         }
         model.Close();
     }
     if (model.exists) {
-        EXPECT_EQ(real.Contents(), model.contents);
+        const OrdinaryHeap ordinary;
+        EXPECT_EQ(ReadBytes(real), model.contents);
     }
 }
 

@@ -31,7 +31,7 @@ HRESULT ActivationStatus() {
     try {
         return Activate<DriverAutomation, IDriverAutomation>() ? S_OK : E_NOINTERFACE;
     } catch (const kemba::ComError& error) {
-        return error.GetStatus();
+        return error.Status();
     }
 }
 

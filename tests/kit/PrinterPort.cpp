@@ -26,14 +26,7 @@ PrinterPort::~PrinterPort() {
 }
 
 std::string PrinterPort::Received(std::size_t count) const {
-    constexpr ULONGLONG kPatience = 5'000; // milliseconds
-    const ULONGLONG end = GetTickCount64() + kPatience;
-    std::string bytes = m_file.Read();
-    while (bytes.size() < count && GetTickCount64() < end) {
-        Sleep(10);
-        bytes = m_file.Read();
-    }
-    return bytes;
+    return ReadBytes(m_file.Path(), count);
 }
 
 } // namespace kit

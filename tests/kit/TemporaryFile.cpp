@@ -10,6 +10,22 @@
 
 namespace kit {
 
+std::string ReadBytes(const std::wstring& path, std::size_t count) {
+    constexpr ULONGLONG kPatience = 5'000; // milliseconds
+    const ULONGLONG end = GetTickCount64() + kPatience;
+    for (;; Sleep(10)) {
+        std::ifstream file(std::filesystem::path(path), std::ios::binary);
+        std::string bytes{std::istreambuf_iterator<char>(file), {}};
+        if (bytes.size() >= count || GetTickCount64() >= end) {
+            return bytes;
+        }
+    }
+}
+
+void WriteBytes(const std::wstring& path, std::string_view bytes) {
+    std::ofstream(std::filesystem::path(path), std::ios::binary) << bytes;
+}
+
 TemporaryFile::TemporaryFile() {
     wchar_t folder[MAX_PATH + 1];
     wchar_t path[MAX_PATH + 1];
@@ -20,17 +36,11 @@ TemporaryFile::TemporaryFile() {
 }
 
 TemporaryFile::TemporaryFile(std::string_view bytes) : TemporaryFile() {
-    std::ofstream file(std::filesystem::path(m_path), std::ios::binary);
-    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    WriteBytes(m_path, bytes);
 }
 
 TemporaryFile::~TemporaryFile() {
     DeleteFileW(m_path.c_str());
-}
-
-std::string TemporaryFile::Read() const {
-    std::ifstream file(std::filesystem::path(m_path), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 } // namespace kit

@@ -1,10 +1,17 @@
 // A file of a test's own.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace kit {
+
+/// All bytes of a file; empty when it is not there or cannot be read. Waits some seconds for `count` bytes at
+/// least, for a file that another process writes.
+std::string ReadBytes(const std::wstring& path, std::size_t count = 0);
+/// Makes a file with these bytes in the place of what was there.
+void WriteBytes(const std::wstring& path, std::string_view bytes);
 
 /// A file in the folder for temporary files, empty at first, under a name that no other test has; deleted in
 /// the end.
@@ -19,8 +26,7 @@ class TemporaryFile {
     ~TemporaryFile();
 
     const std::wstring& Path() const { return m_path; }
-    /// All bytes; empty when the file is gone or cannot be read.
-    std::string Read() const;
+    std::string Read() const { return ReadBytes(m_path); }
 
   private:
     std::wstring m_path;

@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <atomic>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <thread>
 
 #include "demo/PortTarget.h"
@@ -196,18 +194,10 @@ TEST_F(DemoPrinters, AreLeftAloneWhenTheyAreThere) {
 
 TEST_F(DemoPrinters, WhatIsSentToThemIsAppendedToTheirFiles) {
     ASSERT_EQ(Provide().status, 0U);
-    wchar_t folder[MAX_PATH + 1];
-    GetTempPathW(MAX_PATH + 1, folder);
-    const std::filesystem::path file = std::wstring(folder) + L"dock-2.prn";
+    const std::filesystem::path file = std::filesystem::temp_directory_path() / "dock-2.prn";
     std::filesystem::remove(file);
     ASSERT_TRUE(SendRaw(L"Dock 2", std::string("^XA\0^XZ", 7)));
-    std::string bytes;
-    for (int i = 0; i < 500 && bytes.size() < 7; ++i) {
-        Sleep(10);
-        std::ifstream stream(file, std::ios::binary);
-        bytes.assign(std::istreambuf_iterator<char>(stream), {});
-    }
-    EXPECT_EQ(bytes, std::string("^XA\0^XZ", 7));
+    EXPECT_EQ(ReadBytes(file.wstring(), 7), std::string("^XA\0^XZ", 7));
     std::filesystem::remove(file);
 }
 

@@ -4,13 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <string>
 #include <string_view>
 
 #include "messages/TextResource.h"
+#include "tests/kit/TemporaryFile.h"
+
+using namespace kit;
 
 namespace {
 
@@ -19,8 +20,7 @@ std::string TextOf(const OString& key) {
 }
 
 std::string CatalogueFile() {
-    std::ifstream file("messages/KEMBA[ENU].TXT", std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    return ReadBytes(L"messages/KEMBA[ENU].TXT");
 }
 
 std::string_view CatalogueResource() {

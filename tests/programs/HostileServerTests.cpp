@@ -21,9 +21,9 @@
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/kit/TemporaryFile.h"
+#include "tests/kit/TemporaryFolder.h"
 #include "tests/programs/Kemba.h"
 #include "tests/programs/OwnClasses.h"
-#include "tests/substitute/TemporaryFolder.h"
 
 namespace {
 

@@ -4,11 +4,11 @@
 #include <DriverAutomation.h>
 #include <objbase.h>
 
-#include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <string_view>
+
+#include "tests/kit/TemporaryFile.h"
 
 namespace kit {
 namespace {
@@ -43,14 +43,11 @@ OwnClasses::OwnClasses(const CLSID& first) : automation(first), actions(first), 
 }
 
 void OwnClasses::PutInto(const std::wstring& program) const {
-    const std::filesystem::path path(program);
-    std::ifstream input(path, std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(input), {}};
-    input.close();
+    std::string bytes = ReadBytes(program);
     ReplaceAll(bytes, __uuidof(DriverAutomation), automation);
     ReplaceAll(bytes, __uuidof(DriverActions), actions);
     ReplaceAll(bytes, __uuidof(VersionInformation), version);
-    std::ofstream(path, std::ios::binary) << bytes;
+    WriteBytes(program, bytes);
 }
 
 std::wstring TextOf(const CLSID& id) {

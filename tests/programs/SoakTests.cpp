@@ -23,10 +23,10 @@
 #include "tests/kit/Environment.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/PrinterPort.h"
+#include "tests/kit/TemporaryFolder.h"
 #include "tests/programs/Clients.h"
 #include "tests/programs/HeldServer.h"
 #include "tests/programs/SoakModel.h"
-#include "tests/substitute/TemporaryFolder.h"
 
 namespace {
 

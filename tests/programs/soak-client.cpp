@@ -14,9 +14,7 @@
 #include <cwchar>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -24,6 +22,7 @@
 #include "demo/SpoolerLock.h"
 #include "substitute/base/Failure.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/TemporaryFile.h"
 #include "tests/programs/Kemba.h"
 #include "tests/programs/SoakModel.h"
 
@@ -267,21 +266,20 @@ class SoakClient {
     void Send(int printer) {
         const std::wstring path = m_folder + L"\\job-" + std::to_wstring(m_client) + L".prn";
         const std::string bytes = JobBytes({m_client, printer, At(printer).jobs});
-        std::ofstream(std::filesystem::path(path), std::ios::binary) << bytes;
+        WriteBytes(path, bytes);
         if (!HasFilePort(printer)) {
             const demo::SpoolerLock alone(kPortLock);
             SendFile(printer, path);
             return;
         }
-        const std::filesystem::path port = FilePortPath(m_folder, printer);
+        const std::wstring port = FilePortPath(m_folder, printer);
         if (std::filesystem::exists(port)) {
             Fail(printer, "a job that nobody sent");
         }
         SendFile(printer, path);
-        std::ostringstream received;
-        received << std::ifstream(port, std::ios::binary).rdbuf();
-        if (received.str() != bytes) {
-            Fail(printer, "a torn job: " + std::to_string(received.str().size()) + " bytes instead of " +
+        const std::string received = ReadBytes(port);
+        if (received != bytes) {
+            Fail(printer, "a torn job: " + std::to_string(received.size()) + " bytes instead of " +
                               std::to_string(bytes.size()));
         }
         std::filesystem::remove(port);

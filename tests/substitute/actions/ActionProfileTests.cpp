@@ -2,13 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "substitute/actions/ActionProfile.h"
 #include "substitute/base/Paths.h"
 #include "tests/kit/ProcessRun.h"
+#include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/FailureOf.h"
-#include "tests/substitute/TemporaryFolder.h"
 #include "tests/substitute/Texts.h"
 
 namespace {

@@ -2,9 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "substitute/objects/DriverActionsObject.h"
+#include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/LateCalls.h"
 #include "tests/substitute/ObjectFixture.h"
-#include "tests/substitute/TemporaryFolder.h"
 #include "tests/substitute/Texts.h"
 
 namespace {

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "substitute/base/InputFile.h"
+#include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/FailureOf.h"
-#include "tests/substitute/TemporaryFolder.h"
 #include "tests/substitute/Texts.h"
 
 namespace {
@@ -84,7 +84,7 @@ TEST_F(InputFile, NobodyMayWriteMeanwhileButTheFileMayGo) {
     Put("old");
     kemba::substitute::InputFile file(L"parcel", path);
     const auto open = [&](DWORD access) {
-        return OwnFile(CreateFileW(path.c_str(), access,
+        return OCore::OwnFile(CreateFileW(path.c_str(), access,
                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                    OPEN_EXISTING, 0, nullptr));
     };

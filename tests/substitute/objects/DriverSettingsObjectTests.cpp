@@ -10,10 +10,10 @@
 #include "substitute/objects/DriverSettingsObject.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
+#include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/LateCalls.h"
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/SettingsSamples.h"
-#include "tests/substitute/TemporaryFolder.h"
 
 namespace {
 

@@ -9,9 +9,9 @@
 
 #include "substitute/objects/DriverActionsObject.h"
 #include "tests/kit/TemporaryFile.h"
+#include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/SettingsSamples.h"
-#include "tests/substitute/TemporaryFolder.h"
 
 namespace {
 

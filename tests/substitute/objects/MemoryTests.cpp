@@ -10,9 +10,9 @@
 #include "substitute/server/ServerClasses.h"
 #include "substitute/spooler/WindowsSpooler.h"
 #include "tests/kit/TemporaryFile.h"
+#include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/LateCalls.h"
 #include "tests/substitute/ObjectFixture.h"
-#include "tests/substitute/TemporaryFolder.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include <functional>
 
+#include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/LateCalls.h"
 #include "tests/substitute/ObjectFixture.h"
-#include "tests/substitute/TemporaryFolder.h"
 
 namespace {
 

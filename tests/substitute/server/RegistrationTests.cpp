@@ -10,8 +10,8 @@
 #include "tests/kit/Owners.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/RegistryPreset.h"
+#include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/ServerProgram.h"
-#include "tests/substitute/TemporaryFolder.h"
 
 using namespace kit;
 

@@ -3,16 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "demo/WinePrinters.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/ProcessRun.h"
-#include "tests/kit/TemporaryFile.h"
+#include "tests/kit/TemporaryFolder.h"
 
 using namespace kit;
 
@@ -26,17 +24,14 @@ std::string NameOf(Language language) {
 
 /// Runs the script in a process of its own; the words are its arguments.
 ProcessResult RunScript(Language language, const std::string& text, const std::vector<std::wstring>& words) {
-    const std::filesystem::path file =
-        std::filesystem::temp_directory_path() / (L"kemba script " + std::to_wstring(GetCurrentProcessId()) +
-                                                  (language == Language::VBScript ? L".vbs" : L".js"));
-    std::ofstream(file, std::ios::binary) << text;
+    const TemporaryFolder folder;
+    const std::wstring name = language == Language::VBScript ? L"script.vbs" : L"script.js";
+    folder.Put(name, text);
     wchar_t system[MAX_PATH] = {};
     GetSystemDirectoryW(system, MAX_PATH);
-    std::vector<std::wstring> all = {L"//nologo", file.wstring()};
+    std::vector<std::wstring> all = {L"//nologo", folder.File(name)};
     all.insert(all.end(), words.begin(), words.end());
-    const ProcessResult run = RunProgram(std::wstring(system) + L"\\cscript.exe", all);
-    std::filesystem::remove(file);
-    return run;
+    return RunProgram(std::wstring(system) + L"\\cscript.exe", all);
 }
 
 /// The script that the page shows below the paragraph that begins with the language's name.

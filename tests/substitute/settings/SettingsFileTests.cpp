@@ -11,8 +11,8 @@
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/FailureOf.h"
-#include "tests/substitute/TemporaryFolder.h"
 #include "tests/substitute/Texts.h"
 
 namespace {

@@ -11,8 +11,8 @@
 #include "substitute/settings/VqsFormat.h"
 #include "substitute/spooler/DefaultMode.h"
 #include "substitute/spooler/WindowsSpooler.h"
+#include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/ObjectFixture.h"
-#include "tests/substitute/TemporaryFolder.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include "substitute/spooler/WindowsSpooler.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/TemporaryFile.h"
+#include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/ObjectFixture.h"
-#include "tests/substitute/TemporaryFolder.h"
 
 namespace {
 

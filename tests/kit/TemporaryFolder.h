@@ -4,8 +4,9 @@
 #include <windows.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
+
+#include "tests/kit/TemporaryFile.h"
 
 namespace kit {
 
@@ -31,9 +32,7 @@ class TemporaryFolder {
     /// Full path of a file in the folder.
     std::wstring File(const std::wstring& name) const { return (m_path / name).wstring(); }
     /// Makes a file with these bytes.
-    void Put(const std::wstring& name, const std::string& bytes) const {
-        std::ofstream(m_path / name, std::ios::binary) << bytes;
-    }
+    void Put(const std::wstring& name, const std::string& bytes) const { WriteBytes(File(name), bytes); }
     /// How many files there are.
     std::ptrdiff_t Count() const {
         return std::distance(std::filesystem::directory_iterator(m_path),
