@@ -129,11 +129,11 @@ class SoakClient {
         try {
             (this->*kind.work)(printer);
         } catch (const kemba::ComError& error) {
-            if (mayBeDisconnected && error.GetStatus() == RPC_E_DISCONNECTED) {
+            if (mayBeDisconnected && error.Status() == RPC_E_DISCONNECTED) {
                 return false;
             }
             char status[16] = {};
-            std::snprintf(status, sizeof(status), "0x%08lX", static_cast<unsigned long>(error.GetStatus()));
+            std::snprintf(status, sizeof(status), "0x%08lX", static_cast<unsigned long>(error.Status()));
             Fail(printer, std::string(kind.name) + " failed, status " + status);
         } catch (const kemba::substitute::Failure& failure) {
             Fail(printer, std::string(kind.name) + " gave a torn file: " + Printed(failure.reason));
