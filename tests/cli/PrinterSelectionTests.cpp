@@ -12,6 +12,7 @@
 #include "demo/SpoolerLock.h"
 #include "demo/WinePrinters.h"
 #include "tests/cli/Console.h"
+#include "tests/kit/SetAside.h"
 
 using namespace kit;
 
@@ -172,16 +173,14 @@ TEST(PrinterSelection, AllPrintersComeInTheSpoolersOrderAndNamesAreNotChecked) {
     }
 }
 
-/// Puts the system's own calls back.
 struct DefaultPrinter : testing::Test {
-    ~DefaultPrinter() override { calls = {}; }
-    OCore::SystemCalls& calls = OCore::TheSystemCalls();
+    const SystemCallsPreset calls;
 };
 
 class AllPrinters : public DefaultPrinter {
   protected:
     AllPrinters() {
-        calls.enumPrinters = &FakeEnumPrinters<PRINTER_INFO_1W, &PRINTER_INFO_1W::pName>;
+        calls->enumPrinters = &FakeEnumPrinters<PRINTER_INFO_1W, &PRINTER_INFO_1W::pName>;
         spooler = {};
         spooler.names = {L"B", L"A", L"C"};
         settings.allPrinters = true;
@@ -235,40 +234,33 @@ TEST(PrinterSelection, WithoutADefaultPrinterNothingIsSelected) {
     EXPECT_EQ(selection.output, kNoPrinter);
 }
 
-TEST(PrinterSelection, TheSeamBindsTheSpoolersCallByItsOrdinal) {
-    const HMODULE spoolerLibrary = GetModuleHandleW(L"winspool.drv");
-    ASSERT_NE(spoolerLibrary, nullptr);
-    EXPECT_EQ(reinterpret_cast<void*>(OCore::TheSystemCalls().getDefaultPrinter),
-              reinterpret_cast<void*>(GetProcAddress(spoolerLibrary, "GetDefaultPrinterW")));
-}
-
 TEST_F(DefaultPrinter, ComesFromTheSpoolerSinceVersion5) {
-    calls.getVersionEx = &FakeVersion<VER_PLATFORM_WIN32_NT, 5>;
-    calls.getDefaultPrinter = &FakeGetDefaultPrinter;
-    calls.getProfileString = nullptr;
+    calls->getVersionEx = &FakeVersion<VER_PLATFORM_WIN32_NT, 5>;
+    calls->getDefaultPrinter = &FakeGetDefaultPrinter;
+    calls->getProfileString = nullptr;
     spoolerDefault = L"Label A, the first";
     EXPECT_STREQ(DefaultPrinterName().Wide(), L"Label A, the first");
-    calls.getVersionEx = &FakeVersion<VER_PLATFORM_WIN32_NT, 10>;
+    calls->getVersionEx = &FakeVersion<VER_PLATFORM_WIN32_NT, 10>;
     EXPECT_STREQ(DefaultPrinterName().Wide(), L"Label A, the first");
 }
 
 TEST_F(DefaultPrinter, AnyOtherFailureOfTheSpoolerGivesNone) {
-    calls.getVersionEx = &FakeVersion<VER_PLATFORM_WIN32_NT, 6>;
-    calls.getDefaultPrinter = &FakeGetDefaultPrinter;
+    calls->getVersionEx = &FakeVersion<VER_PLATFORM_WIN32_NT, 6>;
+    calls->getDefaultPrinter = &FakeGetDefaultPrinter;
     spoolerDefault = L"Label A";
     spoolerDefaultVanishes = true;
     EXPECT_TRUE(DefaultPrinterName().IsEmpty()) << "the second call failed";
     spoolerDefaultVanishes = false;
     spoolerDefaultError = ERROR_FILE_NOT_FOUND;
     EXPECT_TRUE(DefaultPrinterName().IsEmpty()) << "no default printer";
-    calls.getDefaultPrinter = nullptr;
+    calls->getDefaultPrinter = nullptr;
     EXPECT_TRUE(DefaultPrinterName().IsEmpty()) << "no such call";
 }
 
 TEST_F(DefaultPrinter, ComesFromTheProfileBeforeVersion5) {
-    calls.getVersionEx = &FakeVersion<VER_PLATFORM_WIN32_NT, 4>;
-    calls.getProfileString = &FakeProfile;
-    calls.getDefaultPrinter = nullptr;
+    calls->getVersionEx = &FakeVersion<VER_PLATFORM_WIN32_NT, 4>;
+    calls->getProfileString = &FakeProfile;
+    calls->getDefaultPrinter = nullptr;
     struct Row {
         const wchar_t* device;
         const wchar_t* name;
@@ -282,8 +274,8 @@ TEST_F(DefaultPrinter, ComesFromTheProfileBeforeVersion5) {
 }
 
 TEST_F(DefaultPrinter, ComesFromAnEnumerationOnWindows9x) {
-    calls.getVersionEx = &FakeVersion<VER_PLATFORM_WIN32_WINDOWS, 4>;
-    calls.enumPrinters = &FakeEnumPrinters<PRINTER_INFO_5W, &PRINTER_INFO_5W::pPrinterName>;
+    calls->getVersionEx = &FakeVersion<VER_PLATFORM_WIN32_WINDOWS, 4>;
+    calls->enumPrinters = &FakeEnumPrinters<PRINTER_INFO_5W, &PRINTER_INFO_5W::pPrinterName>;
     spooler = {};
     spooler.names = {L"Label A", L"Label B"};
     EXPECT_STREQ(DefaultPrinterName().Wide(), L"Label A");
@@ -301,7 +293,7 @@ TEST_F(DefaultPrinter, ComesFromAnEnumerationOnWindows9x) {
 }
 
 TEST_F(DefaultPrinter, IsUnknownOnAnyOtherPlatform) {
-    calls.getVersionEx = &FakeVersion<VER_PLATFORM_WIN32s, 6>;
+    calls->getVersionEx = &FakeVersion<VER_PLATFORM_WIN32s, 6>;
     EXPECT_TRUE(DefaultPrinterName().IsEmpty());
 }
 

@@ -8,8 +8,8 @@
 #include <string>
 
 #include "core/OString.h"
-#include "tests/core/SystemCallsPreset.h"
 #include "tests/kit/RegistryPreset.h"
+#include "tests/kit/SetAside.h"
 
 namespace kit {
 

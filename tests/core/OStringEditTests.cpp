@@ -4,7 +4,7 @@
 #include <string>
 
 #include "core/OString.h"
-#include "tests/core/SystemCallsPreset.h"
+#include "tests/kit/SetAside.h"
 
 using namespace kit;
 

@@ -7,9 +7,9 @@
 
 #include <string>
 
-#include "tests/core/SystemCallsPreset.h"
 #include "tests/fuzz/CommandLineModel.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/kit/SetAside.h"
 
 namespace kit {
 

@@ -1,4 +1,4 @@
-// Environment variables for started programs.
+// Environment variables, of this process and for started programs.
 #include "tests/kit/Environment.h"
 
 #include <windows.h>
@@ -29,6 +29,10 @@ std::wstring EnvironmentVariable(const wchar_t* name) {
     std::wstring value(size, L'\0');
     value.resize(GetEnvironmentVariableW(name, value.data(), size));
     return value;
+}
+
+void EnvironmentPlace::Put(const std::wstring& value) const {
+    SetEnvironmentVariableW(name, value.empty() ? nullptr : value.c_str());
 }
 
 std::wstring EnvironmentBlock(const std::map<std::wstring, std::wstring>& changes) {

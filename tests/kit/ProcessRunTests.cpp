@@ -3,6 +3,7 @@
 
 #include <stdexcept>
 
+#include "tests/kit/Environment.h"
 #include "tests/kit/ProcessRun.h"
 
 using namespace kit;
@@ -77,7 +78,8 @@ TEST(ProcessRun, StandardInputIsEmpty) {
 }
 
 TEST(ProcessRun, ExtraVariablesReachTheProgramAndReplaceItsOwn) {
-    SetEnvironmentVariableW(L"KIT_OLD", L"old");
+    const EnvironmentPreset old(L"KIT_OLD");
+    old.Put(L"old");
     ProcessOptions options;
     options.environment = {{L"kit_old", L"new"}, {L"KIT_MORE", L"m=o r\u00E9"}};
     const auto valueOf = [&](const wchar_t* name) {
@@ -103,9 +105,9 @@ TEST(ProcessRun, AProgramThatIsMissingThrows) {
 TEST(ProcessRun, TheFolderOfTheProgramsCanBeChosen) {
     const std::wstring beside = ProgramPath(kProbe);
     EXPECT_NE(GetFileAttributesW(beside.c_str()), INVALID_FILE_ATTRIBUTES);
-    SetEnvironmentVariableW(L"KEMBA_PROGRAMS", LR"(c:\elsewhere)");
+    const EnvironmentPreset folder(L"KEMBA_PROGRAMS");
+    folder.Put(LR"(c:\elsewhere)");
     EXPECT_EQ(ProgramPath(kProbe), LR"(c:\elsewhere\kit-probe.exe)");
-    SetEnvironmentVariableW(L"KEMBA_PROGRAMS", nullptr);
 }
 
 } // namespace

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "tests/kit/Owners.h"
+#include "tests/kit/SetAside.h"
 
 namespace kit {
 
@@ -57,33 +58,30 @@ inline std::optional<RegistryData> GetRegistryData(HKEY root, const std::wstring
     return status == ERROR_SUCCESS ? std::optional(data) : std::nullopt;
 }
 
-/// One value in a key that others use too. It is absent at first, may be set and read, and is at the end what
-/// it was before. The key stays, as a test at its side may be using it.
-class RegistryPreset {
+/// One value in a key that others use too.
+class RegistryPlace {
   public:
-    RegistryPreset(HKEY root, std::wstring key, std::wstring name)
-        : m_root(root), m_key(std::move(key)), m_name(std::move(name)),
-          m_before(GetRegistryData(m_root, m_key, m_name)) {
-        Remove();
-    }
-    RegistryPreset(const RegistryPreset&) = delete;
-    RegistryPreset& operator=(const RegistryPreset&) = delete;
-    ~RegistryPreset() {
-        Remove();
-        if (m_before) {
-            Set(*m_before);
-        }
-    }
+    RegistryPlace(HKEY root, std::wstring key, std::wstring name)
+        : m_root(root), m_key(std::move(key)), m_name(std::move(name)) {}
 
     void Set(const RegistryData& data) const { SetRegistryData(m_root, m_key, m_name, data); }
     std::optional<RegistryData> Get() const { return GetRegistryData(m_root, m_key, m_name); }
     void Remove() const { RegDeleteKeyValueW(m_root, m_key.c_str(), m_name.c_str()); }
+    /// The key stays, as a test at its side may be using it.
+    void Put(const std::optional<RegistryData>& data) const { data ? Set(*data) : Remove(); }
 
   private:
     HKEY m_root;
     std::wstring m_key;
     std::wstring m_name;
-    std::optional<RegistryData> m_before;
+};
+
+/// A value that is absent at first.
+struct RegistryPreset : SetAside<RegistryPlace> {
+    RegistryPreset(HKEY root, std::wstring key, std::wstring name)
+        : SetAside(root, std::move(key), std::move(name)) {
+        Remove();
+    }
 };
 
 /// A key of a test's own, absent at first; at the end it goes with all that is in it.

@@ -11,7 +11,7 @@
 
 #include "core/SystemCalls.h"
 #include "platform/OperatingSystem.h"
-#include "tests/core/SystemCallsPreset.h"
+#include "tests/kit/SetAside.h"
 
 using namespace kit;
 

@@ -87,7 +87,8 @@ TEST_F(EntryPoint, ACommandLineCategoryThatIsSwitchedOnShowsNothing) {
                               L"Brandle KEMBA CLI");
     // Every look at the clock is six seconds later, so that every run reads the value again. Runs of other
     // tests write the value back as they read it: theirs may come between ours and the reading.
-    OCore::TheSystemCalls().getTickCount64 = [] {
+    const SystemCallsPreset calls;
+    calls->getTickCount64 = [] {
         static ULONGLONG now = 0;
         return now += 6'000;
     };
@@ -98,7 +99,6 @@ TEST_F(EntryPoint, ACommandLineCategoryThatIsSwitchedOnShowsNothing) {
         enabled = kemba::TheProcessObjects().eventLog->IsEnabled(0x10000000);
     }
     EXPECT_TRUE(enabled);
-    OCore::TheSystemCalls() = {};
 }
 
 TEST_F(EntryPoint, TheOptionParserWorksOnTheProcessWideSettings) {

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "tests/core/SystemCallsPreset.h"
+#include "tests/kit/SetAside.h"
 
 namespace kit {
 

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <cwchar>
 
-#include "tests/core/SystemCallsPreset.h"
 #include "tests/kit/RegistryPreset.h"
+#include "tests/kit/SetAside.h"
 #include "tests/whole_run/FaultTable.h"
 #include "tests/whole_run/WholeRunTest.h"
 

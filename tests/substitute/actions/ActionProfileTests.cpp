@@ -6,6 +6,7 @@
 #include "substitute/actions/ActionProfile.h"
 #include "substitute/base/Paths.h"
 #include "tests/kit/ProcessRun.h"
+#include "tests/kit/RegistryPreset.h"
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/Texts.h"
@@ -178,30 +179,28 @@ TEST_F(ActionProfiles, AProfileThatCannotBeReadIsNotTakenForNone) {
 /// A registry key of the test's own for the value that names the folder.
 class ActionProfileFolder : public testing::Test {
   protected:
-    ~ActionProfileFolder() override { RegDeleteKeyW(HKEY_CURRENT_USER, key.c_str()); }
-
     void Put(DWORD type, const void* data, std::size_t size) const {
-        ASSERT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"ActionProfiles", type, data,
-                                  static_cast<DWORD>(size)),
-                  ERROR_SUCCESS);
+        const auto* const bytes = static_cast<const BYTE*>(data);
+        key.Set(L"ActionProfiles", RegistryData::OfBytes(type, {bytes, bytes + size}));
     }
     /// The text as it stands, with no zero behind it.
     void Put(const std::wstring& text) const { Put(REG_SZ, text.data(), text.size() * sizeof(wchar_t)); }
     std::wstring Folder() const {
-        return kemba::substitute::ActionProfileFolder(HKEY_CURRENT_USER, key.c_str());
+        return kemba::substitute::ActionProfileFolder(HKEY_CURRENT_USER, key.Path().c_str());
     }
     Failure Refusal() const {
         return FailureOf([&] { Folder(); });
     }
 
-    const std::wstring key = L"Software\\kemba profile test " + std::to_wstring(GetCurrentProcessId());
+    const ScratchKey key{HKEY_CURRENT_USER,
+                         L"Software\\kemba profile test " + std::to_wstring(GetCurrentProcessId())};
 };
 
 TEST_F(ActionProfileFolder, IsBesideTheProgramWithoutTheKeyOrTheValue) {
     const std::wstring program = ProgramPath();
     const std::wstring beside = program.substr(0, program.rfind(L'\\')) + L"\\profiles";
     EXPECT_EQ(Folder(), beside);
-    RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"Other", REG_SZ, L"", 2);
+    key.Set(L"Other", RegistryData::OfText(L""));
     EXPECT_EQ(Folder(), beside);
 }
 
