@@ -9,6 +9,8 @@ COLUMNS = 120
 SCRIPTS = ("dev", ".ci/run", "cmake/run-wine", "cmake/start-wine")
 ENDINGS = (".cmake", ".cpp", ".def", ".h", ".idl", ".in", ".md", ".py", ".rc", ".txt")
 CATALOGUE = "KEMBA[ENU].TXT"  # content, not prose
+CONTRACT = "automation/DriverAutomation.idl"
+SERVER_PAGE = "docs/automation-server.md"
 FOREIGN = ("DsDriver", "DsSpooler", "PascalCase")  # names that stand in the pages alone
 
 
@@ -70,6 +72,13 @@ def bad_links(name, page, root):
             yield f"{name}:{page.count(chr(10), 0, match.start()) + 1}: leads nowhere: {match[0][1:]}"
 
 
+def undescribed(contract, page):
+    """The operations of the contract that the page about its server does not name."""
+    for operation in re.findall(r"HRESULT (\w+)\(", contract):
+        if not operation.startswith("Reserved") and not re.search(rf"`{operation}`", page):
+            yield f"{SERVER_PAGE}: says nothing about {operation}"
+
+
 def problems(root):
     files = dict(files_of(root))
     sources = {name: text for name, text in files.items() if not name.startswith("checks/") and name[-3:] != ".md"}
@@ -81,6 +90,7 @@ def problems(root):
             for number, word in named_in(text):
                 if is_missing(word, root, sources):
                     yield f"{name}:{number}: names {word}, which is not there"
+    yield from undescribed(files.get(CONTRACT, ""), files.get(SERVER_PAGE, ""))
 
 
 if __name__ == "__main__":

@@ -89,6 +89,10 @@ class Prose(unittest.TestCase):
                      "./dev check gone"):
             self.assertEqual(self.said(f"`{name}`"), [f"names {name}, which is not there"])
 
+    def test_every_operation_is_described(self):
+        self.assertEqual(list(prose.undescribed("HRESULT Feed(); HRESULT Cut(); HRESULT Reserved3();", "`Feed` cuts.")),
+                         ["docs/automation-server.md: says nothing about Cut"])
+
     def test_links_lead_somewhere(self):
         self.assertEqual(self.said("# A page's `title`\n[a](#a-pages-title) [b](../dev) [c](https://x.org/y)\n"), [])
         for link in ("(#gone)", "(gone.md)", "(page.md#gone)"):

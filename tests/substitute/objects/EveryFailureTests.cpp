@@ -2,12 +2,16 @@
 // fully changed, and nothing is left of the attempt.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <future>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <thread>
 
 #include "substitute/objects/DriverActionsObject.h"
+#include "tests/kit/Operations.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/ObjectFixture.h"
@@ -67,6 +71,10 @@ class EveryFailure : public ObjectFixture {
         return {
             {L"PutPrinterName", [&] { return MakeAutomation()->PutPrinterName(InText(L"Label A")); }},
             {L"GetComment", [&] { return Text(&IDriverAutomation::GetComment); }},
+            {L"GetLocation", [&] { return Text(&IDriverAutomation::GetLocation); }},
+            {L"GetModelName", [&] { return Text(&IDriverAutomation::GetModelName); }},
+            {L"GetPortName", [&] { return Text(&IDriverAutomation::GetPortName); }},
+            {L"GetShareName", [&] { return Text(&IDriverAutomation::GetShareName); }},
             {L"GetDriverVersion", [&] { return Text(&IDriverAutomation::GetDriverVersion); }},
             {L"GetDriverVersionDetail", [&] { return Text(&IDriverAutomation::GetDriverVersionDetail); }},
             {L"GetStatus",
@@ -118,6 +126,23 @@ class EveryFailure : public ObjectFixture {
     ComPtr<IPrinterQueue> queue;
     ComPtr<IPrinterInformation> information;
 };
+
+/// Operations that ask the spooler for nothing.
+constexpr std::wstring_view kWithoutSpooler[] = {
+    L"GetPrinterQueue", L"GetPrinterInformation", L"GetSettings", L"PutExecute",
+    L"GetSupported",    L"GetDisplaysInterface",  L"GetVersion",  L"GetVersionDetail"};
+
+TEST_F(EveryFailure, IsTriedForEveryOperationOfTheContract) {
+    for (const kit::Operation& row : AllOperations()) {
+        const std::string_view narrow = row.name.substr(row.name.find('.') + 1);
+        const std::wstring name(narrow.begin(), narrow.end());
+        const auto tried = Operations();
+        EXPECT_TRUE(
+            std::ranges::count(kWithoutSpooler, name) == 1 ||
+            std::ranges::any_of(tried, [&](const Operation& operation) { return operation.name == name; }))
+            << "add a call of " << row.name << " to Operations() in " << __FILE__;
+    }
+}
 
 TEST_F(EveryFailure, LeavesThePrinterAsBeforeOrFullyChangedAndIsExplained) {
     int failures = 0;
