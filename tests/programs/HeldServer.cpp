@@ -7,7 +7,7 @@
 
 #include "automation/Activation.h"
 #include "tests/kit/Owners.h"
-#include "tests/substitute/ServerProgram.h"
+#include "tests/programs/ServerProgram.h"
 
 namespace kit {
 

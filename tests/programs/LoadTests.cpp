@@ -19,7 +19,7 @@
 #include "tests/programs/Clients.h"
 #include "tests/programs/HeldServer.h"
 #include "tests/programs/Kemba.h"
-#include "tests/substitute/ServerProgram.h"
+#include "tests/programs/ServerProgram.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/kit/TemporaryFolder.h"
-#include "tests/substitute/ServerProgram.h"
+#include "tests/programs/ServerProgram.h"
 
 using namespace kit;
 

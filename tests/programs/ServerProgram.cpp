@@ -1,5 +1,5 @@
 // Looking for the server program's processes, and at the registry.
-#include "tests/substitute/ServerProgram.h"
+#include "tests/programs/ServerProgram.h"
 
 #include <tlhelp32.h>
 

@@ -12,12 +12,13 @@
 #include "demo/WinePrinters.h"
 #include "substitute/server/ServerIdentity.h"
 #include "substitute/server/ServingTurn.h"
+#include "tests/kit/CallTexts.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/kit/TemporaryFile.h"
-#include "tests/substitute/ObjectFixture.h"
-#include "tests/substitute/ServerProgram.h"
+#include "tests/programs/ServerProgram.h"
 
 namespace {
 
