@@ -97,10 +97,11 @@ const std::map<std::string_view, CallOne> kCalls = {
 };
 
 TEST(Operations, TheTableNamesExactlyTheOperationsOfTheObjects) {
-    EXPECT_EQ(AllOperations().size(), kCalls.size());
+    EXPECT_EQ(AllOperations().size(), kCalls.size())
+        << "tests/kit/Operations.cpp has the rows, kCalls the calls";
     for (const Operation& operation : AllOperations()) {
         SCOPED_TRACE(operation.name);
-        ASSERT_TRUE(kCalls.contains(operation.name));
+        ASSERT_TRUE(kCalls.contains(operation.name)) << "add its call to kCalls in " << __FILE__;
         FakeServer server;
         {
             Objects objects;

@@ -85,8 +85,8 @@ TEST_F(InputFile, NobodyMayWriteMeanwhileButTheFileMayGo) {
     kemba::substitute::InputFile file(L"parcel", path);
     const auto open = [&](DWORD access) {
         return OCore::OwnFile(CreateFileW(path.c_str(), access,
-                                   FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                   OPEN_EXISTING, 0, nullptr));
+                                          FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                          OPEN_EXISTING, 0, nullptr));
     };
     EXPECT_FALSE(open(GENERIC_WRITE));
     EXPECT_TRUE(open(GENERIC_READ));
