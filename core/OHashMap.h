@@ -27,7 +27,10 @@ class OHashMap {
     /// The key's value, or `missing`.
     Value Find(const Key& key, Value missing = Value()) const {
         const std::int32_t index = IndexOf(key);
-        return index < 0 ? std::move(missing) : m_values[index];
+        if (index < 0) {
+            return missing;
+        }
+        return m_values[index];
     }
 
     /// False, and the map as it was, when memory is short.

@@ -107,7 +107,7 @@ TEST(Paths, WhatCanBeNoFileIsRefused) {
     };
     for (const auto& [path, error] : rows) {
         SCOPED_TRACE(path);
-        const Failure failure = FailureOf([&, path = path] { NeedFilePath(path); });
+        const Failure failure = FailureOf([&] { NeedFilePath(path); });
         EXPECT_EQ(failure.status, HRESULT_FROM_WIN32(error));
         EXPECT_NE(failure.reason.find(L"\"" + std::wstring(path.c_str()) + L"\""), std::wstring::npos);
     }
