@@ -4,6 +4,12 @@
 #include <objbase.h>
 #include <ole2.h>
 
+#include <string_view>
+
+#include "automation/ComError.h"
+#include "automation/Owners.h"
+#include "core/OString.h"
+
 namespace kemba {
 namespace {
 

@@ -5,6 +5,8 @@
 #include <new>
 #include <utility>
 
+#include "automation/Owners.h"
+
 namespace kemba {
 namespace {
 

@@ -1,7 +1,10 @@
 // The automation error printer.
 #include "automation/ErrorPrinter.h"
 
+#include "automation/ComError.h"
 #include "automation/Owners.h"
+#include "core/OString.h"
+#include "messages/ConsoleOutput.h"
 
 namespace kemba {
 namespace {

@@ -5,7 +5,11 @@
 
 #include <algorithm>
 
+#include "cli/ApplicationSettings.h"
 #include "cli/PrinterSelection.h"
+#include "core/OArray.h"
+#include "core/OStream.h"
+#include "messages/ConsoleOutput.h"
 
 namespace kemba {
 

@@ -3,8 +3,13 @@
 
 #include <algorithm>
 #include <iterator>
+#include <span>
 
+#include "cli/ApplicationSettings.h"
+#include "cli/Command_Base.h"
+#include "core/OArray.h"
 #include "core/WordTable.h"
+#include "messages/ConsoleOutput.h"
 
 namespace kemba {
 

@@ -4,7 +4,10 @@
 #include <memory>
 #include <span>
 
+#include "cli/ApplicationSettings.h"
 #include "cli/Command_Base.h"
+#include "core/OArray.h"
+#include "messages/ConsoleOutput.h"
 
 namespace kemba {
 

@@ -4,6 +4,10 @@
 #include <cstdint>
 #include <vector>
 
+#include "cli/ApplicationSettings.h"
+#include "core/OArray.h"
+#include "core/OString.h"
+
 namespace kemba {
 namespace {
 

@@ -6,10 +6,14 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "cli/ApplicationSettings.h"
 #include "core/Handles.h"
+#include "core/OArray.h"
 #include "core/SystemCalls.h"
+#include "messages/ConsoleOutput.h"
 
 namespace kemba {
 namespace {

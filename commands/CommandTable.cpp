@@ -1,6 +1,9 @@
 // Command words, help topics and classes.
 #include "commands/CommandTable.h"
 
+#include <span>
+
+#include "cli/Dispatcher.h"
 #include "commands/Command_Action.h"
 #include "commands/Command_Export.h"
 #include "commands/Command_Get.h"

@@ -1,7 +1,11 @@
 // Action command.
 #include "commands/Command_Action.h"
 
+#include "automation/Actions.h"
 #include "automation/Activation.h"
+#include "automation/ComError.h"
+#include "automation/Owners.h"
+#include "core/OString.h"
 #include "core/WordTable.h"
 
 namespace kemba {

@@ -3,6 +3,7 @@
 
 #include "automation/Actions.h"
 #include "cli/Command_Base.h"
+#include "core/OString.h"
 
 namespace kemba {
 

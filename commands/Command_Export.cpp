@@ -2,7 +2,9 @@
 #include "commands/Command_Export.h"
 
 #include "automation/Activation.h"
+#include "automation/ComError.h"
 #include "cli/PrinterSelection.h"
+#include "core/OArray.h"
 
 namespace kemba {
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "cli/Command_Base.h"
+#include "core/OString.h"
 
 namespace kemba {
 

@@ -2,7 +2,9 @@
 #include "commands/Command_Get.h"
 
 #include "automation/Activation.h"
+#include "automation/Owners.h"
 #include "commands/Reporting.h"
+#include "core/OString.h"
 
 namespace kemba {
 namespace {

@@ -1,7 +1,9 @@
 // Help command: pages of its own, and those that the other commands show themselves.
 #include "commands/Command_Help.h"
 
+#include "cli/Dispatcher.h"
 #include "commands/CommandTable.h"
+#include "core/OString.h"
 #include "core/WordTable.h"
 
 namespace kemba {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "cli/Command_Base.h"
+#include "messages/ConsoleOutput.h"
 
 namespace kemba {
 

@@ -2,6 +2,7 @@
 #include "commands/Command_Send.h"
 
 #include "automation/Activation.h"
+#include "automation/ComError.h"
 #include "core/OFile.h"
 
 namespace kemba {

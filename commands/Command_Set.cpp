@@ -2,6 +2,7 @@
 #include "commands/Command_Set.h"
 
 #include "automation/Activation.h"
+#include "automation/Owners.h"
 #include "commands/Reporting.h"
 
 namespace kemba {

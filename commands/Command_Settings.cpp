@@ -2,9 +2,13 @@
 #include "commands/Command_Settings.h"
 
 #include "automation/Activation.h"
+#include "automation/ComError.h"
+#include "cli/Command_Base.h"
 #include "cli/PrinterSelection.h"
 #include "commands/Command_Export.h"
 #include "commands/Command_Import.h"
+#include "core/OArray.h"
+#include "core/OString.h"
 
 namespace kemba {
 

@@ -2,8 +2,11 @@
 #include "commands/Command_Version.h"
 
 #include "automation/Activation.h"
+#include "cli/Command_Base.h"
 #include "cli/PrinterSelection.h"
+#include "core/OArray.h"
 #include "core/ORegistry.h"
+#include "core/OString.h"
 #include "core/WordTable.h"
 #include "platform/OperatingSystem.h"
 

@@ -2,6 +2,8 @@
 #include "core/Crc32.h"
 
 #include <array>
+#include <cstdint>
+#include <span>
 
 namespace {
 

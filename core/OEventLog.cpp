@@ -1,10 +1,16 @@
 // Event-log masks and the registry of their sources.
 #include "core/OEventLog.h"
 
+#include <atomic>
+#include <cstdint>
+#include <memory>
 #include <utility>
 
+#include "core/OArray.h"
 #include "core/OHashMap.h"
 #include "core/ORegistry.h"
+#include "core/OString.h"
+#include "core/OSynchronizer.h"
 #include "core/SystemCalls.h"
 
 namespace {

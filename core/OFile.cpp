@@ -1,7 +1,10 @@
 // Files over CreateFileW.
 #include "core/OFile.h"
 
+#include <cstdint>
+
 #include "core/Handles.h"
+#include "core/OString.h"
 
 namespace {
 

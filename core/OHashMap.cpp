@@ -1,9 +1,11 @@
 // The key hash of OStringMap.
 #include "core/OHashMap.h"
 
+#include <cstdint>
 #include <cstring>
 
 #include "core/Crc32.h"
+#include "core/OString.h"
 
 std::uint32_t OCore::StringHash::operator()(const OString& key) const {
     const char* const text = key.Narrow();

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "core/Handles.h"
+#include "core/OString.h"
 #include "core/OSynchronizer.h"
 
 namespace {

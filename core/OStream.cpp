@@ -2,9 +2,15 @@
 #include "core/OStream.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <new>
+#include <utility>
+
+#include "core/OString.h"
 
 namespace OCore {
 namespace {

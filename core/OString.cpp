@@ -3,7 +3,11 @@
 
 #include <algorithm>
 #include <cstdarg>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "core/SystemCalls.h"

@@ -3,6 +3,9 @@
 
 #include <windows.h>
 
+#include <cstddef>
+#include <string>
+
 #include "demo/SpoolerError.h"
 
 namespace demo {

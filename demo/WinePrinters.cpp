@@ -4,7 +4,10 @@
 #include <winspool.h>
 
 #include <atomic>
+#include <optional>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "core/Handles.h"
 #include "demo/LabelDriver.h"

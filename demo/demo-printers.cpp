@@ -2,6 +2,7 @@
 // goes.
 #include <cstdio>
 #include <exception>
+#include <string>
 
 #include "demo/PortTarget.h"
 #include "demo/SpoolerLock.h"

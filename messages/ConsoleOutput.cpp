@@ -4,7 +4,11 @@
 #include <fcntl.h>
 #include <io.h>
 
+#include <cstdint>
 #include <cstdio>
+
+#include "core/OStream.h"
+#include "core/OString.h"
 
 ConsoleOutput::ConsoleOutput(const bool& quiet) : m_quiet(&quiet) {
     SetBufferSize(0);

@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <string>
 
+#include "core/OString.h"
+
 namespace {
 
 /// Bytes of one line that are read at once, the line end included; a longer line is read in pieces.

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "core/OString.h"
 #include "core/OSynchronizer.h"
 #include "core/SystemCalls.h"
 

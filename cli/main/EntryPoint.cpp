@@ -4,12 +4,16 @@
 #include <cstdint>
 #include <memory>
 
+#include "automation/ComError.h"
 #include "automation/ErrorPrinter.h"
 #include "cli/Dispatcher.h"
 #include "cli/OptionParser.h"
 #include "cli/main/ProcessObjects.h"
 #include "commands/CommandTable.h"
 #include "commands/Command_Help.h"
+#include "core/OArray.h"
+#include "core/OEventLog.h"
+#include "core/OString.h"
 
 namespace kemba {
 namespace {

@@ -1,6 +1,10 @@
 // What the print spooler can do about each action.
 #include "substitute/actions/ActionKind.h"
 
+#include <optional>
+
+#include "automation/Actions.h"
+
 namespace kemba::substitute {
 
 std::optional<ActionKind> KindOf(ActionCode code) {

@@ -3,11 +3,17 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 
+#include "automation/Actions.h"
+#include "automation/Owners.h"
 #include "substitute/actions/ActionKind.h"
+#include "substitute/actions/ActionProfile.h"
+#include "substitute/actions/ActionRequest.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/VariantArgument.h"
 #include "substitute/spooler/PrintJob.h"
+#include "substitute/spooler/Printer.h"
 
 namespace kemba::substitute {
 namespace {

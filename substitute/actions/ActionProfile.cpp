@@ -1,6 +1,9 @@
 // Finding and reading action profiles.
 #include "substitute/actions/ActionProfile.h"
 
+#include <optional>
+#include <string>
+
 #include "substitute/base/Failure.h"
 #include "substitute/base/InputFile.h"
 #include "substitute/base/Paths.h"

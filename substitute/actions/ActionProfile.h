@@ -3,11 +3,13 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace kemba::substitute {
 

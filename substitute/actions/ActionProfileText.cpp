@@ -1,6 +1,10 @@
 // The text of an action profile.
 #include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
 
+#include "automation/Actions.h"
 #include "core/WordTable.h"
 #include "substitute/actions/ActionKind.h"
 #include "substitute/actions/ActionProfile.h"

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <string_view>
 #include <vector>
 
 #include "substitute/base/Paths.h"

@@ -4,8 +4,11 @@
 #include <oleauto.h>
 
 #include <cwchar>
+#include <iterator>
 #include <new>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 
 #include "automation/Owners.h"
 #include "core/Handles.h"

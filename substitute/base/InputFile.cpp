@@ -2,8 +2,12 @@
 #include "substitute/base/InputFile.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
 #include <utility>
 
+#include "core/Handles.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/Paths.h"
 

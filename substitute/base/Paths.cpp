@@ -4,6 +4,9 @@
 #include <windows.h>
 
 #include <cwchar>
+#include <iterator>
+#include <string>
+#include <string_view>
 
 #include "substitute/base/Failure.h"
 

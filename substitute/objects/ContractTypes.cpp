@@ -3,6 +3,7 @@
 
 #include <oleauto.h>
 
+#include "automation/Owners.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/Paths.h"
 

@@ -7,6 +7,7 @@
 
 #include "substitute/actions/ActionRequest.h"
 #include "substitute/objects/AutomationObject.h"
+#include "substitute/objects/ServerContext.h"
 
 namespace kemba::substitute {
 

@@ -1,11 +1,22 @@
 // The main object's operations in interface order.
 #include "substitute/objects/DriverAutomationObject.h"
 
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "automation/Owners.h"
+#include "core/OSynchronizer.h"
 #include "substitute/actions/ActionPerformer.h"
+#include "substitute/actions/ActionRequest.h"
+#include "substitute/base/Failure.h"
+#include "substitute/objects/AutomationObject.h"
 #include "substitute/objects/DriverSettingsObject.h"
 #include "substitute/objects/PrinterInformationObject.h"
 #include "substitute/objects/PrinterQueueObject.h"
+#include "substitute/objects/ServerContext.h"
 #include "substitute/spooler/DriverVersion.h"
+#include "substitute/spooler/Printer.h"
 #include "substitute/spooler/SendFile.h"
 
 namespace kemba::substitute {

@@ -8,6 +8,8 @@
 
 #include "core/OSynchronizer.h"
 #include "substitute/objects/AutomationObject.h"
+#include "substitute/objects/ServerContext.h"
+#include "substitute/spooler/Printer.h"
 
 namespace kemba::substitute {
 

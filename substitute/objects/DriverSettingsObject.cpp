@@ -1,8 +1,12 @@
 // Settings between a printer and a file.
 #include "substitute/objects/DriverSettingsObject.h"
 
+#include <string>
+
+#include "substitute/base/Failure.h"
 #include "substitute/base/Paths.h"
 #include "substitute/base/VariantArgument.h"
+#include "substitute/objects/AutomationObject.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/SettingsStore.h"
 #include "substitute/settings/VqsFormat.h"

@@ -4,8 +4,11 @@
 #include <DriverAutomation.h>
 
 #include <memory>
+#include <utility>
 
 #include "substitute/objects/AutomationObject.h"
+#include "substitute/objects/ServerContext.h"
+#include "substitute/spooler/Printer.h"
 
 namespace kemba::substitute {
 

@@ -3,6 +3,7 @@
 
 #include <oleauto.h>
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <utility>

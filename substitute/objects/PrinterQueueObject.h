@@ -5,8 +5,11 @@
 #include <winspool.h>
 
 #include <memory>
+#include <utility>
 
 #include "substitute/objects/AutomationObject.h"
+#include "substitute/objects/ServerContext.h"
+#include "substitute/spooler/Printer.h"
 
 namespace kemba::substitute {
 

@@ -1,6 +1,10 @@
 // Counting uses under one lock.
 #include "substitute/objects/UseCount.h"
 
+#include <chrono>
+#include <mutex>
+#include <optional>
+
 namespace kemba::substitute {
 
 void UseCount::Enter() noexcept {

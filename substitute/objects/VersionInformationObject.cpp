@@ -1,7 +1,11 @@
 // Version texts.
 #include "substitute/objects/VersionInformationObject.h"
 
+#include <string_view>
+
 #include "Version.h"
+#include "substitute/base/Failure.h"
+#include "substitute/objects/AutomationObject.h"
 
 namespace kemba::substitute {
 namespace {

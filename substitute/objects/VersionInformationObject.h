@@ -4,6 +4,7 @@
 #include <DriverAutomation.h>
 
 #include "substitute/objects/AutomationObject.h"
+#include "substitute/objects/ServerContext.h"
 
 namespace kemba::substitute {
 

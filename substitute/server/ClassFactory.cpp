@@ -3,7 +3,12 @@
 
 #include <objbase.h>
 
+#include <chrono>
+
+#include "automation/Owners.h"
 #include "substitute/base/Failure.h"
+#include "substitute/server/ServerClasses.h"
+#include "substitute/server/ServingTurn.h"
 
 namespace kemba::substitute {
 

@@ -2,10 +2,18 @@
 #include "substitute/server/ClassHolders.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
 
+#include "core/Handles.h"
 #include "substitute/base/Names.h"
 #include "substitute/base/Paths.h"
+#include "substitute/server/RegistrationEntries.h"
+#include "substitute/server/RegistryKeys.h"
+#include "substitute/server/ServerClasses.h"
 #include "substitute/server/ServerIdentity.h"
 
 namespace kemba::substitute {

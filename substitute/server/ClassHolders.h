@@ -7,6 +7,7 @@
 
 #include "substitute/server/RegistrationEntries.h"
 #include "substitute/server/RegistryKeys.h"
+#include "substitute/server/ServerClasses.h"
 
 namespace kemba::substitute {
 

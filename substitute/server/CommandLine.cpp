@@ -3,6 +3,8 @@
 
 #include <cwchar>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "core/OString.h"
 

@@ -1,7 +1,9 @@
 // Text for consoles, files and pipes.
 #include "substitute/server/Console.h"
 
+#include <cstddef>
 #include <string>
+#include <string_view>
 
 #include "core/Handles.h"
 

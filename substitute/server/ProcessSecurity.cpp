@@ -4,7 +4,10 @@
 #include <objbase.h>
 
 #include <array>
+#include <cstddef>
+#include <initializer_list>
 #include <iterator>
+#include <vector>
 
 #include "core/Handles.h"
 #include "substitute/base/Failure.h"

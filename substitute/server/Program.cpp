@@ -6,7 +6,9 @@
 
 #include <string>
 
+#include "substitute/base/Failure.h"
 #include "substitute/base/Paths.h"
+#include "substitute/server/CommandLine.h"
 #include "substitute/server/Console.h"
 #include "substitute/server/Registration.h"
 #include "substitute/server/Serving.h"

@@ -1,13 +1,16 @@
 // Writing and removing the registry entries.
 #include "substitute/server/Registration.h"
 
-#include <algorithm>
+#include <string>
 #include <vector>
 
 #include "substitute/base/Failure.h"
+#include "substitute/objects/ContractTypes.h"
 #include "substitute/server/ClassHolders.h"
+#include "substitute/server/CommandLine.h"
 #include "substitute/server/RegistrationEntries.h"
 #include "substitute/server/RegistrationRecord.h"
+#include "substitute/server/RegistryKeys.h"
 #include "substitute/server/ServerClasses.h"
 #include "substitute/server/WriteAccess.h"
 

@@ -6,9 +6,12 @@
 #include <cwchar>
 #include <iterator>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "automation/Owners.h"
 #include "substitute/base/Failure.h"
+#include "substitute/server/ServerClasses.h"
 #include "substitute/server/ServerIdentity.h"
 
 namespace kemba::substitute {

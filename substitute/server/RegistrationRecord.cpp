@@ -2,9 +2,14 @@
 #include "substitute/server/RegistrationRecord.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cwchar>
 #include <iterator>
+#include <optional>
+#include <string>
 #include <vector>
+
+#include "substitute/server/RegistryKeys.h"
 
 namespace kemba::substitute {
 namespace {

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <utility>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "substitute/base/Failure.h"
 

@@ -3,8 +3,12 @@
 
 #include <DriverAutomation.h>
 
+#include <array>
+
+#include "substitute/base/Failure.h"
 #include "substitute/objects/DriverActionsObject.h"
 #include "substitute/objects/DriverAutomationObject.h"
+#include "substitute/objects/ServerContext.h"
 #include "substitute/objects/VersionInformationObject.h"
 
 namespace kemba::substitute {

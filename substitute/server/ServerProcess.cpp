@@ -1,7 +1,11 @@
 // Deciding when the process ends.
 #include "substitute/server/ServerProcess.h"
 
+#include <chrono>
+#include <optional>
+
 #include "substitute/base/Failure.h"
+#include "substitute/objects/UseCount.h"
 
 namespace kemba::substitute {
 namespace {

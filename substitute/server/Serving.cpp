@@ -3,12 +3,16 @@
 
 #include <memory>
 
+#include "substitute/actions/ActionProfile.h"
 #include "substitute/base/Failure.h"
+#include "substitute/objects/ContractTypes.h"
+#include "substitute/objects/UseCount.h"
 #include "substitute/server/ClassFactory.h"
 #include "substitute/server/InterfaceHold.h"
 #include "substitute/server/ProcessSecurity.h"
 #include "substitute/server/ServerProcess.h"
 #include "substitute/server/ServingTurn.h"
+#include "substitute/spooler/PrinterLocks.h"
 #include "substitute/spooler/WindowsSpooler.h"
 
 namespace kemba::substitute {

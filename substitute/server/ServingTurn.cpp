@@ -3,7 +3,10 @@
 
 #include <DriverAutomation.h>
 
+#include <chrono>
 #include <iterator>
+#include <string>
+#include <vector>
 
 #include "substitute/base/Failure.h"
 #include "substitute/server/ProcessSecurity.h"

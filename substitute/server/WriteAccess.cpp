@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string>
 
 #include "core/Handles.h"
 #include "substitute/base/Paths.h"

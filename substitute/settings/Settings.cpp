@@ -2,6 +2,7 @@
 #include "substitute/settings/Settings.h"
 
 #include "substitute/base/Names.h"
+#include "substitute/spooler/Spooler.h"
 
 namespace kemba::substitute {
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/Spooler.h"
 
 namespace kemba::substitute {

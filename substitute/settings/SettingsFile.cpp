@@ -3,12 +3,15 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <span>
+#include <string>
 
 #include "core/Handles.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/InputFile.h"
 #include "substitute/base/Paths.h"
+#include "substitute/spooler/DeviceMode.h"
 
 namespace kemba::substitute {
 namespace {

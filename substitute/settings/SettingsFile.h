@@ -1,9 +1,10 @@
 // Settings files on disk.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
-#include "substitute/settings/Settings.h"
+#include "substitute/spooler/DeviceMode.h"
 
 namespace kemba::substitute {
 

@@ -1,7 +1,10 @@
 // Making changes, and undoing them.
 #include "substitute/settings/SettingsPlan.h"
 
+#include <functional>
 #include <new>
+#include <string>
+#include <vector>
 
 #include "substitute/base/Failure.h"
 

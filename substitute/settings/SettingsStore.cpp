@@ -4,13 +4,23 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <optional>
 #include <set>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "substitute/base/Failure.h"
 #include "substitute/base/FileVersion.h"
 #include "substitute/base/Names.h"
+#include "substitute/settings/Settings.h"
 #include "substitute/settings/SettingsPlan.h"
 #include "substitute/spooler/DefaultMode.h"
+#include "substitute/spooler/DeviceMode.h"
+#include "substitute/spooler/Printer.h"
+#include "substitute/spooler/PrinterHandle.h"
+#include "substitute/spooler/PrinterLocks.h"
+#include "substitute/spooler/Spooler.h"
 
 namespace kemba::substitute {
 namespace {

@@ -3,12 +3,20 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "core/Crc32.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/Names.h"
+#include "substitute/settings/Settings.h"
+#include "substitute/spooler/DeviceMode.h"
+#include "substitute/spooler/Spooler.h"
 
 namespace kemba::substitute {
 namespace {

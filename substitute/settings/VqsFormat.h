@@ -10,6 +10,7 @@
 #include <string>
 
 #include "substitute/settings/Settings.h"
+#include "substitute/spooler/DeviceMode.h"
 
 namespace kemba::substitute {
 

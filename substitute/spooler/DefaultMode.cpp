@@ -2,10 +2,14 @@
 #include "substitute/spooler/DefaultMode.h"
 
 #include <atomic>
+#include <optional>
+#include <string>
 
 #include "substitute/base/DriverFolder.h"
 #include "substitute/base/Failure.h"
+#include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/Printer.h"
+#include "substitute/spooler/PrinterHandle.h"
 
 namespace kemba::substitute {
 namespace {

@@ -3,8 +3,7 @@
 
 #include <windows.h>
 
-#include <string>
-
+#include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/PrinterHandle.h"
 
 namespace kemba::substitute {

@@ -3,8 +3,10 @@
 
 #include <cwchar>
 #include <iterator>
+#include <string>
 
 #include "substitute/base/FileVersion.h"
+#include "substitute/spooler/Printer.h"
 
 namespace kemba::substitute {
 namespace {

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <cstddef>
+
 #include "substitute/spooler/DeviceMode.h"
 
 namespace kemba::substitute {

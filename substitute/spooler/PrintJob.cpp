@@ -1,9 +1,13 @@
 // Starting, writing, finishing and deleting a job.
 #include "substitute/spooler/PrintJob.h"
 
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "substitute/base/Failure.h"
+#include "substitute/spooler/Printer.h"
+#include "substitute/spooler/PrinterHandle.h"
 
 namespace kemba::substitute {
 namespace {

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "substitute/spooler/Printer.h"
+#include "substitute/spooler/PrinterHandle.h"
 
 namespace kemba::substitute {
 

@@ -1,8 +1,15 @@
 // A printer's records: reading and changing them.
 #include "substitute/spooler/Printer.h"
 
+#include <string>
+
+#include "core/OSynchronizer.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/Names.h"
+#include "substitute/spooler/DeviceMode.h"
+#include "substitute/spooler/PrinterHandle.h"
+#include "substitute/spooler/PrinterLocks.h"
+#include "substitute/spooler/Spooler.h"
 
 namespace kemba::substitute {
 namespace {

@@ -8,6 +8,7 @@
 #include "core/OSynchronizer.h"
 #include "substitute/spooler/PrinterHandle.h"
 #include "substitute/spooler/PrinterLocks.h"
+#include "substitute/spooler/Spooler.h"
 
 namespace kemba::substitute {
 

@@ -1,8 +1,14 @@
 // Opening a printer and asking for its records.
 #include "substitute/spooler/PrinterHandle.h"
 
+#include <optional>
+#include <string>
+#include <utility>
+
 #include "substitute/base/Failure.h"
+#include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/FillBuffer.h"
+#include "substitute/spooler/Spooler.h"
 
 namespace kemba::substitute {
 namespace {

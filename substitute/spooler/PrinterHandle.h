@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/Spooler.h"
 
 namespace kemba::substitute {

@@ -1,6 +1,12 @@
 // Finding a printer's lock.
 #include "substitute/spooler/PrinterLocks.h"
 
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/OSynchronizer.h"
+
 namespace kemba::substitute {
 
 std::shared_ptr<OSynchronizer> PrinterLocks::Find(const std::wstring& printer) {

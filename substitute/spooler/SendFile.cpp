@@ -1,6 +1,8 @@
 // Sending a file to a printer.
 #include "substitute/spooler/SendFile.h"
 
+#include <cstddef>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -8,6 +10,7 @@
 #include "substitute/base/InputFile.h"
 #include "substitute/base/Paths.h"
 #include "substitute/spooler/PrintJob.h"
+#include "substitute/spooler/Printer.h"
 
 namespace kemba::substitute {
 namespace {

@@ -5,6 +5,7 @@
 
 #include <cwchar>
 #include <iterator>
+#include <string>
 
 namespace kemba::substitute {
 namespace {

@@ -5,12 +5,17 @@
 #include <wtsapi32.h>
 
 #include <cstring>
+#include <cwchar>
 #include <iterator>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "core/Handles.h"
 #include "core/SystemLibraries.h"
+#include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/FillBuffer.h"
+#include "substitute/spooler/Spooler.h"
 
 namespace kemba::substitute {
 namespace {

@@ -6,7 +6,11 @@
 #include <string>
 
 #include "automation/Activation.h"
+#include "automation/ComError.h"
+#include "automation/Owners.h"
 #include "tests/kit/FakeServer.h"
+#include "tests/kit/Operations.h"
+#include "tests/kit/ServerState.h"
 
 using namespace kit;
 

@@ -1,4 +1,5 @@
 // The automation exception: message texts and ownership.
+#include <windows.h>
 #include <oleauto.h>
 
 #include <gtest/gtest.h>

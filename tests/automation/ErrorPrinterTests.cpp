@@ -1,12 +1,15 @@
 // The automation error printer: which lines are printed, and the description that is not.
+#include <windows.h>
 #include <oleauto.h>
 
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "automation/ComError.h"
 #include "automation/ErrorPrinter.h"
 #include "automation/Owners.h"
+#include "messages/ConsoleOutput.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/StdoutCapture.h"
 

@@ -1,7 +1,6 @@
 // Owners of interface pointers, BSTRs and VARIANTs.
 #include <gtest/gtest.h>
 
-#include <string>
 #include <type_traits>
 #include <utility>
 

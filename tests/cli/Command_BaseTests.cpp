@@ -4,13 +4,15 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <memory>
 #include <string>
 #include <type_traits>
 #include <vector>
 
 #include "automation/ComError.h"
+#include "cli/ApplicationSettings.h"
 #include "cli/Command_Base.h"
+#include "core/OArray.h"
+#include "core/OString.h"
 #include "demo/WinePrinters.h"
 #include "tests/cli/Console.h"
 

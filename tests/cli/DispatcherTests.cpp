@@ -5,7 +5,11 @@
 #include <vector>
 
 #include "automation/ComError.h"
+#include "cli/ApplicationSettings.h"
+#include "cli/Command_Base.h"
 #include "cli/Dispatcher.h"
+#include "core/OArray.h"
+#include "messages/ConsoleOutput.h"
 #include "tests/cli/Console.h"
 
 using namespace kit;

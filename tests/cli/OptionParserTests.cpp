@@ -4,7 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "cli/ApplicationSettings.h"
 #include "cli/OptionParser.h"
+#include "core/OArray.h"
+#include "core/OString.h"
 
 namespace {
 

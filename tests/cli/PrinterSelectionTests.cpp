@@ -4,10 +4,14 @@
 
 #include <algorithm>
 #include <cstring>
+#include <cwctype>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "cli/ApplicationSettings.h"
 #include "cli/PrinterSelection.h"
+#include "core/OArray.h"
 #include "core/SystemCalls.h"
 #include "demo/SpoolerLock.h"
 #include "demo/WinePrinters.h"

@@ -9,8 +9,14 @@
 #include <string>
 #include <vector>
 
+#include "cli/ApplicationSettings.h"
+#include "cli/Command_Base.h"
+#include "cli/Dispatcher.h"
 #include "commands/CommandTable.h"
+#include "core/OArray.h"
+#include "core/OString.h"
 #include "core/WordTable.h"
+#include "messages/ConsoleOutput.h"
 #include "messages/TextResource.h"
 #include "tests/commands/Sources.h"
 #include "tests/kit/StdoutCapture.h"

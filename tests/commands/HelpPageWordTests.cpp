@@ -5,9 +5,12 @@
 #include <cctype>
 #include <set>
 #include <string>
+#include <vector>
 
+#include "cli/ApplicationSettings.h"
 #include "commands/CommandTable.h"
 #include "core/WordTable.h"
+#include "messages/ConsoleOutput.h"
 #include "messages/TextResource.h"
 #include "tests/commands/Sources.h"
 #include "tests/kit/FakeServer.h"

@@ -5,8 +5,11 @@
 
 #include <filesystem>
 #include <fstream>
+#include <ios>
 #include <iterator>
 #include <regex>
+#include <string>
+#include <vector>
 
 namespace kit {
 

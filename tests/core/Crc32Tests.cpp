@@ -1,6 +1,7 @@
 // The checksum against values computed elsewhere.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <numeric>
 #include <string_view>
 #include <vector>

@@ -3,7 +3,6 @@
 
 #include <memory>
 #include <thread>
-#include <vector>
 
 #include "core/OSynchronizer.h"
 #include "tests/kit/AtOnce.h"

@@ -1,10 +1,16 @@
 // Arrays: growth, zero-filling, and elements that own something.
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <memory>
+#include <new>
+#include <stdexcept>
+#include <type_traits>
 
 #include "core/OArray.h"
+#include "core/OString.h"
 
 namespace {
 

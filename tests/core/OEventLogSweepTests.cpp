@@ -1,6 +1,7 @@
 // The event log's sweep: which bases go, and when it runs.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <memory>
 
 #include "core/OEventLog.h"

@@ -1,11 +1,18 @@
 // The event log: masks in the registry, refreshing, sharing, parents.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
 #include <thread>
 #include <vector>
 
 #include "core/OEventLog.h"
+#include "core/OString.h"
 #include "tests/core/EventLogKit.h"
+#include "tests/kit/RegistryPreset.h"
+#include "tests/kit/SetAside.h"
 
 using namespace kit;
 

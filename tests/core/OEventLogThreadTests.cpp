@@ -4,13 +4,15 @@
 
 #include <array>
 #include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
 #include "core/OEventLog.h"
-#include "core/ORegistry.h"
 #include "tests/core/EventLogKit.h"
 #include "tests/kit/AtOnce.h"
+#include "tests/kit/SetAside.h"
 
 using namespace kit;
 

@@ -1,6 +1,7 @@
 // Files: open modes, sharing, positions, buffering, and the closed file.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 
 #include "core/OFile.h"

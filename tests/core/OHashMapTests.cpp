@@ -1,6 +1,7 @@
 // Maps sorted by hash: the hash itself, positions, equal hashes.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <memory>
 
 #include "core/OHashMap.h"

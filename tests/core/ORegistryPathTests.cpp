@@ -1,11 +1,12 @@
 // ORegistry's path pipeline: escapes, splitting, aliases, roots.
 #include <gtest/gtest.h>
 
-#include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "core/ORegistry.h"
+#include "core/OString.h"
 #include "tests/core/VirtualSlots.h"
 
 using namespace kit;

@@ -1,11 +1,13 @@
 // ORegistry's calls on real keys: opening, reading, writing, result codes and bounds.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "core/ORegistry.h"
+#include "core/OString.h"
 #include "tests/kit/KeyRights.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/RegistryPreset.h"

@@ -2,12 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <string>
 #include <vector>
 
 #include "core/OStream.h"
+#include "core/OString.h"
 #include "tests/core/VirtualSlots.h"
 
 using namespace kit;

@@ -1,7 +1,9 @@
 // OString: the two forms and how code pages turn one into the other.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstring>
+#include <cwchar>
 #include <string>
 
 #include "core/OString.h"

@@ -1,6 +1,7 @@
 // OString: appending, inserting, replacing, trimming, deleting, upper-casing and formatting.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 
 #include "core/OString.h"

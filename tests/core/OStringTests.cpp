@@ -1,8 +1,11 @@
 // OString: the shared body, lengths, parts and searches.
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "core/OString.h"

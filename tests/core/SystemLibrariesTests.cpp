@@ -1,8 +1,10 @@
 // Libraries of the system by full path, and the imports that wait for their first call.
+#include <windows.h>
 #include <delayimp.h>
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
 
 #include "core/SystemLibraries.h"

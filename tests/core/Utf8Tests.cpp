@@ -1,6 +1,7 @@
 // UTF-8: the decoder's fixed rules, bad bytes included, and the encoder.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 
 #include "core/Utf8.h"

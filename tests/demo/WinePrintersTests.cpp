@@ -1,12 +1,17 @@
 // Printers made on the spooler: what others see of them, jobs, the default printer, many processes at once.
+#include <windows.h>
 #include <winspool.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <filesystem>
+#include <optional>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "demo/PortTarget.h"
 #include "demo/SpoolerError.h"
@@ -15,6 +20,7 @@
 #include "tests/kit/Owners.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/ProcessRun.h"
+#include "tests/kit/TemporaryFile.h"
 
 using namespace kit;
 

@@ -1,13 +1,16 @@
 // Texts of action profiles, read once more by the rules of the page that describes them.
 #include <algorithm>
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "substitute/actions/ActionProfile.h"
 #include "substitute/base/Failure.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/fuzz/GuardedHeap.h"
 #include "tests/kit/RegistryPreset.h"
 
 using namespace kit;

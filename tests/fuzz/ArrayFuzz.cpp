@@ -1,11 +1,13 @@
 // The arrays against the standard vector and the rules of their growth.
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "core/OArray.h"
+#include "core/OString.h"
 #include "tests/fuzz/Fuzz.h"
 
 using namespace kit;

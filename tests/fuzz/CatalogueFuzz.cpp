@@ -2,11 +2,14 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <vector>
 
+#include "core/OString.h"
 #include "messages/TextResource.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/fuzz/GuardedHeap.h"
 #include "tests/fuzz/TextModel.h"
 
 using namespace kit;

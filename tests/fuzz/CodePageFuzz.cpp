@@ -1,11 +1,14 @@
 // Every installed code page there and back.
 #include <windows.h>
 
+#include <cstddef>
+#include <cwchar>
 #include <string>
 #include <vector>
 
 #include "core/OString.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/fuzz/GuardedHeap.h"
 #include "tests/fuzz/TextModel.h"
 
 using namespace kit;

@@ -3,13 +3,20 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
-#include <vector>
+#include <string_view>
 
+#include "cli/ApplicationSettings.h"
+#include "cli/Command_Base.h"
 #include "cli/Dispatcher.h"
 #include "cli/OptionParser.h"
+#include "core/OArray.h"
+#include "core/OString.h"
+#include "messages/ConsoleOutput.h"
 #include "tests/fuzz/CommandLineModel.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/fuzz/GuardedHeap.h"
 #include "tests/fuzz/MadePrinters.h"
 #include "tests/fuzz/TextModel.h"
 

@@ -1,10 +1,13 @@
 // Command lines: words that mean something, and what the global options make of them by their rules.
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tests/fuzz/Fuzz.h"
+#include "tests/fuzz/GuardedHeap.h"
 
 namespace kit {
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <string>
 #include <vector>
@@ -14,6 +15,7 @@
 #include "substitute/settings/SettingsPlan.h"
 #include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/DriverVersion.h"
+#include "substitute/spooler/Printer.h"
 #include "substitute/spooler/StatusText.h"
 #include "tests/fuzz/Fuzz.h"
 

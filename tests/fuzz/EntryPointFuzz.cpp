@@ -2,14 +2,19 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <vector>
 
 #include "tests/fuzz/CommandLineModel.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/fuzz/GuardedHeap.h"
 #include "tests/fuzz/MadePrinters.h"
 #include "tests/fuzz/TextModel.h"
 #include "tests/kit/FakeServer.h"
+#include "tests/kit/Operations.h"
+#include "tests/kit/Script.h"
+#include "tests/kit/WholeRun.h"
 #include "tests/whole_run/WholeRunTest.h"
 
 using namespace kit;

@@ -1,11 +1,17 @@
 // A real file against one in memory.
 #include <windows.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "core/OFile.h"
+#include "core/OString.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/fuzz/GuardedHeap.h"
+#include "tests/kit/TemporaryFile.h"
 #include "tests/kit/TemporaryFolder.h"
 
 using namespace kit;

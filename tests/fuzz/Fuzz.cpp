@@ -6,12 +6,16 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <string>
+#include <string_view>
 #include <thread>
 
 #include "tests/fuzz/Crash.h"
+#include "tests/fuzz/GuardedHeap.h"
 #include "tests/kit/Owners.h"
 
 namespace kit {

@@ -26,8 +26,6 @@
 #include <string>
 #include <string_view>
 
-#include "tests/fuzz/GuardedHeap.h"
-
 namespace kit {
 
 /// One case: a source of draws, and the place where it says its input.

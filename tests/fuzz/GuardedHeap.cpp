@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <new>
 #include <string>
 
 #include "tests/fuzz/Crash.h"

@@ -5,10 +5,12 @@
 #include <windows.h>
 #include <winspool.h>
 
+#include <cstddef>
 #include <string>
 
 #include "tests/fuzz/CommandLineModel.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/fuzz/GuardedHeap.h"
 #include "tests/kit/SetAside.h"
 
 namespace kit {

@@ -1,5 +1,6 @@
 // The hash maps against the standard multimap by hash, in which a newer entry stands before an older one.
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <iterator>
@@ -10,7 +11,9 @@
 #include <vector>
 
 #include "core/OHashMap.h"
+#include "core/OString.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/fuzz/GuardedHeap.h"
 #include "tests/fuzz/TextModel.h"
 
 using namespace kit;

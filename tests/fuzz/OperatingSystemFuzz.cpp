@@ -1,6 +1,7 @@
 // Names and editions of systems, read off the tables as conditions.
 #include <windows.h>
 
+#include <cstddef>
 #include <string>
 
 #include "platform/OperatingSystem.h"

@@ -3,14 +3,19 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "core/ORegistry.h"
+#include "core/OString.h"
 #include "tests/fuzz/Fuzz.h"
-#include "tests/fuzz/TextModel.h"
+#include "tests/fuzz/GuardedHeap.h"
 #include "tests/kit/RegistryPreset.h"
 
 using namespace kit;

@@ -1,7 +1,8 @@
 // The words of the server program.
 #include <algorithm>
-#include <map>
+#include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "substitute/server/CommandLine.h"

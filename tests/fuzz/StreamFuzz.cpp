@@ -1,11 +1,11 @@
 // The buffered stream against one that keeps what is pending in a string.
-#include <algorithm>
+#include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <string>
 #include <vector>
 
 #include "core/OStream.h"
+#include "core/OString.h"
 #include "tests/fuzz/Fuzz.h"
 #include "tests/fuzz/TextModel.h"
 

@@ -1,5 +1,8 @@
 // Operations on texts, some of which share a body, in several code pages.
 #include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
 #include <string>
 
 #include "core/OString.h"

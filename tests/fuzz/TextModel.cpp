@@ -2,6 +2,10 @@
 #include "tests/fuzz/TextModel.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
 #include <vector>
 
 #include "tests/fuzz/Utf8Model.h"

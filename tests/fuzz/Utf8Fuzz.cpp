@@ -1,5 +1,6 @@
 // The UTF-8 converter.
 #include <string>
+#include <string_view>
 
 #include "core/Utf8.h"
 #include "tests/fuzz/Fuzz.h"

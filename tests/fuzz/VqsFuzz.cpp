@@ -4,13 +4,18 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "substitute/base/Failure.h"
+#include "substitute/settings/Settings.h"
 #include "substitute/settings/VqsFormat.h"
+#include "substitute/spooler/DeviceMode.h"
+#include "substitute/spooler/Spooler.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/fuzz/GuardedHeap.h"
 #include "tests/substitute/FakeSpooler.h"
 
 using namespace kit;

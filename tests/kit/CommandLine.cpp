@@ -1,6 +1,11 @@
 // Command lines by the rules of the Microsoft C runtime.
 #include "tests/kit/CommandLine.h"
 
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
 namespace kit {
 
 std::wstring QuoteWord(std::wstring_view word) {

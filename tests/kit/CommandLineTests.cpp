@@ -1,6 +1,8 @@
 // Quoting of words: the written form. What a program reads back is tested with started programs.
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "tests/kit/CommandLine.h"
 
 using namespace kit;

@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <map>
 #include <memory>
+#include <ostream>
 #include <string>
 
 #include "automation/Owners.h"

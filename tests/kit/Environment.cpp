@@ -3,7 +3,10 @@
 
 #include <windows.h>
 
+#include <cstddef>
+#include <map>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace kit {

@@ -3,12 +3,15 @@
 
 #include <objbase.h>
 
+#include <memory>
 #include <stdexcept>
 #include <utility>
 
 #include "automation/Owners.h"
 #include "tests/kit/FakeObjects.h"
 #include "tests/kit/OneInterface.h"
+#include "tests/kit/Operations.h"
+#include "tests/kit/ServerState.h"
 
 namespace kit {
 namespace {

@@ -3,10 +3,15 @@
 
 #include <oaidl.h>
 
+#include <memory>
+#include <optional>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "automation/Owners.h"
 #include "tests/kit/OneInterface.h"
+#include "tests/kit/ServerState.h"
 #include "tests/kit/TextWatch.h"
 
 namespace kit {

@@ -6,11 +6,15 @@
 #include <cstdio>
 #include <memory>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "tests/kit/FakeErrorInformation.h"
 #include "tests/kit/Narrow.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/Script.h"
+#include "tests/kit/ServerState.h"
 #include "tests/kit/TextWatch.h"
 
 namespace kit {

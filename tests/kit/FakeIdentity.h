@@ -4,11 +4,14 @@
 #include <windows.h>
 #include <oaidl.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "tests/kit/Script.h"
 #include "tests/kit/ServerState.h"
 
 namespace kit {

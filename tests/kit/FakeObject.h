@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "tests/kit/FakeIdentity.h"
+#include "tests/kit/ServerState.h"
 
 namespace kit {
 

@@ -3,11 +3,16 @@
 
 #include <DriverAutomation.h>
 
+#include <memory>
 #include <string>
 
 #include "automation/Owners.h"
+#include "tests/kit/FakeIdentity.h"
 #include "tests/kit/FakeObject.h"
 #include "tests/kit/FakeParts.h"
+#include "tests/kit/Operations.h"
+#include "tests/kit/Script.h"
+#include "tests/kit/ServerState.h"
 
 namespace kit {
 namespace {

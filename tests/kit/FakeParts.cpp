@@ -1,7 +1,11 @@
 // The objects that a client gets from a DriverAutomation object.
 #include "tests/kit/FakeParts.h"
 
+#include <memory>
+#include <string>
+
 #include "tests/kit/FakeObject.h"
+#include "tests/kit/ServerState.h"
 
 namespace kit {
 namespace {

@@ -7,10 +7,19 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "tests/kit/FakeClassFactory.h"
 #include "tests/kit/FakeIdentity.h"
+#include "tests/kit/Operations.h"
+#include "tests/kit/Script.h"
+#include "tests/kit/ServerState.h"
 #include "tests/kit/TextWatch.h"
 
 namespace kit {

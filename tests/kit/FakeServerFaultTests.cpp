@@ -1,10 +1,15 @@
 // The fake server's error information, and its verdict on clients that leak.
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <string>
+
 #include "automation/Activation.h"
+#include "automation/Owners.h"
 #include "tests/kit/CallTexts.h"
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/ServerState.h"
 
 using namespace kit;
 

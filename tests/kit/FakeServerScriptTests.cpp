@@ -3,11 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <string>
 
 #include "automation/Activation.h"
+#include "automation/ComError.h"
+#include "automation/Owners.h"
 #include "tests/kit/CallTexts.h"
 #include "tests/kit/FakeServer.h"
-#include "tests/kit/Owners.h"
+#include "tests/kit/Operations.h"
+#include "tests/kit/ServerState.h"
 
 using namespace kit;
 

@@ -1,7 +1,10 @@
 // The fake server: activation, journal and defaults, seen by a small client.
+#include <objbase.h>
+
 #include <gtest/gtest.h>
 
 #include "automation/Activation.h"
+#include "automation/Owners.h"
 #include "tests/kit/CallTexts.h"
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Owners.h"

@@ -5,11 +5,13 @@
 #include <winspool.h>
 
 #include <algorithm>
+#include <cstdarg>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "tests/kit/ImportPatch.h"
 

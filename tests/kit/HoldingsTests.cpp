@@ -9,6 +9,7 @@
 #include <cstring>
 #include <string>
 
+#include "automation/Owners.h"
 #include "demo/WinePrinters.h"
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Holdings.h"

@@ -1,6 +1,8 @@
 // Walk over the import table.
 #include "tests/kit/ImportPatch.h"
 
+#include <string_view>
+
 namespace kit {
 
 void* PatchImport(HMODULE module, std::string_view name, void* replacement) {

@@ -1,6 +1,9 @@
 // Selection of journal lines.
 #include "tests/kit/Journal.h"
 
+#include <string>
+#include <vector>
+
 namespace kit {
 
 std::vector<std::string> Journal::Select(bool callsOnly) const {

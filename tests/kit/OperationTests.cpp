@@ -4,9 +4,13 @@
 #include <algorithm>
 #include <functional>
 #include <map>
+#include <string>
+#include <string_view>
 
 #include "automation/Activation.h"
+#include "automation/Owners.h"
 #include "tests/kit/FakeServer.h"
+#include "tests/kit/Operations.h"
 
 using namespace kit;
 

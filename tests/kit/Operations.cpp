@@ -4,6 +4,10 @@
 #include <DriverAutomation.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <span>
+#include <string_view>
 
 namespace kit {
 namespace {

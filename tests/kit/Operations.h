@@ -6,7 +6,6 @@
 
 #include <array>
 #include <span>
-#include <string>
 #include <string_view>
 
 namespace kit {

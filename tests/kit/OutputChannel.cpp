@@ -2,6 +2,9 @@
 #include "tests/kit/OutputChannel.h"
 
 #include <stdexcept>
+#include <utility>
+
+#include "tests/kit/Owners.h"
 
 namespace kit {
 namespace {

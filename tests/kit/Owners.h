@@ -5,7 +5,6 @@
 #include <objbase.h>
 #include <winspool.h>
 
-#include <memory>
 #include <stdexcept>
 #include <string>
 

@@ -4,8 +4,11 @@
 #include <windows.h>
 
 #include <atomic>
+#include <cstddef>
+#include <string>
 
 #include "demo/PortTarget.h"
+#include "tests/kit/TemporaryFile.h"
 
 namespace kit {
 namespace {

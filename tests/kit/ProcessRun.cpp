@@ -3,10 +3,14 @@
 
 #include <filesystem>
 #include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "tests/kit/CommandLine.h"
 #include "tests/kit/Environment.h"
 #include "tests/kit/OutputChannel.h"
+#include "tests/kit/Owners.h"
 
 namespace kit {
 namespace {

@@ -1,7 +1,10 @@
 // Started programs: words, environment, output, status, timeout.
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "tests/kit/Environment.h"
 #include "tests/kit/ProcessRun.h"

@@ -4,11 +4,14 @@
 #include <objbase.h>
 #include <objidl.h>
 
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
+#include "automation/Owners.h"
 #include "tests/kit/OneInterface.h"
+#include "tests/kit/ServerState.h"
 
 namespace kit {
 

@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "automation/Owners.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/ServerState.h"
 

@@ -2,6 +2,9 @@
 #include "tests/kit/Script.h"
 
 #include <algorithm>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace kit {

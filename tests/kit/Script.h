@@ -10,8 +10,6 @@
 #include <string>
 #include <string_view>
 
-#include "tests/kit/Operations.h"
-
 namespace kit {
 
 /// What a call does in place of its default.

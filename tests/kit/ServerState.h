@@ -4,6 +4,7 @@
 #include <windows.h>
 #include <unknwn.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>

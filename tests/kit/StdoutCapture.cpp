@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <stdexcept>
+#include <string>
 
 namespace kit {
 namespace {

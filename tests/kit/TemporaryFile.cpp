@@ -3,10 +3,14 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <ios>
 #include <iterator>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 
 namespace kit {
 

@@ -3,8 +3,11 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <filesystem>
+#include <iterator>
 #include <string>
+#include <system_error>
 
 #include "tests/kit/TemporaryFile.h"
 

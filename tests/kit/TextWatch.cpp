@@ -3,13 +3,17 @@
 
 #include <objidl.h>
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <mutex>
 #include <new>
 #include <optional>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 extern "C" void WINAPI SetOaNoCache(void);
 

@@ -1,6 +1,9 @@
 // Runs of the program's entry point inside the test process.
 #include "tests/kit/WholeRun.h"
 
+#include <string>
+#include <vector>
+
 #include "tests/kit/StdoutCapture.h"
 
 namespace kit {

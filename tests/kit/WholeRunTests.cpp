@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <iostream>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "tests/kit/StdoutCapture.h"
 #include "tests/kit/WholeRun.h"

@@ -8,6 +8,8 @@
 #include <functional>
 #include <string>
 
+#include "core/OStream.h"
+#include "core/OString.h"
 #include "messages/ConsoleOutput.h"
 #include "tests/kit/StdoutCapture.h"
 

@@ -4,10 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <map>
 #include <string>
 #include <string_view>
 
+#include "core/OString.h"
 #include "messages/TextResource.h"
 #include "tests/kit/TemporaryFile.h"
 

@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "core/OString.h"
 #include "core/SystemCalls.h"
 #include "platform/OperatingSystem.h"
 #include "tests/kit/SetAside.h"

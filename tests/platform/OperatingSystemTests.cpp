@@ -3,6 +3,7 @@
 
 #include <cwchar>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/OperatingSystem.h"

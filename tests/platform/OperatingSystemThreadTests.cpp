@@ -7,6 +7,7 @@
 #include <cstring>
 #include <cwchar>
 
+#include "core/OString.h"
 #include "platform/OperatingSystem.h"
 #include "tests/kit/AtOnce.h"
 

@@ -3,11 +3,18 @@
 
 #include <windows.h>
 
+#include <chrono>
 #include <memory>
 #include <stdexcept>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
 
 #include "tests/kit/CommandLine.h"
+#include "tests/kit/OutputChannel.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/ProcessRun.h"
 
 namespace kit {
 namespace {

@@ -5,12 +5,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
 #include "core/Utf8.h"
 #include "demo/WinePrinters.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/ProcessRun.h"
 #include "tests/programs/Kemba.h"
 
 using namespace kit;

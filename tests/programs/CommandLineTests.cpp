@@ -4,11 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <ios>
 #include <iterator>
 #include <string>
 
 #include "messages/TextResource.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/ProcessRun.h"
 #include "tests/programs/Kemba.h"
 
 using namespace kit;

@@ -1,8 +1,11 @@
 // Holding the server's objects, and watching the time.
 #include "tests/programs/HeldServer.h"
 
+#include <chrono>
 #include <cstdio>
 #include <stdexcept>
+#include <string>
+#include <thread>
 #include <vector>
 
 #include "automation/Activation.h"

@@ -9,7 +9,6 @@
 #include <thread>
 
 #include "automation/Owners.h"
-#include "tests/kit/OutputChannel.h"
 #include "tests/kit/Owners.h"
 
 namespace kit {

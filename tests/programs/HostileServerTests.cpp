@@ -8,7 +8,7 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
-#include <stdexcept>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -16,7 +16,6 @@
 #include "tests/kit/CommandLine.h"
 #include "tests/kit/Environment.h"
 #include "tests/kit/Operations.h"
-#include "tests/kit/OutputChannel.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/RegistryPreset.h"

@@ -3,11 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
 #include "demo/WinePrinters.h"
 #include "tests/kit/KeyRights.h"
+#include "tests/kit/ProcessRun.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/programs/Kemba.h"
 

@@ -3,13 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <ostream>
 #include <string>
 
 #include "demo/WinePrinters.h"
-#include "tests/kit/OutputChannel.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/ProcessRun.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/programs/Kemba.h"
 

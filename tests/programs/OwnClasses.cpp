@@ -4,8 +4,10 @@
 #include <DriverAutomation.h>
 #include <objbase.h>
 
+#include <cstddef>
 #include <iterator>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 
 #include "tests/kit/TemporaryFile.h"

@@ -9,7 +9,6 @@
 
 #include <deque>
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 #include <vector>
 

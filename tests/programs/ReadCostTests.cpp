@@ -10,6 +10,7 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
+#include <ratio>
 #include <string>
 #include <vector>
 

@@ -3,8 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <cstddef>
+#include <filesystem>
 #include <iterator>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "substitute/server/RegistryKeys.h"
 #include "tests/kit/Owners.h"

@@ -5,11 +5,13 @@
 
 #include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "demo/WinePrinters.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/ProcessRun.h"
+#include "tests/kit/TemporaryFile.h"
 #include "tests/kit/TemporaryFolder.h"
 
 using namespace kit;

@@ -4,6 +4,9 @@
 #include <tlhelp32.h>
 
 #include <array>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "tests/kit/Owners.h"
 

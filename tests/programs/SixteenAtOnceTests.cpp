@@ -5,12 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "demo/WinePrinters.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/ProcessRun.h"
 #include "tests/programs/Clients.h"
 #include "tests/programs/HeldServer.h"
 #include "tests/programs/Kemba.h"

@@ -6,8 +6,13 @@
 #include <cstdio>
 #include <cstring>
 #include <cwchar>
+#include <optional>
 #include <random>
+#include <string>
+#include <string_view>
+#include <vector>
 
+#include "substitute/settings/Settings.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
 

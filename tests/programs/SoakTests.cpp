@@ -12,12 +12,15 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "automation/Activation.h"
+#include "automation/Owners.h"
 #include "demo/WinePrinters.h"
+#include "substitute/settings/Settings.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
 #include "tests/kit/Environment.h"

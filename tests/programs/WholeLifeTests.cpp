@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <ios>
 #include <random>
 #include <string>
 #include <vector>
@@ -13,6 +15,7 @@
 #include "demo/WinePrinters.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/PrinterPort.h"
+#include "tests/kit/ProcessRun.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/programs/Kemba.h"
 

@@ -17,11 +17,13 @@
 #include <string>
 #include <utility>
 
+#include "automation/Owners.h"
 #include "tests/kit/FakeObjects.h"
 #include "tests/kit/Narrow.h"
 #include "tests/kit/OneInterface.h"
 #include "tests/kit/Operations.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/Script.h"
 #include "tests/kit/ServerState.h"
 #include "tests/programs/OwnClasses.h"
 

@@ -16,11 +16,14 @@
 #include <filesystem>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "automation/Activation.h"
+#include "automation/ComError.h"
 #include "demo/SpoolerLock.h"
 #include "substitute/base/Failure.h"
+#include "substitute/settings/Settings.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/programs/Kemba.h"

@@ -1,6 +1,8 @@
 // Table of command lines.
 #include "tests/shortage/CommandLines.h"
 
+#include <vector>
+
 namespace kit {
 namespace {
 

@@ -23,6 +23,7 @@
 #include "tests/kit/Holdings.h"
 #include "tests/kit/ImportPatch.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/Script.h"
 #include "tests/kit/TextWatch.h"
 #include "tests/shortage/Arena.h"
 #include "tests/shortage/Record.h"

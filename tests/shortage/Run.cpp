@@ -3,10 +3,12 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <sstream>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
-#include "tests/kit/OutputChannel.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/shortage/Record.h"

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/Dispatcher.h"
 #include "commands/CommandTable.h"
 #include "tests/kit/Environment.h"
 #include "tests/shortage/CommandLines.h"

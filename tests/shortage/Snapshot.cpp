@@ -2,6 +2,7 @@
 #include "tests/shortage/Snapshot.h"
 
 #include <cstring>
+#include <vector>
 
 #include "tests/kit/ImportPatch.h"
 #include "tests/shortage/Arena.h"

@@ -2,7 +2,13 @@
 #include "tests/shortage/Verdict.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
 #include <string_view>
+#include <vector>
+
+#include "tests/shortage/CommandLines.h"
+#include "tests/shortage/Run.h"
 
 namespace kit {
 namespace {

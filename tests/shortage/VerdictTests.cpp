@@ -3,7 +3,10 @@
 
 #include <string>
 #include <utility>
+#include <vector>
 
+#include "tests/shortage/CommandLines.h"
+#include "tests/shortage/Run.h"
 #include "tests/shortage/Verdict.h"
 
 using namespace kit;

@@ -2,8 +2,17 @@
 #include "tests/substitute/FakeSpooler.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
+#include <mutex>
+#include <optional>
+#include <string>
 #include <thread>
+#include <utility>
+#include <vector>
+
+#include "substitute/base/Names.h"
+#include "substitute/spooler/DeviceMode.h"
 
 namespace kit {
 

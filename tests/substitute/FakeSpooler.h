@@ -6,6 +6,7 @@
 #include <winspool.h>
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <list>
 #include <map>
@@ -16,6 +17,7 @@
 #include <vector>
 
 #include "substitute/base/Names.h"
+#include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/Spooler.h"
 
 namespace kit {

@@ -9,8 +9,13 @@
 #include <optional>
 #include <string>
 
+#include "automation/Owners.h"
+#include "substitute/actions/ActionProfile.h"
+#include "substitute/objects/ContractTypes.h"
 #include "substitute/objects/DriverAutomationObject.h"
-#include "tests/kit/CallTexts.h"
+#include "substitute/objects/ServerContext.h"
+#include "substitute/objects/UseCount.h"
+#include "substitute/spooler/PrinterLocks.h"
 #include "tests/kit/Owners.h"
 #include "tests/substitute/FakeSpooler.h"
 

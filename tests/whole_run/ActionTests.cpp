@@ -1,6 +1,17 @@
 // action: words and codes, the question option, messages and failures.
-#include <cwctype>
+#include <objbase.h>
 
+#include <gtest/gtest.h>
+
+#include <cwctype>
+#include <initializer_list>
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/kit/FakeServer.h"
+#include "tests/kit/Operations.h"
 #include "tests/whole_run/WholeRunTest.h"
 
 using namespace kit;

@@ -5,12 +5,16 @@
 #include <objbase.h>
 #include <oleidl.h>
 
+#include <gtest/gtest.h>
+
 #include <optional>
 #include <ostream>
 #include <string>
 
 #include "automation/Owners.h"
 #include "tests/kit/OneInterface.h"
+#include "tests/kit/Operations.h"
+#include "tests/kit/WholeRun.h"
 #include "tests/whole_run/FaultTable.h"
 #include "tests/whole_run/WholeRunTest.h"
 

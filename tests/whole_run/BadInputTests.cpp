@@ -1,5 +1,4 @@
 // Words that nobody should type: they are met as any other, and nothing else happens.
-#include <cstddef>
 #include <string>
 
 #include "tests/whole_run/WholeRunTest.h"

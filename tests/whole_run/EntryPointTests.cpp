@@ -1,11 +1,15 @@
 // The entry point: exit status, the order of things, and failures that reach it.
 #include <memory>
-#include <stdexcept>
+#include <string>
 
+#include "cli/ApplicationSettings.h"
 #include "cli/main/ProcessObjects.h"
+#include "core/OEventLog.h"
 #include "core/SystemCalls.h"
 #include "messages/TextResource.h"
+#include "tests/kit/Operations.h"
 #include "tests/kit/RegistryPreset.h"
+#include "tests/kit/SetAside.h"
 #include "tests/whole_run/WholeRunTest.h"
 
 using namespace kit;

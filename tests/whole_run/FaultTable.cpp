@@ -8,9 +8,14 @@
 #include <map>
 #include <optional>
 #include <regex>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "core/OString.h"
+#include "tests/kit/FakeServer.h"
 #include "tests/kit/Operations.h"
+#include "tests/kit/ServerState.h"
 
 namespace kit {
 namespace {

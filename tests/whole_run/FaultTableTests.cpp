@@ -1,14 +1,14 @@
 // What every command does about every fault at every call that it makes.
 #include <windows.h>
+#include <wtypes.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <exception>
 #include <functional>
-#include <iterator>
-#include <ostream>
 #include <set>
 #include <sstream>
 #include <string>

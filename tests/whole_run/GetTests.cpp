@@ -1,6 +1,10 @@
 // get: one line per printer, and what happens when the server does not play along.
-#include <algorithm>
+#include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+
+#include "tests/kit/Operations.h"
 #include "tests/whole_run/WholeRunTest.h"
 
 using namespace kit;

@@ -1,4 +1,6 @@
 // help: which page which topic shows.
+#include <string>
+
 #include "messages/TextResource.h"
 #include "tests/whole_run/WholeRunTest.h"
 

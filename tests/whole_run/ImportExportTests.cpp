@@ -1,4 +1,7 @@
 // settings import and settings export.
+#include <string>
+
+#include "demo/WinePrinters.h"
 #include "tests/kit/Narrow.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/whole_run/WholeRunTest.h"

@@ -9,11 +9,16 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
+#include "automation/Owners.h"
 #include "tests/kit/FakeObjects.h"
 #include "tests/kit/OneInterface.h"
+#include "tests/kit/Operations.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/Script.h"
 #include "tests/kit/ServerState.h"
+#include "tests/kit/WholeRun.h"
 #include "tests/whole_run/ListedPrinters.h"
 #include "tests/whole_run/WholeRunTest.h"
 

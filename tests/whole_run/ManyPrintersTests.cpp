@@ -1,8 +1,12 @@
 // One, two and many printers, and names and values that are hard to carry.
 #include <algorithm>
+#include <string>
+#include <vector>
 
+#include "demo/WinePrinters.h"
 #include "tests/kit/Narrow.h"
 #include "tests/kit/TemporaryFile.h"
+#include "tests/kit/WholeRun.h"
 #include "tests/whole_run/ListedPrinters.h"
 #include "tests/whole_run/WholeRunTest.h"
 

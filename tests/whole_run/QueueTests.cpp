@@ -1,4 +1,11 @@
 // queue: pause, resume, purge, and failures.
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <string>
+#include <utility>
+
+#include "tests/kit/FakeServer.h"
 #include "tests/whole_run/WholeRunTest.h"
 
 using namespace kit;

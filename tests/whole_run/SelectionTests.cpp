@@ -1,7 +1,11 @@
 // Selection in whole runs: which printers a command line works on.
-#include "core/SystemCalls.h"
+#include <optional>
+#include <string>
+
 #include "demo/SpoolerLock.h"
+#include "demo/WinePrinters.h"
 #include "messages/TextResource.h"
+#include "tests/kit/FakeServer.h"
 #include "tests/whole_run/WholeRunTest.h"
 
 using namespace kit;

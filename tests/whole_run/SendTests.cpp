@@ -1,4 +1,7 @@
 // send: which files count as there, what is passed on, and failures.
+#include <string>
+
+#include "tests/kit/FakeServer.h"
 #include "tests/kit/Narrow.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/TemporaryFile.h"

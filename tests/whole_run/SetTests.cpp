@@ -1,4 +1,10 @@
 // set: fields, values and failures.
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <string>
+
+#include "tests/kit/FakeServer.h"
 #include "tests/kit/Narrow.h"
 #include "tests/whole_run/WholeRunTest.h"
 

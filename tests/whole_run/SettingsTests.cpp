@@ -1,4 +1,7 @@
 // settings: the sub-action words, and reset.
+#include <string>
+
+#include "tests/kit/Operations.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/whole_run/WholeRunTest.h"
 

@@ -1,7 +1,9 @@
 // version: its sections, missing texts, and failures that the entry point or nobody prints.
 #include <algorithm>
 #include <cwchar>
+#include <string>
 
+#include "tests/kit/Operations.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/kit/SetAside.h"
 #include "tests/whole_run/FaultTable.h"

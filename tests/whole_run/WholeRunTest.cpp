@@ -2,9 +2,15 @@
 #include "tests/whole_run/WholeRunTest.h"
 
 #include <initializer_list>
+#include <string>
 
+#include "cli/ApplicationSettings.h"
 #include "cli/main/EntryPoint.h"
 #include "cli/main/ProcessObjects.h"
+#include "demo/WinePrinters.h"
+#include "tests/kit/FakeServer.h"
+#include "tests/kit/Holdings.h"
+#include "tests/kit/WholeRun.h"
 #include "tests/whole_run/FaultTable.h"
 
 namespace kit {

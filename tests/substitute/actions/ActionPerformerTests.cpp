@@ -1,7 +1,13 @@
 // Actions: what is sent, shown and answered for each code, with and without execution.
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "substitute/objects/DriverActionsObject.h"
+#include "tests/kit/CallTexts.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/LateCalls.h"
 #include "tests/substitute/ObjectFixture.h"

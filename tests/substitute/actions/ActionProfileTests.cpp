@@ -1,9 +1,13 @@
 // Action profiles: their text, their folder, which one counts.
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <filesystem>
+#include <string>
+#include <utility>
 
 #include "substitute/actions/ActionProfile.h"
+#include "substitute/base/Failure.h"
 #include "substitute/base/Paths.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/RegistryPreset.h"

@@ -1,9 +1,12 @@
 // Reading real files.
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <vector>
+#include <cstddef>
+#include <filesystem>
+#include <string>
 
+#include "core/Handles.h"
+#include "substitute/base/Failure.h"
 #include "substitute/base/InputFile.h"
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/FailureOf.h"

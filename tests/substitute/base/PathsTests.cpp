@@ -1,6 +1,9 @@
 // Paths as the system takes them; mostly decisions on texts alone.
 #include <gtest/gtest.h>
 
+#include <utility>
+
+#include "substitute/base/Failure.h"
 #include "substitute/base/Paths.h"
 #include "tests/substitute/FailureOf.h"
 

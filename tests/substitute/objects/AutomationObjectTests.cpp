@@ -1,14 +1,19 @@
 // What all objects share: identity, late binding, error information; and the two small classes.
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <functional>
+#include <iterator>
 #include <stdexcept>
 #include <utility>
 
-#include "substitute/objects/AutomationObject.h"
+#include "automation/Owners.h"
+#include "substitute/base/Failure.h"
 #include "substitute/objects/DriverActionsObject.h"
 #include "substitute/objects/VersionInformationObject.h"
 #include "substitute/server/ServerClasses.h"
+#include "tests/kit/CallTexts.h"
+#include "tests/kit/Owners.h"
 #include "tests/substitute/LateCalls.h"
 #include "tests/substitute/ObjectFixture.h"
 

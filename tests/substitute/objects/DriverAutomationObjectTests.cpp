@@ -3,11 +3,14 @@
 
 #include <atomic>
 #include <functional>
+#include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
 #include "substitute/objects/DriverAutomationObject.h"
+#include "tests/kit/CallTexts.h"
+#include "tests/kit/Owners.h"
 #include "tests/substitute/ObjectFixture.h"
 
 namespace {

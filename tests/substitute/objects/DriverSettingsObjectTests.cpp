@@ -2,15 +2,24 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstddef>
+#include <filesystem>
 #include <functional>
+#include <iterator>
 #include <optional>
+#include <string>
 #include <thread>
+#include <vector>
 
-#include "core/Handles.h"
 #include "substitute/objects/DriverSettingsObject.h"
+#include "substitute/settings/Settings.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
+#include "substitute/spooler/DeviceMode.h"
+#include "tests/kit/CallTexts.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/TemporaryFolder.h"
+#include "tests/substitute/FakeSpooler.h"
 #include "tests/substitute/LateCalls.h"
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/SettingsSamples.h"

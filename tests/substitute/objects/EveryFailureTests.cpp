@@ -5,12 +5,17 @@
 #include <algorithm>
 #include <functional>
 #include <future>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <thread>
+#include <tuple>
+#include <vector>
 
+#include "automation/Owners.h"
 #include "substitute/objects/DriverActionsObject.h"
+#include "substitute/spooler/Printer.h"
+#include "substitute/spooler/PrinterLocks.h"
+#include "tests/kit/CallTexts.h"
 #include "tests/kit/Operations.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/kit/TemporaryFolder.h"

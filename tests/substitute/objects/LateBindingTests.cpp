@@ -4,7 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+
+#include "automation/Owners.h"
 #include "substitute/objects/DriverActionsObject.h"
+#include "tests/kit/CallTexts.h"
+#include "tests/kit/Owners.h"
 #include "tests/substitute/LateCalls.h"
 #include "tests/substitute/ObjectFixture.h"
 

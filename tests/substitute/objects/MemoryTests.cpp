@@ -3,16 +3,27 @@
 
 #include <array>
 #include <cstdio>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "demo/WinePrinters.h"
+#include "substitute/actions/ActionProfile.h"
+#include "substitute/objects/ContractTypes.h"
 #include "substitute/objects/DriverActionsObject.h"
+#include "substitute/objects/DriverAutomationObject.h"
+#include "substitute/objects/ServerContext.h"
+#include "substitute/objects/UseCount.h"
 #include "substitute/server/ServerClasses.h"
+#include "substitute/spooler/PrinterLocks.h"
+#include "substitute/spooler/Spooler.h"
 #include "substitute/spooler/WindowsSpooler.h"
+#include "tests/kit/CallTexts.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/kit/TemporaryFolder.h"
+#include "tests/substitute/FakeSpooler.h"
 #include "tests/substitute/LateCalls.h"
-#include "tests/substitute/ObjectFixture.h"
 
 namespace {
 

@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "tests/kit/CallTexts.h"
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/LateCalls.h"
 #include "tests/substitute/ObjectFixture.h"

@@ -1,10 +1,14 @@
 // Class objects, called as COM calls them.
 #include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <thread>
 #include <vector>
 
 #include "substitute/server/ClassFactory.h"
+#include "substitute/server/ServerClasses.h"
+#include "substitute/server/ServerProcess.h"
+#include "tests/kit/Owners.h"
 #include "tests/substitute/ObjectFixture.h"
 
 namespace {

@@ -1,6 +1,9 @@
 // What command lines and paths say of a program.
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "substitute/server/ClassHolders.h"
 #include "tests/kit/TemporaryFile.h"
 

@@ -1,6 +1,10 @@
 // The server program's words.
 #include <gtest/gtest.h>
 
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include "substitute/server/CommandLine.h"
 
 namespace {

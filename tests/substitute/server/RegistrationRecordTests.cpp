@@ -1,6 +1,8 @@
 // Steps of a registration and their way back, in a key of the test's own in place of a hive.
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "substitute/server/RegistrationRecord.h"
 #include "substitute/server/RegistryKeys.h"
 #include "tests/kit/Owners.h"

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "substitute/base/Failure.h"
+#include "substitute/objects/UseCount.h"
 #include "substitute/server/ServerProcess.h"
 
 namespace {

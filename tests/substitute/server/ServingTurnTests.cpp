@@ -8,6 +8,7 @@
 #include "substitute/base/Failure.h"
 #include "substitute/server/ClassFactory.h"
 #include "substitute/server/ServingTurn.h"
+#include "tests/kit/Owners.h"
 #include "tests/substitute/ObjectFixture.h"
 
 namespace {

@@ -1,15 +1,19 @@
 // Settings files on a real disk.
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <filesystem>
 #include <functional>
-#include <memory>
+#include <string>
 #include <thread>
 #include <vector>
 
+#include "substitute/base/Failure.h"
 #include "substitute/base/InputFile.h"
 #include "substitute/base/Paths.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
+#include "substitute/spooler/DeviceMode.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/FailureOf.h"

@@ -1,16 +1,22 @@
 // Settings on the system's own spooler and a real driver.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
+#include <optional>
+#include <string>
 
 #include "demo/LabelDriver.h"
 #include "demo/WinePrinters.h"
+#include "substitute/objects/DriverAutomationObject.h"
+#include "substitute/objects/ServerContext.h"
+#include "substitute/settings/Settings.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/SettingsStore.h"
 #include "substitute/settings/VqsFormat.h"
-#include "substitute/spooler/DefaultMode.h"
+#include "substitute/spooler/DeviceMode.h"
+#include "substitute/spooler/PrinterHandle.h"
 #include "substitute/spooler/WindowsSpooler.h"
+#include "tests/kit/CallTexts.h"
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/ObjectFixture.h"
 

@@ -6,9 +6,16 @@
 #include <functional>
 #include <optional>
 #include <thread>
+#include <vector>
 
+#include "substitute/base/Failure.h"
+#include "substitute/settings/Settings.h"
 #include "substitute/settings/SettingsStore.h"
+#include "substitute/spooler/Printer.h"
+#include "substitute/spooler/PrinterLocks.h"
+#include "substitute/spooler/Spooler.h"
 #include "tests/substitute/FailureOf.h"
+#include "tests/substitute/FakeSpooler.h"
 #include "tests/substitute/SettingsSamples.h"
 
 namespace {

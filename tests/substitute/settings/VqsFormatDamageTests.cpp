@@ -4,15 +4,26 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <new>
 #include <random>
+#include <string>
+#include <utility>
 
 #include "core/Crc32.h"
 #include "substitute/base/Failure.h"
+#include "substitute/settings/Settings.h"
 #include "substitute/settings/SettingsStore.h"
 #include "substitute/settings/VqsFormat.h"
+#include "substitute/spooler/DeviceMode.h"
+#include "substitute/spooler/Printer.h"
+#include "substitute/spooler/PrinterLocks.h"
+#include "substitute/spooler/Spooler.h"
+#include "tests/substitute/FakeSpooler.h"
 #include "tests/substitute/SettingsSamples.h"
 
 namespace {

@@ -1,12 +1,20 @@
 // The settings file's bytes.
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <string>
 #include <string_view>
+#include <utility>
 
 #include "core/Crc32.h"
+#include "substitute/settings/Settings.h"
 #include "substitute/settings/VqsFormat.h"
+#include "substitute/spooler/DeviceMode.h"
+#include "substitute/spooler/Spooler.h"
 #include "tests/substitute/FailureOf.h"
+#include "tests/substitute/FakeSpooler.h"
 #include "tests/substitute/SettingsSamples.h"
 
 namespace {

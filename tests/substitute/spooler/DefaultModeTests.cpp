@@ -1,7 +1,13 @@
 // Where a driver's default device mode comes from.
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
+#include "substitute/base/Failure.h"
 #include "substitute/spooler/DefaultMode.h"
+#include "substitute/spooler/DeviceMode.h"
+#include "substitute/spooler/PrinterHandle.h"
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/FakeSpooler.h"
 

@@ -1,7 +1,10 @@
 // A driver's version and detail.
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "substitute/spooler/DriverVersion.h"
+#include "tests/kit/CallTexts.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/Texts.h"

@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <vector>
 
+#include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/FillBuffer.h"
 
 namespace {

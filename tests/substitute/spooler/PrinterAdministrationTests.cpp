@@ -2,8 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <string>
 #include <utility>
+#include <vector>
 
+#include "tests/kit/CallTexts.h"
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/Texts.h"
 

@@ -1,12 +1,14 @@
 // Opening a printer and reading its record, on a spooler in memory.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
 #include <thread>
 #include <utility>
 
+#include "substitute/base/Failure.h"
 #include "substitute/spooler/Printer.h"
+#include "substitute/spooler/PrinterLocks.h"
+#include "substitute/spooler/Spooler.h"
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/FakeSpooler.h"
 

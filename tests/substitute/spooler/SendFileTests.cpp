@@ -2,9 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <filesystem>
+#include <string>
+#include <vector>
 
+#include "tests/kit/CallTexts.h"
+#include "tests/kit/Owners.h"
 #include "tests/kit/TemporaryFile.h"
+#include "tests/substitute/FakeSpooler.h"
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/Texts.h"
 

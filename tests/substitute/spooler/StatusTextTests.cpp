@@ -1,6 +1,8 @@
 // The words of a printer's state.
 #include <gtest/gtest.h>
 
+#include <ios>
+
 #include "substitute/spooler/StatusText.h"
 
 namespace {

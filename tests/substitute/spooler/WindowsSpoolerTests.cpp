@@ -2,11 +2,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
 
 #include "demo/LabelDriver.h"
 #include "demo/WinePrinters.h"
 #include "substitute/objects/DriverActionsObject.h"
+#include "substitute/objects/DriverAutomationObject.h"
+#include "substitute/objects/ServerContext.h"
 #include "substitute/spooler/WindowsSpooler.h"
+#include "tests/kit/CallTexts.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/kit/TemporaryFolder.h"
