@@ -11,6 +11,7 @@
 #include "core/OArray.h"
 #include "messages/ConsoleOutput.h"
 #include "tests/cli/Console.h"
+#include "tests/kit/Printed.h"
 
 using namespace kit;
 
@@ -20,7 +21,6 @@ using kemba::ApplicationSettings;
 using kemba::Command_Base;
 using kemba::CommandRow;
 using kemba::MakeCommand;
-using Words = std::vector<std::wstring>;
 
 /// What the commands of these tests leave behind.
 struct Traces {

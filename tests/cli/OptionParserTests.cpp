@@ -8,11 +8,13 @@
 #include "cli/OptionParser.h"
 #include "core/OArray.h"
 #include "core/OString.h"
+#include "tests/kit/Printed.h"
+
+using namespace kit;
 
 namespace {
 
 using kemba::ApplicationSettings;
-using Words = std::vector<std::wstring>;
 
 Words AsWords(const OStringArray& array) {
     Words words;

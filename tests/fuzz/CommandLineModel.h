@@ -8,10 +8,9 @@
 
 #include "tests/fuzz/Fuzz.h"
 #include "tests/fuzz/GuardedHeap.h"
+#include "tests/kit/Printed.h"
 
 namespace kit {
-
-using Words = std::vector<std::wstring>;
 
 struct ParsedModel {
     bool goesOn = true;

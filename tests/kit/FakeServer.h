@@ -28,13 +28,12 @@
 #include <vector>
 
 #include "tests/kit/Operations.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/RuntimeWatch.h"
 #include "tests/kit/Script.h"
 #include "tests/kit/ServerState.h"
 
 namespace kit {
-
-using Lines = std::vector<std::string>;
 
 /// Registers the three classes for as long as it lives, for the thread that made it; one at a time.
 class FakeServer {

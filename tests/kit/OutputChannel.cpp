@@ -9,13 +9,6 @@
 namespace kit {
 namespace {
 
-SECURITY_ATTRIBUTES Inheritable() {
-    SECURITY_ATTRIBUTES attributes{};
-    attributes.nLength = sizeof attributes;
-    attributes.bInheritHandle = TRUE;
-    return attributes;
-}
-
 UniqueHandle Open(const wchar_t* path, DWORD access, DWORD share) {
     SECURITY_ATTRIBUTES attributes = Inheritable();
     UniqueHandle file = OwnFile(CreateFileW(path, access, share, &attributes, OPEN_EXISTING, 0, nullptr));
@@ -26,6 +19,13 @@ UniqueHandle Open(const wchar_t* path, DWORD access, DWORD share) {
 }
 
 } // namespace
+
+SECURITY_ATTRIBUTES Inheritable() {
+    SECURITY_ATTRIBUTES attributes{};
+    attributes.nLength = sizeof attributes;
+    attributes.bInheritHandle = TRUE;
+    return attributes;
+}
 
 UniqueHandle OpenEmptyInput() {
     return Open(L"NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE);

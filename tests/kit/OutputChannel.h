@@ -11,6 +11,9 @@
 
 namespace kit {
 
+/// For handles that started programs get.
+SECURITY_ATTRIBUTES Inheritable();
+
 /// An inheritable handle that reads nothing.
 UniqueHandle OpenEmptyInput();
 

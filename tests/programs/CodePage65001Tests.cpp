@@ -104,14 +104,14 @@ TEST(CodePage65001Programs, CarryNamesAndValuesAndCutNoMoreThanTheLine) {
         const demo::Printer printer(
             name, {.port = L"LPT1:", .comment = comment, .location = L"", .shareName = L"", .attributes = 0});
         const ProcessResult run = Kemba({L"/p", name, L"get", L"comment"});
-        EXPECT_EQ(run.output, Framed("Get", Printed(name + L": " + comment) + "\r\n"));
+        EXPECT_EQ(run.output, Framed("Get", {Printed(name + L": " + comment)}));
         EXPECT_EQ(run.errors, "");
         EXPECT_EQ(run.status, 0U);
         const std::wstring location = comment + L"\x00E9"; // a value that goes to the server is never cut
         EXPECT_EQ(Kemba({L"/p", name, L"set", L"location", location}).status, 0U);
         EXPECT_EQ(LocationOf(name), location);
         EXPECT_EQ(Kemba({L"/p", name, L"get", L"location"}).output,
-                  Framed("Get", Printed(name + L": " + location) + "\r\n"));
+                  Framed("Get", {Printed(name + L": " + location)}));
     }
 }
 

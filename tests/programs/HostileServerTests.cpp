@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <filesystem>
 #include <ostream>
 #include <string>
@@ -124,23 +123,6 @@ class Registered {
     const ScratchKey m_keys[3];
 };
 
-/// What the error printer shows for a status of the system's.
-std::string SystemError(HRESULT status) {
-    wchar_t text[512] = {};
-    std::string shown;
-    if (FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                       static_cast<DWORD>(status), 0, text, 512, nullptr) != 0) {
-        shown = OString(text).TrimRight(L"\r\n").Narrow();
-    } else {
-        char number[40];
-        std::snprintf(number, sizeof number, "Unknown error 0x%lX", static_cast<unsigned long>(status));
-        shown = number;
-    }
-    return "*** COM Exception ***\r\nError: " + shown + "\r\n";
-}
-
-const std::string kUnsupported = "The command is unsupported on this printer.\r\n";
-
 /// A command line that reaches the operation, and what it prints when the server dies there: "%p" stands for
 /// the printer's name, "%f" for a file that is there.
 struct DeathRow {
@@ -152,30 +134,30 @@ struct DeathRow {
 
 std::vector<DeathRow> DeathRows() {
     const auto get = [](const char* operation, const wchar_t* field) {
-        return DeathRow{operation, {L"get", field}, Framed("Get", kUnsupported)};
+        return DeathRow{operation, {L"get", field}, Framed("Get", {kUnsupported})};
     };
     const auto set = [](const char* operation, const wchar_t* field) {
-        return DeathRow{operation, {L"set", field, L"x"}, Framed("Set", kUnsupported)};
+        return DeathRow{operation, {L"set", field, L"x"}, Framed("Set", {kUnsupported})};
     };
     const auto queue = [](const char* operation, const wchar_t* word) {
-        return DeathRow{operation, {L"queue", word}, Framed("Queue", kUnsupported)};
+        return DeathRow{operation, {L"queue", word}, Framed("Queue", {kUnsupported})};
     };
     const auto action = [](const char* operation, const Words& words) {
-        return DeathRow{operation, words, Framed("Action", "%p:\r\n\r\n")};
+        return DeathRow{operation, words, Framed("Action", {"%p:", ""})};
     };
     const auto driver = [](const char* operation) {
         return DeathRow{operation, {L"version", L"driver"}, "", 2};
     };
     const auto server = [](const char* operation) {
         return DeathRow{
-            operation, {L"version", L"interface"}, SystemError(HRESULT_FROM_WIN32(RPC_S_CALL_FAILED))};
+            operation, {L"version", L"interface"}, Output(ErrorLines(HRESULT_FROM_WIN32(RPC_S_CALL_FAILED)))};
     };
     return {
         get("DriverAutomation.CreateInstance", L"comment"),
         action("DriverActions.CreateInstance", {L"action", L"Test"}),
         server("VersionInformation.CreateInstance"),
         get("IDriverAutomation.PutPrinterName", L"comment"),
-        {"IDriverAutomation.SendFile", {L"send", L"%f"}, Framed("Send", kUnsupported)},
+        {"IDriverAutomation.SendFile", {L"send", L"%f"}, Framed("Send", {kUnsupported})},
         action("IDriverAutomation.PerformAction", {L"action", L"Test"}),
         get("IDriverAutomation.GetShareName", L"sharename"),
         set("IDriverAutomation.PutShareName", L"sharename"),
@@ -189,13 +171,13 @@ std::vector<DeathRow> DeathRows() {
         driver("IDriverAutomation.GetDriverVersionDetail"),
         queue("IDriverAutomation.GetPrinterQueue", L"pause"),
         get("IDriverAutomation.GetPrinterInformation", L"status"),
-        {"IDriverAutomation.GetSettings", {L"settings", L"reset"}, Framed("Settings", kUnsupported)},
-        {"IDriverSettings.ImportSettings", {L"settings", L"import", L"%f"}, Framed("Import", kUnsupported)},
+        {"IDriverAutomation.GetSettings", {L"settings", L"reset"}, Framed("Settings", {kUnsupported})},
+        {"IDriverSettings.ImportSettings", {L"settings", L"import", L"%f"}, Framed("Import", {kUnsupported})},
         {"IDriverSettings.ExportSettings",
          {L"settings", L"export", L"out.vqs"},
-         "Executing 'Export' command.\r\n" + kUnsupported,
+         Output({"Executing 'Export' command.", kUnsupported}),
          2},
-        {"IDriverSettings.ResetSettings", {L"settings", L"reset"}, Framed("Settings", kUnsupported)},
+        {"IDriverSettings.ResetSettings", {L"settings", L"reset"}, Framed("Settings", {kUnsupported})},
         action("IDriverActions.PutExecute", {L"action", L"Test"}),
         action("IDriverActions.GetSupported", {L"action", L"Test"}),
         action("IDriverActions.GetDisplaysInterface", {L"action", L"-n", L"Test"}),
@@ -253,8 +235,8 @@ class HostileServers : public testing::Test {
         return kemba.Run({L"/p", printer.Name(), L"/p", printer.Name(), L"get", L"comment"});
     }
     const std::string kServed =
-        Framed("Get", Printed(printer.Name()) + ": Comment\r\n" + Printed(printer.Name()) + ": Comment\r\n");
-    const std::string kRefused = Framed("Get", kUnsupported + kUnsupported);
+        Framed("Get", {Printed(printer.Name()) + ": Comment", Printed(printer.Name()) + ": Comment"});
+    const std::string kRefused = Framed("Get", {kUnsupported, kUnsupported});
 };
 
 TEST_F(HostileServers, ThatAreNoneServe) {
@@ -311,7 +293,7 @@ class Activation : public HostileServers {
         EXPECT_EQ(get.output, kRefused);
         EXPECT_EQ(get.status, 0U);
         const ProcessResult version = kemba.Run({L"version", L"interface"});
-        EXPECT_EQ(version.output, SystemError(REGDB_E_CLASSNOTREG)); // Wine's word for all of these
+        EXPECT_EQ(version.output, Output(ErrorLines(REGDB_E_CLASSNOTREG))); // Wine's word for all of these
         EXPECT_EQ(version.status, 0U);
         EXPECT_EQ(kemba.Run({L"/p", printer.Name(), L"version", L"driver"}).status, 2U);
     }
@@ -360,7 +342,7 @@ TEST(SlowActivation, OfAProgramThatServesOthersFails) {
     const HostileServer server(OwnClasses(), {"none", L"die"});
     const Registered registered(kemba.classes, L"LocalServer32", server.Line());
     const ProcessResult run = kemba.Run({L"version", L"interface"}, 90s);
-    EXPECT_EQ(run.output, SystemError(REGDB_E_CLASSNOTREG));
+    EXPECT_EQ(run.output, Output(ErrorLines(REGDB_E_CLASSNOTREG)));
     EXPECT_EQ(run.status, 0U);
     EXPECT_TRUE(server.WasStarted());
 }

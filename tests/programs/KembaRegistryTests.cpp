@@ -53,7 +53,7 @@ TEST(KembaProgram, WorksWhereTheRegistryIsDenied) {
         const KeyRights few(HKEY_LOCAL_MACHINE, kMasks, rights);
         ExpectAnUnknownCommand();
         const ProcessResult run = Kemba({L"/p", printer.Name(), L"get", L"comment"});
-        EXPECT_EQ(run.output, Framed("Get", Printed(printer.Name()) + ": by the door\r\n"));
+        EXPECT_EQ(run.output, Framed("Get", {Printed(printer.Name()) + ": by the door"}));
         EXPECT_EQ(run.errors, "");
         EXPECT_EQ(run.status, 0U);
     }

@@ -102,7 +102,7 @@ TEST(ServerLast, AClientThatDiesInTheMiddleHurtsNoOther) {
     shortLived.timeout = 2s; // then it is ended, somewhere in its thousands of calls
     EXPECT_TRUE(RunProgram(L"load-client.exe", {L"100000", printer.Name()}, shortLived).timedOut);
     const ProcessResult run = Kemba({L"/p", printer.Name(), L"get", L"comment"});
-    EXPECT_EQ(run.output, Framed("Get", Printed(printer.Name()) + ": by the door\r\n"));
+    EXPECT_EQ(run.output, Framed("Get", {Printed(printer.Name()) + ": by the door"}));
     for (const DWORD server : RunningServers()) {
         const UniqueHandle process(OpenProcess(PROCESS_TERMINATE, FALSE, server));
         EXPECT_TRUE(TerminateProcess(process.get(), 1));

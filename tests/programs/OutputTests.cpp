@@ -7,6 +7,7 @@
 #include <string>
 
 #include "demo/WinePrinters.h"
+#include "tests/kit/OutputChannel.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/TemporaryFile.h"
@@ -15,13 +16,6 @@
 using namespace kit;
 
 namespace {
-
-SECURITY_ATTRIBUTES Inheritable() {
-    SECURITY_ATTRIBUTES attributes{};
-    attributes.nLength = sizeof attributes;
-    attributes.bInheritHandle = TRUE;
-    return attributes;
-}
 
 UniqueHandle Open(const std::wstring& path, DWORD access) {
     SECURITY_ATTRIBUTES attributes = Inheritable();
@@ -98,7 +92,7 @@ TEST_P(OutputThatFails, DoesNotKeepTheWorkFromBeingDone) {
     EXPECT_EQ(Run({L"/p", printer.Name(), L"set", L"comment", L"at the window"}).status, 0U);
     EXPECT_EQ(Run({L"/p", printer.Name(), L"get", L"comment"}).status, 0U);
     const ProcessResult seen = Kemba({L"/p", printer.Name(), L"get", L"comment"});
-    EXPECT_EQ(seen.output, Framed("Get", Printed(printer.Name()) + ": at the window\r\n"));
+    EXPECT_EQ(seen.output, Framed("Get", {Printed(printer.Name()) + ": at the window"}));
     EXPECT_EQ(m_file.Read(), "what was there");
 }
 

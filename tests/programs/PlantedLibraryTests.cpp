@@ -124,7 +124,7 @@ TEST_F(PlantedLibrary, IsLoadedByAProgramThatTakesNoCare) {
 TEST_F(PlantedLibrary, IsNotLoadedByKemba) {
     const demo::Printer printer({.comment = L"by the door"});
     const ProcessResult run = RunProgram(Bring(L"kemba.exe"), {L"/p", printer.Name(), L"get", L"comment"});
-    EXPECT_EQ(run.output, Framed("Get", Printed(printer.Name()) + ": by the door\r\n"));
+    EXPECT_EQ(run.output, Framed("Get", {Printed(printer.Name()) + ": by the door"}));
     EXPECT_EQ(run.status, 0U);
     ExpectNoneWasLoaded();
 }

@@ -14,9 +14,7 @@ namespace {
 struct RealPair : testing::Test {
     ProcessResult Get(const wchar_t* field) { return Kemba({L"/p", printer.Name(), L"get", field}); }
     /// What `get` prints for a value of the printer.
-    std::string Line(const std::string& value) const {
-        return Printed(printer.Name()) + ": " + value + "\r\n";
-    }
+    std::string Line(const std::string& value) const { return Printed(printer.Name()) + ": " + value; }
 
     const demo::Printer printer{{.port = L"LPT1:",
                                  .comment = L"by the door, 50% %1",
@@ -26,12 +24,12 @@ struct RealPair : testing::Test {
 };
 
 TEST_F(RealPair, GetReadsEveryFieldFromTheSpooler) {
-    EXPECT_EQ(Get(L"comment").output, Framed("Get", Line("by the door, 50% %1")));
-    EXPECT_EQ(Get(L"location").output, Framed("Get", Line("Hall 3/b")));
-    EXPECT_EQ(Get(L"sharename").output, Framed("Get", Line("dock")));
-    EXPECT_EQ(Get(L"portname").output, Framed("Get", Line("LPT1:")));
+    EXPECT_EQ(Get(L"comment").output, Framed("Get", {Line("by the door, 50% %1")}));
+    EXPECT_EQ(Get(L"location").output, Framed("Get", {Line("Hall 3/b")}));
+    EXPECT_EQ(Get(L"sharename").output, Framed("Get", {Line("dock")}));
+    EXPECT_EQ(Get(L"portname").output, Framed("Get", {Line("LPT1:")}));
     const ProcessResult status = Get(L"status");
-    EXPECT_EQ(status.output, Framed("Get", Line("Ready")));
+    EXPECT_EQ(status.output, Framed("Get", {Line("Ready")}));
     EXPECT_EQ(status.errors, "");
     EXPECT_EQ(status.status, 0U);
 }
@@ -40,13 +38,13 @@ TEST_F(RealPair, EveryPrinterIsServedInTurn) {
     const ProcessResult run =
         Kemba({L"/p", printer.Name(), L"/p", L"Nobody", L"/p", printer.Name(), L"get", L"Comment"});
     const std::string line = Line("by the door, 50% %1");
-    EXPECT_EQ(run.output, "The printer 'Nobody' is not found.\r\n" + Framed("Get", line + line));
+    EXPECT_EQ(run.output, "The printer 'Nobody' is not found.\r\n" + Framed("Get", {line, line}));
     EXPECT_EQ(run.status, 0U);
 }
 
 TEST_F(RealPair, AnUnknownFieldIsInvalid) {
     const ProcessResult run = Get(L"stat");
-    EXPECT_EQ(run.output, Framed("Get", "Argument 'stat' is invalid.\r\n"));
+    EXPECT_EQ(run.output, Framed("Get", {"Argument 'stat' is invalid."}));
     EXPECT_EQ(run.status, 0U);
 }
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "substitute/server/RegistryKeys.h"
+#include "tests/kit/Narrow.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/RegistryPreset.h"
@@ -204,10 +205,6 @@ class ServerCopy {
   private:
     TemporaryFolder m_folder;
 };
-
-std::string Narrow(const std::wstring& ascii) {
-    return std::string(ascii.begin(), ascii.end());
-}
 
 /// Nothing of any server of the contract is registered, before and after.
 class Registration : public testing::Test {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "demo/WinePrinters.h"
+#include "tests/kit/Narrow.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/TemporaryFile.h"
@@ -60,15 +61,6 @@ void Replace(std::string& text, const std::string& what, const std::string& by) 
          place = text.find(what, place + by.size())) {
         text.replace(place, what.size(), by);
     }
-}
-
-std::string Narrow(const std::wstring& text) {
-    std::string narrow;
-    for (const wchar_t character : text) {
-        EXPECT_LT(character, 0x80);
-        narrow += static_cast<char>(character);
-    }
-    return narrow;
 }
 
 TEST(Script, TheVBScriptOfThePageDoesWhatItSays) {

@@ -34,13 +34,13 @@ TEST(SixteenAtOnce, ArePrintedAndEndAsEachAlone) {
     const std::string oneName = Printed(one.Name());
     const std::string twoName = Printed(two.Name());
     const Expected expected[] = {
-        {{L"/p", one.Name(), L"get", L"comment"}, Framed("Get", oneName + ": by the door\r\n"), 0},
+        {{L"/p", one.Name(), L"get", L"comment"}, Framed("Get", {oneName + ": by the door"}), 0},
         {{L"/p", one.Name(), L"/p", two.Name(), L"get", L"comment"},
-         Framed("Get", oneName + ": by the door\r\n" + twoName + ": at the window, 50% %1\r\n"),
+         Framed("Get", {oneName + ": by the door", twoName + ": at the window, 50% %1"}),
          0},
-        {{L"/p", two.Name(), L"get", L"status"}, Framed("Get", twoName + ": Ready\r\n"), 0},
-        {{L"/p", two.Name(), L"get", L"colour"}, Framed("Get", "Argument 'colour' is invalid.\r\n"), 0},
-        {{L"/p", one.Name(), L"send", L"C:\\Nowhere"}, Framed("Send", "File does not exist.\r\n"), 2},
+        {{L"/p", two.Name(), L"get", L"status"}, Framed("Get", {twoName + ": Ready"}), 0},
+        {{L"/p", two.Name(), L"get", L"colour"}, Framed("Get", {"Argument 'colour' is invalid."}), 0},
+        {{L"/p", one.Name(), L"send", L"C:\\Nowhere"}, Framed("Send", {"File does not exist."}), 2},
         {{L"/p", L"Nobody", L"get", L"status"},
          "The printer 'Nobody' is not found.\r\nNo printers selected for this operation.\r\n",
          2},

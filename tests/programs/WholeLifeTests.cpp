@@ -23,8 +23,6 @@ using namespace kit;
 
 namespace {
 
-const std::string kUnsupported = "The command is unsupported on this printer.\r\n";
-
 std::string RandomBytes(std::size_t count) {
     std::mt19937 random(20'261'121); // NOLINT(bugprone-random-generator-seed): the same bytes every time
     std::string bytes(count, '\0');
@@ -85,7 +83,7 @@ struct WholeLife : testing::Test {
     }
     /// What `get` prints for the printer with such a value.
     std::string Shown(const std::wstring& value) const {
-        return Framed("Get", name + ": " + Printed(value) + "\r\n");
+        return Framed("Get", {name + ": " + Printed(value)});
     }
 
     const PrinterPort port;
@@ -106,7 +104,7 @@ TEST_F(WholeLife, FieldsAreWrittenAndReadBack) {
         {L"sharename", L""},
     };
     for (const auto& [field, value] : kValues) {
-        EXPECT_EQ(On({L"set", field, value}), Framed("Set", ""));
+        EXPECT_EQ(On({L"set", field, value}), Framed("Set", {}));
         EXPECT_EQ(On({L"get", field}), Shown(value));
     }
     EXPECT_EQ(On({L"get", L"location"}), Shown(L"Hall 3/b\\c::d")) << "what was not set stays";
@@ -114,14 +112,14 @@ TEST_F(WholeLife, FieldsAreWrittenAndReadBack) {
 
 TEST_F(WholeLife, ALongCommentIsWrittenAndReadBack) {
     const std::wstring value(20'000, L'x');
-    EXPECT_EQ(On({L"set", L"comment", value}), Framed("Set", ""));
+    EXPECT_EQ(On({L"set", L"comment", value}), Framed("Set", {}));
     EXPECT_EQ(On({L"get", L"comment"}), Shown(value));
 }
 
 TEST_F(WholeLife, TwentyMegabytesArriveAtThePortsOtherEndByteForByte) {
     const std::string bytes = RandomBytes(20'000'000);
     const TemporaryFile file(bytes);
-    EXPECT_EQ(On({L"send", file.Path()}), Framed("Send", "File sent to '" + name + "'.\r\n"));
+    EXPECT_EQ(On({L"send", file.Path()}), Framed("Send", {"File sent to '" + name + "'."}));
     const std::string received = port.Received(bytes.size());
     EXPECT_EQ(received.size(), bytes.size());
     EXPECT_TRUE(received == bytes);
@@ -130,7 +128,7 @@ TEST_F(WholeLife, TwentyMegabytesArriveAtThePortsOtherEndByteForByte) {
 TEST_F(WholeLife, SettingsAreExportedImportedAndReset) {
     const TemporaryFile file;
     EXPECT_EQ(On({L"settings", L"export", file.Path()}),
-              Framed("Export", "Settings exported for '" + name + "'.\r\n"));
+              Framed("Export", {"Settings exported for '" + name + "'."}));
     const std::string exported = file.Read();
     EXPECT_GT(exported.size(), 100U);
 
@@ -142,14 +140,14 @@ TEST_F(WholeLife, SettingsAreExportedImportedAndReset) {
     EXPECT_NE(changed.Read(), exported);
 
     EXPECT_EQ(On({L"settings", L"import", changed.Path()}),
-              Framed("Import", "Settings imported for '" + name + "'.\r\n"));
+              Framed("Import", {"Settings imported for '" + name + "'."}));
     settings.SetOrientation(DMORIENT_PORTRAIT);
     settings.SetData(L"Darkness", 3);
     On({L"settings", L"import", changed.Path()});
     EXPECT_EQ(settings.Orientation(), DMORIENT_LANDSCAPE);
     EXPECT_EQ(settings.Data(L"Darkness"), 17U);
 
-    EXPECT_EQ(On({L"settings", L"reset"}), Framed("Settings", "Settings reset for '" + name + "'.\r\n"));
+    EXPECT_EQ(On({L"settings", L"reset"}), Framed("Settings", {"Settings reset for '" + name + "'."}));
     EXPECT_EQ(settings.Orientation(), DMORIENT_PORTRAIT);
 }
 
@@ -159,7 +157,7 @@ TEST_F(WholeLife, ADamagedSettingsFileIsRefused) {
     std::string bytes = file.Read();
     bytes[bytes.size() / 2] = static_cast<char>(bytes[bytes.size() / 2] ^ 1);
     const TemporaryFile damaged(bytes);
-    EXPECT_EQ(On({L"settings", L"import", damaged.Path()}), Framed("Import", kUnsupported));
+    EXPECT_EQ(On({L"settings", L"import", damaged.Path()}), Framed("Import", {kUnsupported}));
 }
 
 TEST_F(WholeLife, AProfilesActionArrivesAsItsBytes) {
@@ -168,11 +166,10 @@ TEST_F(WholeLife, AProfilesActionArrivesAsItsBytes) {
                                        "profiles" / (printer.Name() + L".profile");
     std::filesystem::create_directories(path.parent_path());
     std::ofstream(path, std::ios::binary) << "Feed = ESC \"d\" 0x03\n";
-    EXPECT_EQ(On({L"action", L"-n", L"Feed"}),
-              Framed("Action", name + ":\r\nAction 'Feed' is supported.\r\n"));
+    EXPECT_EQ(On({L"action", L"-n", L"Feed"}), Framed("Action", {name + ":", "Action 'Feed' is supported."}));
     EXPECT_EQ(On({L"action", L"-n", L"Cut"}),
-              Framed("Action", name + ":\r\nAction 'Cut' is not supported.\r\n"));
-    EXPECT_EQ(On({L"action", L"feed"}), Framed("Action", name + ":\r\nAction Completed.\r\n"));
+              Framed("Action", {name + ":", "Action 'Cut' is not supported."}));
+    EXPECT_EQ(On({L"action", L"feed"}), Framed("Action", {name + ":", "Action Completed."}));
     EXPECT_EQ(port.Received(3), "\x1B"
                                 "d\x03");
     std::filesystem::remove(path);
@@ -180,7 +177,7 @@ TEST_F(WholeLife, AProfilesActionArrivesAsItsBytes) {
 
 TEST_F(WholeLife, TheQueueRefusesWhereTheSpoolerHasNoControl) {
     for (const wchar_t* const word : {L"Pause", L"Resume", L"Purge"}) {
-        EXPECT_EQ(On({L"queue", word}), Framed("Queue", kUnsupported));
+        EXPECT_EQ(On({L"queue", word}), Framed("Queue", {kUnsupported}));
     }
 }
 
@@ -190,7 +187,7 @@ TEST_F(WholeLife, TheDriversVersionIsThatOfItsFile) {
 
 TEST_F(WholeLife, AnEmptyFileIsRefused) {
     const TemporaryFile file;
-    EXPECT_EQ(On({L"send", file.Path()}), Framed("Send", kUnsupported));
+    EXPECT_EQ(On({L"send", file.Path()}), Framed("Send", {kUnsupported}));
 }
 
 } // namespace

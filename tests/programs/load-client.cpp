@@ -9,6 +9,7 @@
 #include "cli/main/EntryPoint.h"
 #include "cli/main/ProcessObjects.h"
 #include "core/OString.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/WholeRun.h"
 
 using namespace kit;
@@ -19,10 +20,6 @@ namespace {
 RunResult Run(const std::vector<std::wstring>& words) {
     kemba::TheProcessObjects().settings.printerNames.RemoveAll();
     return RunWords(kemba::RunKemba, words);
-}
-
-std::string Printed(const std::wstring& text) {
-    return OString(text.c_str()).Narrow();
 }
 
 } // namespace

@@ -216,14 +216,14 @@ class SoakClient {
         const std::wstring word = kSoakFields[field].word;
         const unsigned change = At(printer).changes[Index(field)] + 1;
         const auto set = Kemba({L"/p", name, L"set", word, FieldText(printer, field, change)});
-        if (set.timedOut || set.status != 0 || set.output != Framed("Set", "")) {
+        if (set.timedOut || set.status != 0 || set.output != Framed("Set", {})) {
             Fail(printer, "kemba set: status " + std::to_string(set.status) + ": " + set.output + set.errors);
             return;
         }
         At(printer).changes[Index(field)] = change;
         const auto get = Kemba({L"/p", name, L"get", word});
-        const std::string line = Printed(name) + ": " + Printed(FieldText(printer, field, change)) + "\r\n";
-        if (get.timedOut || get.status != 0 || get.output != Framed("Get", line)) {
+        const std::string line = Printed(name) + ": " + Printed(FieldText(printer, field, change));
+        if (get.timedOut || get.status != 0 || get.output != Framed("Get", {line})) {
             Fail(printer, "kemba get, change " + std::to_string(change) + ": status " +
                               std::to_string(get.status) + ": " + get.output + get.errors);
         }

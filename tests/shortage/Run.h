@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-namespace kit {
+#include "tests/kit/Printed.h"
 
-using Words = std::vector<std::wstring>;
+namespace kit {
 
 /// Which allocations fail.
 struct Point {

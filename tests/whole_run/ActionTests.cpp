@@ -20,15 +20,10 @@ namespace {
 
 class Action : public WholeRunTest {
   protected:
-    /// The output of a run, between the two frame lines.
-    static std::string Framed(Lines lines) {
-        lines.insert(lines.begin(), "Executing 'Action' command.");
-        lines.push_back("Finished processing command.");
-        return Output(lines);
-    }
-
     /// The output of a run over the first printer that shows one message.
-    std::string FirstFramed(const std::string& message) { return Framed({firstName + ":", message}); }
+    std::string FirstFramed(const std::string& message) {
+        return Framed("Action", {firstName + ":", message});
+    }
 
     /// The calls for the n-th printer up to the performed action.
     static Lines Performed(int number, const std::string& name, int execute, int code) {
@@ -107,8 +102,8 @@ TEST_P(ActionWord, IsFoundInAnyCaseAndShownAsTheTableSpellsIt) {
 
 TEST_F(Action, EveryPrinterHasItsOwnObjectsReleasedBeforeTheNext) {
     const auto run = RunOnBoth({L"action", L"Test"});
-    EXPECT_EQ(run.output,
-              Framed({firstName + ":", "Action Completed.", secondName + ":", "Action Completed."}));
+    EXPECT_EQ(run.output, Framed("Action", {firstName + ":", "Action Completed.", secondName + ":",
+                                            "Action Completed."}));
     EXPECT_EQ(run.status, 0);
     Lines expected{"CoInitialize(2)"};
     for (const auto& [number, name] : {std::pair(1, firstName), std::pair(2, secondName)}) {
@@ -213,7 +208,7 @@ TEST_F(Action, TheLastWordWinsAndUnknownOnesAreIgnored) {
 
 TEST_F(Action, WithoutWordsStopsBeforeAnyObjectIsMade) {
     const auto run = RunOnBoth({L"action"});
-    EXPECT_EQ(run.output, Framed({"Incorrect number of arguments."}));
+    EXPECT_EQ(run.output, Framed("Action", {"Incorrect number of arguments."}));
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(server.Journal(), (Lines{"CoInitialize(2)", "CoUninitialize()"}));
 }
@@ -231,7 +226,7 @@ TEST_F(Action, AnUndefinedActionIsReportedPerPrinterAndSucceeds) {
     for (Words words : lines) {
         words.insert(words.begin(), L"action");
         const auto run = RunOnBoth(words);
-        EXPECT_EQ(run.output, Framed({"Action is undefined.", "Action is undefined."}));
+        EXPECT_EQ(run.output, Framed("Action", {"Action is undefined.", "Action is undefined."}));
         EXPECT_EQ(run.status, 0);
         EXPECT_EQ(server.Calls(), Lines{}) << "nothing is asked of the server";
     }
@@ -240,7 +235,7 @@ TEST_F(Action, AnUndefinedActionIsReportedPerPrinterAndSucceeds) {
 TEST_F(Action, TheNameIsPrintedBeforeTheServerIsSought) {
     server.FailActivation(FakeClass::DriverAutomation, REGDB_E_CLASSNOTREG);
     const auto run = RunOnBoth({L"action", L"Test"});
-    EXPECT_EQ(run.output, Framed({firstName + ":", "", secondName + ":", ""}));
+    EXPECT_EQ(run.output, Framed("Action", {firstName + ":", "", secondName + ":", ""}));
     EXPECT_EQ(run.status, 0);
 }
 

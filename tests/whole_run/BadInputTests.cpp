@@ -55,9 +55,7 @@ TEST_F(BadInput, AsAFieldIsInvalid) {
     for (const std::wstring& word : kOddWords) {
         SCOPED_TRACE(Printed(word.substr(0, 40)));
         const auto run = RunOnFirst({L"get", word});
-        EXPECT_EQ(run.output,
-                  Output({"Executing 'Get' command.", "Argument '" + Printed(word) + "' is invalid.",
-                          "Finished processing command."}));
+        EXPECT_EQ(run.output, Framed("Get", {"Argument '" + Printed(word) + "' is invalid."}));
         EXPECT_EQ(run.status, 0);
     }
 }
@@ -74,8 +72,7 @@ TEST_F(BadInput, AThousandWordsAreACommandAndItsArguments) {
     Words words{L"get", L"comment"};
     words.resize(1000, L"further");
     words.insert(words.end(), {L"/p", first.Name()});
-    EXPECT_EQ(Run(words).output, Output({"Executing 'Get' command.", firstName + ": Comment of " + firstName,
-                                         "Finished processing command."}));
+    EXPECT_EQ(Run(words).output, Framed("Get", {firstName + ": Comment of " + firstName}));
 }
 
 TEST_F(BadInput, AThousandPrinterNamesAreEachLookedAt) {

@@ -4,7 +4,6 @@
 #include <rpc.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <map>
 #include <optional>
 #include <regex>
@@ -12,7 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include "core/OString.h"
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Operations.h"
 #include "tests/kit/ServerState.h"
@@ -150,25 +148,6 @@ std::vector<Fault> FaultsOfCall(const Step& step) {
 }
 
 } // namespace
-
-Lines ErrorLines(HRESULT status) {
-    wchar_t* text = nullptr;
-    std::string shown;
-    if (FormatMessageW(
-            FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-            nullptr, static_cast<DWORD>(status), 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr) != 0) {
-        shown = OString(text).TrimRight(L"\r\n").Narrow();
-        LocalFree(text);
-    } else {
-        const auto number = static_cast<unsigned long>(status);
-        const bool isOwn = number > 0x80040200 && number <= 0x8004FFFF;
-        char formatted[40];
-        std::snprintf(formatted, sizeof formatted, isOwn ? "IDispatch error #%lu" : "Unknown error 0x%lX",
-                      isOwn ? number - 0x80040200 : number);
-        shown = formatted;
-    }
-    return {"*** COM Exception ***", "Error: " + shown};
-}
 
 Lines WithoutNumbers(const Lines& lines) {
     static const std::regex number("#[0-9]+");

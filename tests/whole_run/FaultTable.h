@@ -11,9 +11,6 @@
 
 namespace kit {
 
-/// What the error printer shows of a status without further information.
-Lines ErrorLines(HRESULT status);
-
 /// One line of a journal that a fault can strike: an event of an activation, or a call.
 struct Step {
     std::string className; ///< "DriverAutomation" for one

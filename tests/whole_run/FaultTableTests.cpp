@@ -60,7 +60,6 @@ const char* const kUnsupportedAction = "action Cut";
 /// Refused for more than one printer.
 const char* const kForOnePrinter = "settings export out.vqs";
 
-const char* const kUnsupported = "The command is unsupported on this printer.";
 const char* const kUnspecified = "Unspecified error.";
 const char* const kEnd = "Finished processing command.";
 const char* const kAction = "Executing 'Action' command.";

@@ -14,11 +14,7 @@ namespace {
 class Get : public WholeRunTest {
   protected:
     /// The output of a run over one printer, between the two frame lines.
-    std::string FirstFramed(const std::string& line) {
-        return Output({"Executing 'Get' command.", line, "Finished processing command."});
-    }
-
-    const std::string unsupported = "The command is unsupported on this printer.";
+    std::string FirstFramed(const std::string& line) { return Framed("Get", {line}); }
 };
 
 struct Field {
@@ -78,9 +74,8 @@ TEST_P(GetField, EmptyAndNullTextsPrintTheNameAlone) {
 
 TEST_F(Get, EveryPrinterHasItsOwnObjectReleasedBeforeTheNext) {
     const auto run = RunOnBoth({L"get", L"comment"});
-    EXPECT_EQ(run.output,
-              Output({"Executing 'Get' command.", firstName + ": Comment of " + firstName,
-                      secondName + ": Comment of " + secondName, "Finished processing command."}));
+    EXPECT_EQ(run.output, Framed("Get", {firstName + ": Comment of " + firstName,
+                                         secondName + ": Comment of " + secondName}));
     EXPECT_EQ(server.Journal(),
               (Lines{"CoInitialize(2)", "new DriverAutomation#1", "DriverAutomation#1.Run()",
                      "DriverAutomation#1.QueryInterface(IDriverAutomation)",
@@ -101,8 +96,7 @@ TEST_F(Get, TheStatusObjectIsReleasedBeforeThePrinters) {
 
 TEST_F(Get, WithoutAFieldStopsBeforeAnyObjectIsMade) {
     const auto run = RunOnBoth({L"get"});
-    EXPECT_EQ(run.output, Output({"Executing 'Get' command.", "Incorrect number of arguments.",
-                                  "Finished processing command."}));
+    EXPECT_EQ(run.output, Framed("Get", {"Incorrect number of arguments."}));
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(server.Journal(), (Lines{"CoInitialize(2)", "CoUninitialize()"}));
 }
@@ -119,8 +113,7 @@ TEST_F(Get, AnUnknownFieldIsReportedAsTypedForEveryPrinterAfterTheBinding) {
         server.ClearJournal();
         const auto run = RunOnBoth({L"get", word});
         const std::string rejected = "Argument '" + Printed(word) + "' is invalid.";
-        EXPECT_EQ(run.output,
-                  Output({"Executing 'Get' command.", rejected, rejected, "Finished processing command."}));
+        EXPECT_EQ(run.output, Framed("Get", {rejected, rejected}));
         EXPECT_EQ(run.status, 0);
         EXPECT_EQ(server.Calls().size(), 2U) << "each printer is bound before the word is looked at";
     }
@@ -136,25 +129,24 @@ TEST_F(Get, LettersBeyondAToZAreNotFolded) {
 
 TEST_F(Get, AMissingInterfaceIsUnsupported) {
     server.LackInterface(FakeClass::DriverAutomation);
-    EXPECT_EQ(RunOnFirst({L"get", L"comment"}).output, FirstFramed(unsupported));
+    EXPECT_EQ(RunOnFirst({L"get", L"comment"}).output, FirstFramed(kUnsupported));
 }
 
 TEST_F(Get, AMissingServerIsUnsupported) {
     server.Unregister(FakeClass::DriverAutomation);
     const auto run = RunOnBoth({L"get", L"comment"});
-    EXPECT_EQ(run.output,
-              Output({"Executing 'Get' command.", unsupported, unsupported, "Finished processing command."}));
+    EXPECT_EQ(run.output, Framed("Get", {kUnsupported, kUnsupported}));
     EXPECT_EQ(run.status, 0);
 }
 
 TEST_F(Get, ARefusedBindingIsUnsupportedEvenForAnUnknownField) {
     server.Fail("IDriverAutomation.PutPrinterName", E_INVALIDARG);
-    EXPECT_EQ(RunOnFirst({L"get", L"bogus"}).output, FirstFramed(unsupported));
+    EXPECT_EQ(RunOnFirst({L"get", L"bogus"}).output, FirstFramed(kUnsupported));
 }
 
 TEST_F(Get, AMissingStatusObjectIsUnsupported) {
     server.GiveNull("IDriverAutomation.GetPrinterInformation");
-    EXPECT_EQ(RunOnFirst({L"get", L"status"}).output, FirstFramed(unsupported));
+    EXPECT_EQ(RunOnFirst({L"get", L"status"}).output, FirstFramed(kUnsupported));
 }
 
 TEST_F(Get, QuietModePrintsNothingAndKeepsTheStatus) {

@@ -16,7 +16,6 @@ class ImportExport : public WholeRunTest {
     static std::string Exported(const std::string& name) { return "Settings exported for '" + name + "'."; }
 
     const std::string end = "Finished processing command.";
-    const std::string unsupported = "The command is unsupported on this printer.";
     const TemporaryFile file;
 };
 
@@ -61,7 +60,7 @@ TEST_F(Import, AMissingFileIsReportedOnce) {
 TEST_F(Import, RefusedEverywhereStillSucceeds) {
     server.GiveNull("IDriverAutomation.GetSettings");
     const auto run = RunOnBoth({L"settings", L"import", file.Path()});
-    EXPECT_EQ(run.output, Output({begin, unsupported, unsupported, end}));
+    EXPECT_EQ(run.output, Output({begin, kUnsupported, kUnsupported, end}));
     EXPECT_EQ(run.status, 0);
 }
 
@@ -123,7 +122,7 @@ TEST_F(Export, WithoutAFileFailsWhateverTheNumberOfPrinters) {
 TEST_F(Export, AMissingSettingsObjectFails) {
     server.GiveNull("IDriverAutomation.GetSettings");
     const auto run = RunOnFirst({L"settings", L"export", L"out.vqs"});
-    EXPECT_EQ(run.output, Output({begin, unsupported}));
+    EXPECT_EQ(run.output, Output({begin, kUnsupported}));
     EXPECT_EQ(run.status, 2);
 }
 

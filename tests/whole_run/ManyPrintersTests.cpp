@@ -53,7 +53,7 @@ TEST_F(ManyPrinters, AreServedInTheOrderOfTheList) {
 TEST_F(ManyPrinters, AreAllReportedWhenAllRefuse) {
     const ListedPrinters printers(Numbered(500));
     server.Fail("IPrinterQueue.Purge", E_NOTIMPL).WithInformation(L"Driver", L"Not now");
-    Lines output(502, "The command is unsupported on this printer.");
+    Lines output(502, kUnsupported);
     output.front() = "Executing 'Queue' command.";
     output.back() = "Finished processing command.";
     const RunResult run = Run({L"/a", L"queue", L"purge"});
@@ -65,8 +65,7 @@ TEST_F(ManyPrinters, StopAtTheOneThatFails) {
     const ListedPrinters printers(Numbered(500));
     server.Throw("IDriverAutomation.PutComment").ForPrinter(L"Label 250");
     const RunResult run = Run({L"/a", L"set", L"comment", L"x"});
-    EXPECT_EQ(run.output,
-              Output({"Executing 'Set' command.", "Unspecified error.", "Finished processing command."}));
+    EXPECT_EQ(run.output, Framed("Set", {"Unspecified error."}));
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(server.Calls().size(), 500U);
 }

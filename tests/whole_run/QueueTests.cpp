@@ -14,13 +14,6 @@ namespace {
 
 class Queue : public WholeRunTest {
   protected:
-    static std::string Framed(Lines lines) {
-        lines.insert(lines.begin(), "Executing 'Queue' command.");
-        lines.push_back("Finished processing command.");
-        return Output(lines);
-    }
-
-    const std::string unsupported = "The command is unsupported on this printer.";
 };
 
 struct ActionRow {
@@ -47,7 +40,7 @@ INSTANTIATE_TEST_SUITE_P(Words, QueueAction, testing::ValuesIn(kActions),
 
 TEST_P(QueueAction, IsPerformedOnTheQueueOfEveryPrinterWithoutALine) {
     const auto run = RunOnBoth({L"queue", GetParam().word, L"ignored"});
-    EXPECT_EQ(run.output, Framed({}));
+    EXPECT_EQ(run.output, Framed("Queue", {}));
     EXPECT_EQ(run.status, 0);
     Lines expected{"CoInitialize(2)"};
     for (const auto& [number, name] : {std::pair("#1", firstName), std::pair("#2", secondName)}) {
@@ -70,7 +63,7 @@ TEST_P(QueueAction, IsPerformedOnTheQueueOfEveryPrinterWithoutALine) {
 TEST_P(QueueAction, IsFoundInAnyCase) {
     int object = 0;
     for (const wchar_t* const word : {GetParam().word, GetParam().upper, GetParam().mixed}) {
-        EXPECT_EQ(RunOnFirst({L"QUEUE", word}).output, Framed({}));
+        EXPECT_EQ(RunOnFirst({L"QUEUE", word}).output, Framed("Queue", {}));
         EXPECT_EQ(server.Calls().back(),
                   "PrinterQueue#" + std::to_string(++object) + "." + GetParam().operation + "()");
     }
@@ -78,7 +71,7 @@ TEST_P(QueueAction, IsFoundInAnyCase) {
 
 TEST_F(Queue, WithoutAWordStopsBeforeAnyObjectIsMade) {
     const auto run = RunOnBoth({L"queue"});
-    EXPECT_EQ(run.output, Framed({"Incorrect number of arguments."}));
+    EXPECT_EQ(run.output, Framed("Queue", {"Incorrect number of arguments."}));
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(server.Journal(), (Lines{"CoInitialize(2)", "CoUninitialize()"}));
 }
@@ -90,7 +83,7 @@ TEST_F(Queue, AnUnknownWordIsReportedAsTypedForEveryPrinterAfterTheQueueIsFetche
         server.ClearJournal();
         const auto run = RunOnBoth({L"queue", word});
         const std::string rejected = "Argument '" + Printed(word) + "' is invalid.";
-        EXPECT_EQ(run.output, Framed({rejected, rejected}));
+        EXPECT_EQ(run.output, Framed("Queue", {rejected, rejected}));
         EXPECT_EQ(run.status, 0);
         EXPECT_EQ(server.Calls().size(), 4U) << "each queue is fetched before the word is looked at";
     }
@@ -99,13 +92,13 @@ TEST_F(Queue, AnUnknownWordIsReportedAsTypedForEveryPrinterAfterTheQueueIsFetche
 TEST_F(Queue, AnUnknownWordIsInvalidEvenWithoutAQueue) {
     server.GiveNull("IDriverAutomation.GetPrinterQueue");
     const auto run = RunOnFirst({L"queue", L"stop"});
-    EXPECT_EQ(run.output, Framed({"Argument 'stop' is invalid."}));
+    EXPECT_EQ(run.output, Framed("Queue", {"Argument 'stop' is invalid."}));
     EXPECT_EQ(run.status, 0);
 }
 
 TEST_F(Queue, AQueueThatCannotBeFetchedIsUnsupportedEvenForAnUnknownWord) {
     server.Fail("IDriverAutomation.GetPrinterQueue", E_FAIL);
-    EXPECT_EQ(RunOnFirst({L"queue", L"stop"}).output, Framed({unsupported}));
+    EXPECT_EQ(RunOnFirst({L"queue", L"stop"}).output, Framed("Queue", {kUnsupported}));
 }
 
 } // namespace

@@ -13,18 +13,13 @@ namespace {
 
 class Send : public WholeRunTest {
   protected:
-    static std::string Framed(Lines lines) {
-        lines.insert(lines.begin(), "Executing 'Send' command.");
-        lines.push_back("Finished processing command.");
-        return Output(lines);
-    }
     static std::string SentTo(const std::string& name) { return "File sent to '" + name + "'."; }
 
     /// A run over both printers that finds no file.
     void ExpectNoFile(const std::wstring& path) {
         server.ClearJournal();
         const auto run = RunOnBoth({L"send", path});
-        EXPECT_EQ(run.output, Framed({"File does not exist."})) << Narrow(path);
+        EXPECT_EQ(run.output, Framed("Send", {"File does not exist."})) << Narrow(path);
         EXPECT_EQ(run.status, 2);
         EXPECT_EQ(server.Journal(), (Lines{"CoInitialize(2)", "CoUninitialize()"}));
     }
@@ -34,7 +29,7 @@ class Send : public WholeRunTest {
 
 TEST_F(Send, PassesThePathAndAnEmptyTextForEveryPrinter) {
     const auto run = RunOnBoth({L"send", file.Path(), L"ignored"});
-    EXPECT_EQ(run.output, Framed({SentTo(firstName), SentTo(secondName)}));
+    EXPECT_EQ(run.output, Framed("Send", {SentTo(firstName), SentTo(secondName)}));
     EXPECT_EQ(run.status, 0);
     const std::string call = "SendFile(\"" + Narrow(file.Path()) + "\", \"\")";
     EXPECT_EQ(server.Journal(),
@@ -52,7 +47,7 @@ TEST_F(Send, PassesARelativePathAsTyped) {
     // The tests run where the sources are.
     for (const wchar_t* const path : {L"tests/whole_run/SendTests.cpp", L".\\tests\\..\\CMakeLists.txt"}) {
         server.ClearJournal();
-        EXPECT_EQ(RunOnFirst({L"send", path}).output, Framed({SentTo(firstName)}));
+        EXPECT_EQ(RunOnFirst({L"send", path}).output, Framed("Send", {SentTo(firstName)}));
         const std::string call = server.Calls().at(1);
         EXPECT_EQ(call.substr(call.find('.') + 1), "SendFile(\"" + Narrow(path) + "\", \"\")");
     }
@@ -84,14 +79,14 @@ TEST_F(Send, AFileLockedAgainstReadingIsNoFile) {
         EXPECT_TRUE(user);
         ExpectNoFile(file.Path());
     }
-    EXPECT_EQ(RunOnFirst({L"send", file.Path()}).output, Framed({SentTo(firstName)}));
+    EXPECT_EQ(RunOnFirst({L"send", file.Path()}).output, Framed("Send", {SentTo(firstName)}));
 }
 
 TEST_F(Send, AFileThatOthersReadAndWriteIsThere) {
     const UniqueHandle user =
         OpenExisting(file.Path(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE);
     EXPECT_TRUE(user);
-    EXPECT_EQ(RunOnFirst({L"send", file.Path()}).output, Framed({SentTo(firstName)}));
+    EXPECT_EQ(RunOnFirst({L"send", file.Path()}).output, Framed("Send", {SentTo(firstName)}));
 }
 
 TEST_F(Send, TheFileIsClosedBeforeTheServerSeesIt) {
@@ -105,14 +100,14 @@ TEST_F(Send, TheFileIsClosedBeforeTheServerSeesIt) {
 TEST_F(Send, AFileThatVanishesBetweenTwoPrintersStopsAtTheSecond) {
     server.Do("IDriverAutomation.SendFile", [&] { DeleteFileW(file.Path().c_str()); });
     const auto run = RunOnBoth({L"send", file.Path()});
-    EXPECT_EQ(run.output, Framed({SentTo(firstName), "File does not exist."}));
+    EXPECT_EQ(run.output, Framed("Send", {SentTo(firstName), "File does not exist."}));
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(server.Calls().size(), 2U);
 }
 
 TEST_F(Send, WithoutAFileStopsBeforeAnyObjectIsMade) {
     const auto run = RunOnBoth({L"send"});
-    EXPECT_EQ(run.output, Framed({"Incorrect number of arguments."}));
+    EXPECT_EQ(run.output, Framed("Send", {"Incorrect number of arguments."}));
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(server.Journal(), (Lines{"CoInitialize(2)", "CoUninitialize()"}));
 }

@@ -14,13 +14,6 @@ namespace {
 
 class Set : public WholeRunTest {
   protected:
-    static std::string Framed(Lines lines) {
-        lines.insert(lines.begin(), "Executing 'Set' command.");
-        lines.push_back("Finished processing command.");
-        return Output(lines);
-    }
-
-    const std::string unsupported = "The command is unsupported on this printer.";
 };
 
 struct FieldRow {
@@ -54,7 +47,7 @@ INSTANTIATE_TEST_SUITE_P(Words, SetField, testing::ValuesIn(kFields),
 
 TEST_P(SetField, IsWrittenToEveryPrinterWithoutALine) {
     const auto run = RunOnBoth({L"set", GetParam().word, L"by the door", L"ignored"});
-    EXPECT_EQ(run.output, Framed({}));
+    EXPECT_EQ(run.output, Framed("Set", {}));
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(
         server.Calls(),
@@ -65,7 +58,7 @@ TEST_P(SetField, IsWrittenToEveryPrinterWithoutALine) {
 TEST_P(SetField, IsFoundInAnyCase) {
     int object = 0;
     for (const wchar_t* const word : {GetParam().word, GetParam().upper, GetParam().mixed}) {
-        EXPECT_EQ(RunOnFirst({L"set", word, L"x"}).output, Framed({}));
+        EXPECT_EQ(RunOnFirst({L"set", word, L"x"}).output, Framed("Set", {}));
         EXPECT_EQ(server.Calls().back(), Written(++object, L"x"));
     }
 }
@@ -75,7 +68,7 @@ TEST_P(SetField, PassesTheValueAsItStands) {
     for (const std::wstring& value :
          {std::wstring(), std::wstring(L"%1"), std::wstring(L" a \"b\" \\ c:: "),
           std::wstring(L"\x0141\x00F3d\x017A \x65E5\x672C"), std::wstring(30'000, L'v')}) {
-        EXPECT_EQ(RunOnFirst({L"set", GetParam().word, value}).output, Framed({}));
+        EXPECT_EQ(RunOnFirst({L"set", GetParam().word, value}).output, Framed("Set", {}));
         EXPECT_EQ(server.Calls().back(), Written(++object, value));
     }
 }
@@ -96,7 +89,7 @@ TEST_F(Set, WithFewerThanTwoWordsStopsBeforeAnyObjectIsMade) {
     for (const Words& words : {Words{L"set"}, {L"set", L"comment"}, {L"set", L"bogus"}}) {
         server.ClearJournal();
         const auto run = RunOnBoth(words);
-        EXPECT_EQ(run.output, Framed({"Incorrect number of arguments."}));
+        EXPECT_EQ(run.output, Framed("Set", {"Incorrect number of arguments."}));
         EXPECT_EQ(run.status, 2);
         EXPECT_EQ(server.Journal(), (Lines{"CoInitialize(2)", "CoUninitialize()"}));
     }
@@ -108,7 +101,7 @@ TEST_F(Set, AnUnknownFieldIsReportedAsTypedForEveryPrinterAfterTheBinding) {
         server.ClearJournal();
         const auto run = RunOnBoth({L"set", word, L"x"});
         const std::string rejected = "Argument '" + Printed(word) + "' is invalid.";
-        EXPECT_EQ(run.output, Framed({rejected, rejected}));
+        EXPECT_EQ(run.output, Framed("Set", {rejected, rejected}));
         EXPECT_EQ(run.status, 0);
         EXPECT_EQ(server.Calls().size(), 2U) << "each printer is bound before the word is looked at";
     }
@@ -116,7 +109,7 @@ TEST_F(Set, AnUnknownFieldIsReportedAsTypedForEveryPrinterAfterTheBinding) {
 
 TEST_F(Set, ARefusedBindingIsUnsupportedEvenForAnUnknownField) {
     server.Fail("IDriverAutomation.PutPrinterName", E_INVALIDARG);
-    EXPECT_EQ(RunOnFirst({L"set", L"bogus", L"x"}).output, Framed({unsupported}));
+    EXPECT_EQ(RunOnFirst({L"set", L"bogus", L"x"}).output, Framed("Set", {kUnsupported}));
 }
 
 } // namespace

@@ -15,7 +15,6 @@ class Settings : public WholeRunTest {
 
     const std::string begin = "Executing 'Settings' command.";
     const std::string end = "Finished processing command.";
-    const std::string unsupported = "The command is unsupported on this printer.";
 };
 
 TEST_F(Settings, ResetServesEveryPrinterWithAnObjectOfItsOwn) {
@@ -116,7 +115,7 @@ TEST_F(Settings, WithNoPrinterLeftNothingElseIsLookedAt) {
 TEST_F(Settings, APrinterWithoutAServerIsReportedAndTheNextOneServed) {
     server.FailActivation(FakeClass::DriverAutomation, REGDB_E_CLASSNOTREG).ForObject(1);
     const auto run = RunOnBoth({L"settings", L"reset"});
-    EXPECT_EQ(run.output, Output({begin, unsupported, ResetOf(secondName), end}));
+    EXPECT_EQ(run.output, Output({begin, kUnsupported, ResetOf(secondName), end}));
     EXPECT_EQ(run.status, 0);
 }
 

@@ -33,18 +33,6 @@ void ForgetSettings() {
 
 } // namespace
 
-std::string Output(const Lines& lines) {
-    std::string output;
-    for (const std::string& line : lines) {
-        output += line + "\r\n";
-    }
-    return output;
-}
-
-std::string Printed(const std::wstring& text) {
-    return OString(text.c_str()).Narrow();
-}
-
 RunResult RunAfresh(const Words& words) {
     ForgetSettings();
     return RunWords(kemba::RunKemba, words);

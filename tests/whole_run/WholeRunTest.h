@@ -9,17 +9,10 @@
 #include "demo/WinePrinters.h"
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Holdings.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/WholeRun.h"
 
 namespace kit {
-
-using Words = std::vector<std::wstring>;
-
-/// The lines as the program prints them, each ended by CR LF.
-std::string Output(const Lines& lines);
-
-/// The text in the code page of the output.
-std::string Printed(const std::wstring& text);
 
 /// Runs the entry point on the words as a fresh process would: the process-wide settings start empty.
 RunResult RunAfresh(const Words& words);
