@@ -62,7 +62,7 @@ void MakeWide(Body& body) {
     } else if (body.codePage == OCore::kCodePageUtf8) {
         CopyBounded<wchar_t>(OCore::DecodeUtf8(text), wide.get(), size);
     } else {
-        MultiByteToWideChar(EffectiveCodePage(body.codePage), 0, text.data(), -1, wide.get(),
+        MultiByteToWideChar(EffectiveCodePage(body.codePage), 0, body.narrow.get(), -1, wide.get(),
                             static_cast<int>(size));
         wide[size - 1] = 0; // a conversion that ran out of room leaves no terminator
     }
@@ -79,7 +79,7 @@ void MakeNarrow(Body& body) {
     } else if (body.codePage == OCore::kCodePageUtf8) {
         CopyBounded<char>(OCore::EncodeUtf8(text), narrow.get(), size);
     } else {
-        WideCharToMultiByte(EffectiveCodePage(body.codePage), 0, text.data(), -1, narrow.get(),
+        WideCharToMultiByte(EffectiveCodePage(body.codePage), 0, body.wide.get(), -1, narrow.get(),
                             static_cast<int>(size), nullptr, nullptr);
         narrow[size - 1] = 0;
     }
@@ -324,7 +324,7 @@ std::ptrdiff_t OString::Find(wchar_t character, std::size_t from) const {
     const OString converted = OString(character).InCodePage(GetCodePage());
     const std::string_view byte = converted.Narrow();
     // What the code page cannot hold was converted to something else, which is not to be found in its place.
-    const bool held = byte.size() == 1 && OString(byte.data(), GetCodePage()).Wide()[0] == character;
+    const bool held = byte.size() == 1 && OString(converted.Narrow(), GetCodePage()).Wide()[0] == character;
     return held ? Index(Units<char>().find(byte, from)) : kNotFound;
 }
 

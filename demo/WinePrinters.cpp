@@ -84,6 +84,7 @@ std::vector<std::wstring> PrinterNames() {
     }
     const auto* const printers = reinterpret_cast<const PRINTER_INFO_4W*>(buffer.data());
     std::vector<std::wstring> names;
+    names.reserve(count);
     for (DWORD i = 0; i < count; ++i) {
         names.emplace_back(printers[i].pPrinterName);
     }

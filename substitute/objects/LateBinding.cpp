@@ -159,7 +159,7 @@ HRESULT Invoke(IDispatch& object, ITypeInfo& types, DISPID member, const DISPPAR
             VARIANT& value = *handedOut.Put();
             value.vt = argument.out;
             passed.vt = static_cast<VARTYPE>(VT_BYREF | argument.out);
-            passed.byref = &value.byref; // all kinds of value begin at the same address
+            passed.byref = static_cast<void*>(&value.byref); // all kinds of value begin at the same address
         } else if (!leftOut) {
             passed = *here;
         } else if (argument.optional) {

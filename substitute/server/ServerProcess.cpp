@@ -39,7 +39,7 @@ void ServeUntilUnused(UseCount& uses, ClassOffer& classes, const ServerTimes& ti
         }
         try {
             classes.Show();
-        } catch (const Failure&) {
+        } catch (const Failure&) { // NOLINT(bugprone-empty-catch)
             // Whoever is here is served to the end all the same; new clients start another process.
         }
     }

@@ -35,8 +35,8 @@ DWORD WithoutGenericRights(DWORD mask) noexcept {
 bool GivesUsers(const std::wstring& path, DWORD rights) {
     ACL* list = nullptr;
     PSECURITY_DESCRIPTOR allocated = nullptr;
-    std::wstring name = path; // the call asks for a text that could be changed, and does not change it
-    const DWORD error = GetNamedSecurityInfoW(name.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr,
+    auto* const name = const_cast<wchar_t*>(path.c_str()); // which the call does not change
+    const DWORD error = GetNamedSecurityInfoW(name, SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr,
                                               nullptr, &list, nullptr, &allocated);
     const OCore::UniqueLocal<void> descriptor(allocated);
     return error == ERROR_SUCCESS && GivesUsersAnyOf(list, rights);
