@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "cli/ApplicationSettings.h"
 #include "cli/OptionParser.h"

@@ -19,6 +19,7 @@
 #include "tests/fuzz/GuardedHeap.h"
 #include "tests/fuzz/MadePrinters.h"
 #include "tests/fuzz/TextModel.h"
+#include "tests/kit/Printed.h"
 
 using namespace kit;
 

@@ -13,6 +13,7 @@
 #include "tests/fuzz/TextModel.h"
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Operations.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/Script.h"
 #include "tests/kit/WholeRun.h"
 #include "tests/whole_run/WholeRunTest.h"

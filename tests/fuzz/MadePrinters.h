@@ -8,9 +8,9 @@
 #include <cstddef>
 #include <string>
 
-#include "tests/fuzz/CommandLineModel.h"
 #include "tests/fuzz/Fuzz.h"
 #include "tests/fuzz/GuardedHeap.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/SetAside.h"
 
 namespace kit {

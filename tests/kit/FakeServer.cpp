@@ -18,6 +18,7 @@
 #include "tests/kit/FakeClassFactory.h"
 #include "tests/kit/FakeIdentity.h"
 #include "tests/kit/Operations.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/Script.h"
 #include "tests/kit/ServerState.h"
 #include "tests/kit/TextWatch.h"

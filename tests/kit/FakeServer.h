@@ -25,7 +25,6 @@
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "tests/kit/Operations.h"
 #include "tests/kit/Printed.h"

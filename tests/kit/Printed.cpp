@@ -2,6 +2,7 @@
 #include "tests/kit/Printed.h"
 
 #include <cstdio>
+#include <string>
 
 namespace kit {
 

@@ -12,6 +12,7 @@
 #include "core/Utf8.h"
 #include "demo/WinePrinters.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/programs/Kemba.h"
 

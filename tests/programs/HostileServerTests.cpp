@@ -16,11 +16,11 @@
 #include "tests/kit/Environment.h"
 #include "tests/kit/Operations.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/kit/TemporaryFolder.h"
-#include "tests/programs/Kemba.h"
 #include "tests/programs/OwnClasses.h"
 
 namespace {

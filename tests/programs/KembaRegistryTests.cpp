@@ -9,6 +9,7 @@
 
 #include "demo/WinePrinters.h"
 #include "tests/kit/KeyRights.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/programs/Kemba.h"

@@ -16,6 +16,7 @@
 
 #include "demo/WinePrinters.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/programs/Clients.h"
 #include "tests/programs/HeldServer.h"

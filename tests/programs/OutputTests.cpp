@@ -9,6 +9,7 @@
 #include "demo/WinePrinters.h"
 #include "tests/kit/OutputChannel.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/programs/Kemba.h"

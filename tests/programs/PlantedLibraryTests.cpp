@@ -16,10 +16,10 @@
 #include "demo/WinePrinters.h"
 #include "tests/kit/CallTexts.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/kit/TemporaryFolder.h"
-#include "tests/programs/Kemba.h"
 #include "tests/programs/OwnClasses.h"
 
 using namespace kit;

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "demo/WinePrinters.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/programs/Kemba.h"
 

@@ -10,10 +10,10 @@
 
 #include "demo/WinePrinters.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/programs/Clients.h"
 #include "tests/programs/HeldServer.h"
-#include "tests/programs/Kemba.h"
 
 namespace {
 

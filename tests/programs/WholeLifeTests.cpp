@@ -14,6 +14,7 @@
 
 #include "demo/WinePrinters.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/TemporaryFile.h"

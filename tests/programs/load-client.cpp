@@ -8,7 +8,6 @@
 
 #include "cli/main/EntryPoint.h"
 #include "cli/main/ProcessObjects.h"
-#include "core/OString.h"
 #include "tests/kit/Printed.h"
 #include "tests/kit/WholeRun.h"
 

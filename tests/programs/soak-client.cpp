@@ -25,6 +25,7 @@
 #include "substitute/base/Failure.h"
 #include "substitute/settings/Settings.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/programs/Kemba.h"
 #include "tests/programs/SoakModel.h"

@@ -4,7 +4,7 @@
 #include <ostream>
 #include <vector>
 
-#include "tests/shortage/Run.h"
+#include "tests/kit/Printed.h"
 
 namespace kit {
 

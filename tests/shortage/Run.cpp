@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tests/kit/Owners.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/shortage/Record.h"
 

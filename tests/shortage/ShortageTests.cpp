@@ -16,6 +16,7 @@
 #include "cli/Dispatcher.h"
 #include "commands/CommandTable.h"
 #include "tests/kit/Environment.h"
+#include "tests/kit/Printed.h"
 #include "tests/shortage/CommandLines.h"
 #include "tests/shortage/Run.h"
 #include "tests/shortage/Verdict.h"

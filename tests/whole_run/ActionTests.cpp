@@ -12,6 +12,7 @@
 
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Operations.h"
+#include "tests/kit/Printed.h"
 #include "tests/whole_run/WholeRunTest.h"
 
 using namespace kit;

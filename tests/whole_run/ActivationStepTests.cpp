@@ -14,6 +14,7 @@
 #include "automation/Owners.h"
 #include "tests/kit/OneInterface.h"
 #include "tests/kit/Operations.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/WholeRun.h"
 #include "tests/whole_run/WholeRunTest.h"
 

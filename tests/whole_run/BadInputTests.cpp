@@ -1,6 +1,7 @@
 // Words that nobody should type: they are met as any other, and nothing else happens.
 #include <string>
 
+#include "tests/kit/Printed.h"
 #include "tests/whole_run/WholeRunTest.h"
 
 using namespace kit;

@@ -8,6 +8,7 @@
 #include "core/SystemCalls.h"
 #include "messages/TextResource.h"
 #include "tests/kit/Operations.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/kit/SetAside.h"
 #include "tests/whole_run/WholeRunTest.h"

@@ -13,6 +13,7 @@
 
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Operations.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/ServerState.h"
 
 namespace kit {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/kit/FakeServer.h"
+#include "tests/kit/Printed.h"
 
 namespace kit {
 

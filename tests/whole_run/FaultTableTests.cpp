@@ -19,6 +19,7 @@
 #include "platform/OperatingSystem.h"
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Operations.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/kit/WholeRun.h"

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tests/kit/Operations.h"
+#include "tests/kit/Printed.h"
 #include "tests/whole_run/WholeRunTest.h"
 
 using namespace kit;

@@ -2,6 +2,7 @@
 #include <string>
 
 #include "messages/TextResource.h"
+#include "tests/kit/Printed.h"
 #include "tests/whole_run/WholeRunTest.h"
 
 using namespace kit;

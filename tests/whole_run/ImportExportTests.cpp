@@ -3,6 +3,7 @@
 
 #include "demo/WinePrinters.h"
 #include "tests/kit/Narrow.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/whole_run/WholeRunTest.h"
 

@@ -16,6 +16,7 @@
 #include "tests/kit/OneInterface.h"
 #include "tests/kit/Operations.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/Script.h"
 #include "tests/kit/ServerState.h"
 #include "tests/kit/WholeRun.h"

@@ -6,6 +6,7 @@
 #include "demo/WinePrinters.h"
 #include "messages/TextResource.h"
 #include "tests/kit/FakeServer.h"
+#include "tests/kit/Printed.h"
 #include "tests/whole_run/WholeRunTest.h"
 
 using namespace kit;

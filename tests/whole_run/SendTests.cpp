@@ -4,6 +4,7 @@
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Narrow.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/TemporaryFile.h"
 #include "tests/whole_run/WholeRunTest.h"
 

@@ -6,6 +6,7 @@
 
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Narrow.h"
+#include "tests/kit/Printed.h"
 #include "tests/whole_run/WholeRunTest.h"
 
 using namespace kit;

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "tests/kit/Operations.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/kit/SetAside.h"
 #include "tests/whole_run/FaultTable.h"

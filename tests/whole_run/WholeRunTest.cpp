@@ -2,7 +2,6 @@
 #include "tests/whole_run/WholeRunTest.h"
 
 #include <initializer_list>
-#include <string>
 
 #include "cli/ApplicationSettings.h"
 #include "cli/main/EntryPoint.h"
@@ -10,6 +9,7 @@
 #include "demo/WinePrinters.h"
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Holdings.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/WholeRun.h"
 #include "tests/whole_run/FaultTable.h"
 
