@@ -9,6 +9,7 @@ from pathlib import Path
 sys.dont_write_bytecode = True
 
 import layers
+import mirror
 import prose
 
 ARROWS = ["cli --> messages", "messages --> core", "cli -.-> base", "base --> core"]
@@ -66,6 +67,26 @@ class Layers(unittest.TestCase):
     def test_an_arrow_that_cannot_be_read_is_told(self):
         with self.assertRaisesRegex(SystemExit, "docs/architecture.md:9: is no arrow"):
             self.said(["cli-->core"])
+
+
+class Mirror(unittest.TestCase):
+    TREE = {"core/OText.cpp": "", "tests/core/OTextEditTests.cpp": "", "core/Small.cpp": "",
+            "tests/fuzz/AnyTests.cpp": "", "tests/core/OddTests.cpp": "", "tests/README.md": "`Small`, `OddTests.cpp`"}
+
+    def said(self, **more):
+        with made(self.TREE | more) as root:
+            return list(mirror.problems(Path(root)))
+
+    def test_tests_under_the_sources_name_or_on_the_page_are_found(self):
+        self.assertEqual(self.said(), [])
+
+    def test_a_source_without_tests_is_told(self):
+        self.assertEqual(self.said(**{"core/Lost.cpp": ""}),
+                         ["core/Lost.cpp: tests/core/ has no tests of that name, nor has tests/README.md"])
+
+    def test_tests_without_a_source_are_told(self):
+        self.assertEqual(self.said(**{"tests/core/GoneTests.cpp": ""}),
+                         ["tests/core/GoneTests.cpp: no source in core/ has that name, nor has tests/README.md"])
 
 
 class Prose(unittest.TestCase):

@@ -12,19 +12,10 @@
 #include "tests/kit/Operations.h"
 #include "tests/kit/ServerState.h"
 
+using namespace kemba;
 using namespace kit;
 
 namespace {
-
-using kemba::Activate;
-using kemba::ActivateForPrinter;
-using kemba::Call;
-using kemba::CallForObject;
-using kemba::CallForText;
-using kemba::ComError;
-using kemba::ComPtr;
-using kemba::OwnedBstr;
-using kemba::OwnedVariant;
 
 /// The failure of `work`, as a test looks at it.
 struct Failure {

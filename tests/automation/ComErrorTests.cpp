@@ -13,12 +13,10 @@
 #include "tests/kit/Holdings.h"
 #include "tests/kit/Owners.h"
 
+using namespace kemba;
 using namespace kit;
 
 namespace {
-
-using kemba::ComError;
-using kemba::ComPtr;
 
 std::wstring MessageOf(unsigned long status) {
     return ComError(static_cast<HRESULT>(status)).GetMessageText();

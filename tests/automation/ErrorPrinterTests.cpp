@@ -13,12 +13,10 @@
 #include "tests/kit/Owners.h"
 #include "tests/kit/StdoutCapture.h"
 
+using namespace kemba;
 using namespace kit;
 
 namespace {
-
-using kemba::ComError;
-using kemba::ComPtr;
 
 constexpr HRESULT kStatus = static_cast<HRESULT>(0x80040201);
 const std::string kErrorLines = "*** COM Exception ***\r\nError: IDispatch error #1\r\n";

@@ -6,11 +6,9 @@
 
 #include "automation/Owners.h"
 
-namespace {
+using namespace kemba;
 
-using kemba::ComPtr;
-using kemba::OwnedBstr;
-using kemba::OwnedVariant;
+namespace {
 
 /// Counts its references; lives on the test's stack.
 struct Counted : IDispatch {

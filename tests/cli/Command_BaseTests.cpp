@@ -16,13 +16,10 @@
 #include "demo/WinePrinters.h"
 #include "tests/cli/Console.h"
 
+using namespace kemba;
 using namespace kit;
 
 namespace {
-
-using kemba::ApplicationSettings;
-using kemba::Arguments;
-using kemba::Command_Base;
 
 static_assert(std::has_virtual_destructor_v<Command_Base>);
 

@@ -12,14 +12,10 @@
 #include "tests/cli/Console.h"
 #include "tests/kit/Printed.h"
 
+using namespace kemba;
 using namespace kit;
 
 namespace {
-
-using kemba::ApplicationSettings;
-using kemba::Command_Base;
-using kemba::CommandRow;
-using kemba::MakeCommand;
 
 /// What the commands of these tests leave behind.
 struct Traces {

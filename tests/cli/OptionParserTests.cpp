@@ -9,11 +9,10 @@
 #include "core/OString.h"
 #include "tests/kit/Printed.h"
 
+using namespace kemba;
 using namespace kit;
 
 namespace {
-
-using kemba::ApplicationSettings;
 
 Words AsWords(const OStringArray& array) {
     Words words;

@@ -18,12 +18,11 @@
 #include "tests/cli/Console.h"
 #include "tests/kit/SetAside.h"
 
+using namespace kemba;
 using namespace kit;
 
 namespace {
 
-using kemba::ApplicationSettings;
-using kemba::DefaultPrinterName;
 using Names = std::vector<std::wstring>;
 
 struct Selection {

@@ -21,14 +21,10 @@
 #include "tests/fuzz/TextModel.h"
 #include "tests/kit/Printed.h"
 
+using namespace kemba;
 using namespace kit;
 
 namespace {
-
-using kemba::ApplicationSettings;
-using kemba::Command_Base;
-using kemba::CommandRow;
-using kemba::MakeCommand;
 
 /// A console that keeps what is written.
 class Screen : public ConsoleOutput {

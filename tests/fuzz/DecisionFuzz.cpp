@@ -19,11 +19,10 @@
 #include "substitute/spooler/StatusText.h"
 #include "tests/fuzz/Fuzz.h"
 
+using namespace kemba::substitute;
 using namespace kit;
 
 namespace {
-
-using kemba::substitute::Bytes;
 
 /// The words of the bits, the lowest first.
 constexpr const wchar_t* kWords[] = {L"Paused",

@@ -8,12 +8,11 @@
 #include "substitute/server/CommandLine.h"
 #include "tests/fuzz/Fuzz.h"
 
+using namespace kemba::substitute;
 using namespace kit;
 
 namespace {
 
-using kemba::substitute::CommandLine;
-using kemba::substitute::Scope;
 using Verb = CommandLine::Verb;
 
 /// A word as a switch's name in lower case; empty for any other word.

@@ -18,13 +18,10 @@
 #include "tests/fuzz/GuardedHeap.h"
 #include "tests/substitute/FakeSpooler.h"
 
+using namespace kemba::substitute;
 using namespace kit;
 
 namespace {
-
-using kemba::substitute::Bytes;
-using kemba::substitute::PrinterValue;
-using kemba::substitute::Settings;
 
 std::uint32_t Checksum(const Bytes& bytes, std::size_t count) {
     std::uint32_t value = 0xFFFFFFFF;

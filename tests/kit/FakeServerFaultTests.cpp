@@ -11,13 +11,10 @@
 #include "tests/kit/Owners.h"
 #include "tests/kit/ServerState.h"
 
+using namespace kemba;
 using namespace kit;
 
 namespace {
-
-using kemba::ActivateForPrinter;
-using kemba::ComPtr;
-using kemba::OwnedBstr;
 
 /// "source/description" of the thread's error information; "none" without any.
 std::wstring TakeErrorInformation() {

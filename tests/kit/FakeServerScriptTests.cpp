@@ -13,15 +13,10 @@
 #include "tests/kit/Operations.h"
 #include "tests/kit/ServerState.h"
 
+using namespace kemba;
 using namespace kit;
 
 namespace {
-
-using kemba::Activate;
-using kemba::ActivateForPrinter;
-using kemba::ComPtr;
-using kemba::OwnedBstr;
-using kemba::OwnedVariant;
 
 /// The comment of the printer, or the failing status in its place.
 std::wstring CommentOf(const wchar_t* printer) {

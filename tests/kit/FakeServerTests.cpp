@@ -9,16 +9,10 @@
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Owners.h"
 
+using namespace kemba;
 using namespace kit;
 
 namespace {
-
-using kemba::Activate;
-using kemba::ActivateForPrinter;
-using kemba::CallForObject;
-using kemba::CallForText;
-using kemba::ComPtr;
-using kemba::OwnedVariant;
 
 TEST(FakeServer, ActivationAndReleaseAreJournaledInOrder) {
     FakeServer server;

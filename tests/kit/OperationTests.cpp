@@ -12,13 +12,10 @@
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Operations.h"
 
+using namespace kemba;
 using namespace kit;
 
 namespace {
-
-using kemba::CallForObject;
-using kemba::ComPtr;
-using kemba::OwnedBstr;
 
 /// One object with each of the interfaces.
 struct Objects {

@@ -14,12 +14,10 @@
 #include "platform/OperatingSystem.h"
 #include "tests/kit/SetAside.h"
 
+using namespace kemba;
 using namespace kit;
 
 namespace {
-
-using kemba::OperatingSystem;
-using kemba::TheOperatingSystem;
 
 /// The version call: what it is asked and what it answers.
 struct VersionCall {

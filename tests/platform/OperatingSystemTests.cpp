@@ -8,11 +8,9 @@
 
 #include "platform/OperatingSystem.h"
 
-namespace {
+using namespace kemba;
 
-using kemba::BuildTextOfSystem;
-using kemba::EditionOfSystem;
-using kemba::NameOfSystem;
+namespace {
 
 constexpr BYTE kWorkstation = 1;
 constexpr BYTE kDomainController = 2;

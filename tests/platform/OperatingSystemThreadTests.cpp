@@ -11,12 +11,10 @@
 #include "platform/OperatingSystem.h"
 #include "tests/kit/AtOnce.h"
 
+using namespace kemba;
 using namespace kit;
 
 namespace {
-
-using kemba::OperatingSystem;
-using kemba::TheOperatingSystem;
 
 constexpr int kThreads = 8;
 

@@ -23,10 +23,10 @@
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/programs/OwnClasses.h"
 
-namespace {
-
 using namespace kit;
 using namespace std::chrono_literals;
+
+namespace {
 
 constexpr DWORD kPatience = 30'000; // milliseconds for a process to come or to go
 

@@ -23,10 +23,10 @@
 #include "tests/programs/Kemba.h"
 #include "tests/programs/ServerProgram.h"
 
-namespace {
-
 using namespace kit;
 using namespace std::chrono_literals;
+
+namespace {
 
 constexpr int kClients = 8;
 constexpr int kCommands = 40;                                            // of each client in a round

@@ -22,12 +22,10 @@
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/programs/OwnClasses.h"
 
+using namespace kemba;
 using namespace kit;
 
 namespace {
-
-using kemba::ComPtr;
-using kemba::OwnedBstr;
 
 /// What the programs import besides known DLLs, and what Wine's own libraries load behind those calls.
 const std::vector<std::wstring> kLibraries = {L"WINSPOOL.DRV", L"VERSION.dll",  L"actxprxy.dll",

@@ -19,12 +19,10 @@
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/programs/ServerProgram.h"
 
+using namespace kemba::substitute;
 using namespace kit;
 
 namespace {
-
-using kemba::substitute::RemoveKeyIfEmpty;
-using kemba::substitute::View;
 
 const std::wstring kClasses = L"Software\\Classes\\";
 constexpr wchar_t kApplication[] = L"{2A67A06D-D94F-42C1-9074-33F05630EF24}";

@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "automation/Owners.h"
 #include "demo/WinePrinters.h"
 #include "substitute/server/ServerIdentity.h"
 #include "substitute/server/ServingTurn.h"
@@ -22,12 +23,13 @@
 #include "tests/kit/TemporaryFile.h"
 #include "tests/programs/ServerProgram.h"
 
-namespace {
-
-using kemba::ComPtr;
+using namespace kemba;
 using namespace kemba::substitute;
 using namespace kit;
 using namespace std::chrono_literals;
+
+namespace {
+
 using Clock = std::chrono::steady_clock;
 
 /// A client's apartment; kemba's own is single-threaded.

@@ -15,10 +15,10 @@
 #include "tests/programs/Clients.h"
 #include "tests/programs/HeldServer.h"
 
-namespace {
-
 using namespace kit;
 using namespace std::chrono_literals;
+
+namespace {
 
 constexpr int kRuns = 16;
 

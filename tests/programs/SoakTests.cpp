@@ -31,10 +31,10 @@
 #include "tests/programs/HeldServer.h"
 #include "tests/programs/SoakModel.h"
 
-namespace {
-
 using namespace kit;
 using namespace std::chrono_literals;
+
+namespace {
 
 /// How long the clients work: KEMBA_SOAK_SECONDS, or what a run of all tests has time for.
 std::chrono::seconds SoakTime() {

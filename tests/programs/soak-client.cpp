@@ -21,6 +21,7 @@
 
 #include "automation/Activation.h"
 #include "automation/ComError.h"
+#include "automation/Owners.h"
 #include "demo/SpoolerLock.h"
 #include "substitute/base/Failure.h"
 #include "substitute/settings/Settings.h"
@@ -30,10 +31,10 @@
 #include "tests/programs/Kemba.h"
 #include "tests/programs/SoakModel.h"
 
-namespace {
-
+using namespace kemba;
 using namespace kit;
-using kemba::ComPtr;
+
+namespace {
 
 constexpr int kMostFailures = 20; // that are printed
 

@@ -16,8 +16,7 @@
 
 namespace kit {
 
-using kemba::substitute::Bytes;
-using kemba::substitute::CompareNames;
+using namespace kemba::substitute;
 
 namespace {
 

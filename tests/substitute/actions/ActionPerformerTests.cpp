@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "automation/Owners.h"
 #include "substitute/objects/DriverActionsObject.h"
 #include "tests/kit/CallTexts.h"
 #include "tests/kit/Owners.h"
@@ -13,12 +14,11 @@
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/Texts.h"
 
-namespace {
-
-using kemba::ComPtr;
-using kemba::MakeObject;
+using namespace kemba;
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 class PerformAction : public ObjectFixture {
   protected:

@@ -15,11 +15,11 @@
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/Texts.h"
 
-namespace {
-
 using namespace kemba::substitute;
 using namespace kit;
 using namespace std::string_literals;
+
+namespace {
 
 /// What the text is refused with, without the words that all refusals begin with.
 std::wstring RefusalOf(const std::string& text) {

@@ -5,9 +5,9 @@
 
 #include "substitute/base/DriverFolder.h"
 
-namespace {
+using namespace kemba::substitute;
 
-using kemba::substitute::IsBelowFolder;
+namespace {
 
 constexpr wchar_t kDrivers[] = LR"(C:\Windows\system32\spool\DRIVERS\x64)";
 constexpr wchar_t kShare[] = LR"(\\server\print$\x64)";

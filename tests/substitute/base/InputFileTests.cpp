@@ -12,10 +12,10 @@
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/Texts.h"
 
-namespace {
-
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 class InputFile : public testing::Test {
   protected:

@@ -7,11 +7,11 @@
 #include "substitute/base/Paths.h"
 #include "tests/substitute/FailureOf.h"
 
-namespace {
-
 using namespace kemba::substitute;
 using namespace kit;
 using namespace std::string_literals;
+
+namespace {
 
 TEST(Paths, AnAbsoluteOneDependsOnNobodysFolder) {
     for (const wchar_t* const path : {L"C:\\a", L"c:/a", L"C:\\", L"\\\\server\\share\\a",

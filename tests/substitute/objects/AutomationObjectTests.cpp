@@ -17,13 +17,11 @@
 #include "tests/substitute/LateCalls.h"
 #include "tests/substitute/ObjectFixture.h"
 
-namespace {
-
-using kemba::ComPtr;
-using kemba::MakeObject;
-using kemba::OwnedBstr;
+using namespace kemba;
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 class AutomationObject : public ObjectFixture {
   protected:

@@ -8,16 +8,17 @@
 #include <utility>
 #include <vector>
 
+#include "automation/Owners.h"
 #include "substitute/objects/DriverAutomationObject.h"
 #include "tests/kit/CallTexts.h"
 #include "tests/kit/Owners.h"
 #include "tests/substitute/ObjectFixture.h"
 
-namespace {
-
-using kemba::ComPtr;
+using namespace kemba;
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 class DriverAutomationObject : public ObjectFixture {
   protected:

@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "automation/Owners.h"
 #include "substitute/objects/DriverSettingsObject.h"
 #include "substitute/settings/Settings.h"
 #include "substitute/settings/SettingsFile.h"
@@ -24,11 +25,11 @@
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/SettingsSamples.h"
 
-namespace {
-
-using kemba::ComPtr;
+using namespace kemba;
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 /// The file's bytes, or nothing if it cannot be opened; nobody is kept from anything meanwhile.
 std::optional<Bytes> ReadAsOthersDo(const std::wstring& path) {

@@ -22,13 +22,12 @@
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/SettingsSamples.h"
 
-namespace {
-
-using kemba::ComPtr;
-using kemba::MakeObject;
+using namespace kemba;
 using namespace kemba::substitute;
 using namespace kit;
 using namespace std::chrono_literals;
+
+namespace {
 
 class EveryFailure : public ObjectFixture {
   protected:

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "automation/Owners.h"
 #include "demo/WinePrinters.h"
 #include "substitute/actions/ActionProfile.h"
 #include "substitute/objects/ContractTypes.h"
@@ -25,12 +26,11 @@
 #include "tests/substitute/FakeSpooler.h"
 #include "tests/substitute/LateCalls.h"
 
-namespace {
-
-using kemba::ComPtr;
-using kemba::MakeObject;
+using namespace kemba;
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 constexpr int kFirstVisits = 3; // after which all is there that is kept for ever
 constexpr int kVisits = 10;

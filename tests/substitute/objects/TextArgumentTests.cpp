@@ -4,17 +4,18 @@
 
 #include <functional>
 
+#include "automation/Owners.h"
 #include "tests/kit/CallTexts.h"
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/LateCalls.h"
 #include "tests/substitute/ObjectFixture.h"
 
-namespace {
-
-using kemba::ComPtr;
+using namespace kemba;
 using namespace kemba::substitute;
 using namespace kit;
 using namespace std::string_literals;
+
+namespace {
 
 class TextArgument : public ObjectFixture {
   protected:

@@ -5,19 +5,19 @@
 #include <thread>
 #include <vector>
 
+#include "automation/Owners.h"
 #include "substitute/server/ClassFactory.h"
 #include "substitute/server/ServerClasses.h"
 #include "substitute/server/ServerProcess.h"
 #include "tests/kit/Owners.h"
 #include "tests/substitute/ObjectFixture.h"
 
-namespace {
-
-using kemba::ComPtr;
-using kemba::MakeObject;
+using namespace kemba;
 using namespace kemba::substitute;
 using namespace kit;
 using namespace std::chrono_literals;
+
+namespace {
 
 class ClassFactory : public ObjectFixture {
   protected:

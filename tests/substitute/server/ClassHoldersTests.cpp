@@ -7,10 +7,10 @@
 #include "substitute/server/ClassHolders.h"
 #include "tests/kit/TemporaryFile.h"
 
-namespace {
-
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 TEST(ClassHolders, ACommandLineNamesItsProgram) {
     const struct {

@@ -7,9 +7,10 @@
 
 #include "substitute/server/CommandLine.h"
 
+using namespace kemba::substitute;
+
 namespace {
 
-using namespace kemba::substitute;
 using Verb = CommandLine::Verb;
 
 TEST(CommandLine, WordsAreUnderstoodAsAWholeOrNotAtAll) {

@@ -7,10 +7,10 @@
 #include "tests/kit/Owners.h"
 #include "tests/kit/TemporaryFile.h"
 
-namespace {
-
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 TEST(Console, ConsolesGetTheTextItself) {
     FreeConsole();

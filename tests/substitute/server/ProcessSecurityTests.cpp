@@ -12,10 +12,10 @@
 #include "tests/kit/Owners.h"
 #include "tests/kit/RegistryPreset.h"
 
-namespace {
-
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 HRESULT StatusOfRefusal(const ApplicationIdentity& identity) {
     try {

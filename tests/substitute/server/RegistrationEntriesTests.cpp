@@ -8,9 +8,9 @@
 #include "substitute/objects/ContractTypes.h"
 #include "substitute/server/RegistrationEntries.h"
 
-namespace {
-
 using namespace kemba::substitute;
+
+namespace {
 
 const LibraryDescription kLibrary{L"{LIBRARY}", L"Name of it", L"2.a", L"4", {{L"{INTERFACE}", L"IOne"}}};
 

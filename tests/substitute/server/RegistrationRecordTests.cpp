@@ -8,10 +8,10 @@
 #include "tests/kit/Owners.h"
 #include "tests/kit/RegistryPreset.h"
 
-namespace {
-
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 class RegistrationRecord : public testing::Test {
   protected:

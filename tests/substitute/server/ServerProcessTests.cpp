@@ -11,10 +11,11 @@
 #include "substitute/objects/UseCount.h"
 #include "substitute/server/ServerProcess.h"
 
-namespace {
-
 using namespace kemba::substitute;
 using namespace std::chrono_literals;
+
+namespace {
+
 using Clock = std::chrono::steady_clock;
 
 /// Counts how often the classes were shown and hidden; each row of `whenHidden` is done once.

@@ -11,11 +11,11 @@
 #include "tests/kit/Owners.h"
 #include "tests/substitute/ObjectFixture.h"
 
-namespace {
-
 using namespace kemba::substitute;
 using namespace kit;
 using namespace std::chrono_literals;
+
+namespace {
 
 /// A name that no other test has.
 std::wstring UniqueTurnName() {

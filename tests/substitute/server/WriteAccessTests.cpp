@@ -6,9 +6,9 @@
 
 #include "substitute/server/WriteAccess.h"
 
-namespace {
-
 using namespace kemba::substitute;
+
+namespace {
 
 struct Entry {
     BYTE type;

@@ -19,10 +19,10 @@
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/Texts.h"
 
-namespace {
-
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 const Bytes kOld = {1, 2, 3};
 const Bytes kNew = {4, 5, 6, 7, 8};

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "automation/Owners.h"
 #include "demo/LabelDriver.h"
 #include "demo/WinePrinters.h"
 #include "substitute/objects/DriverAutomationObject.h"
@@ -20,12 +21,11 @@
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/ObjectFixture.h"
 
-namespace {
-
-using kemba::ComPtr;
-using kemba::MakeObject;
+using namespace kemba;
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 class SettingsSpooler : public ObjectFixture {
   protected:

@@ -18,10 +18,10 @@
 #include "tests/substitute/FakeSpooler.h"
 #include "tests/substitute/SettingsSamples.h"
 
-namespace {
-
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 class SettingsStore : public testing::Test {
   protected:

@@ -26,6 +26,9 @@
 #include "tests/substitute/FakeSpooler.h"
 #include "tests/substitute/SettingsSamples.h"
 
+using namespace kemba::substitute;
+using namespace kit;
+
 namespace {
 
 std::size_t g_live = 0;
@@ -53,9 +56,6 @@ void operator delete(void* block, std::size_t) noexcept {
 }
 
 namespace {
-
-using namespace kemba::substitute;
-using namespace kit;
 
 constexpr int kVariants = 100000;
 constexpr std::size_t kSmallBound = 16384;    // for a handful of values and the words of a refusal

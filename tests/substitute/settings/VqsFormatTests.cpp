@@ -17,10 +17,10 @@
 #include "tests/substitute/FakeSpooler.h"
 #include "tests/substitute/SettingsSamples.h"
 
-namespace {
-
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 HRESULT DecodeStatus(const Bytes& bytes) {
     return FailureOf([&] { DecodeVqs(bytes); }).status;

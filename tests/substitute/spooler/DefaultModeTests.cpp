@@ -11,14 +11,10 @@
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/FakeSpooler.h"
 
+using namespace kemba::substitute;
 using namespace kit;
 
 namespace {
-
-using kemba::substitute::Bytes;
-using kemba::substitute::Failure;
-using kemba::substitute::PrinterHandle;
-using kemba::substitute::ReadDefaultMode;
 
 class DefaultMode : public testing::Test {
   protected:

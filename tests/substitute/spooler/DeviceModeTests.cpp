@@ -8,9 +8,9 @@
 
 #include "substitute/spooler/DeviceMode.h"
 
-namespace {
-
 using namespace kemba::substitute;
+
+namespace {
 
 /// Bytes of which a mode takes so many for itself and for its driver.
 Bytes ModeOf(std::size_t all, std::size_t own, std::size_t drivers) {

@@ -3,17 +3,18 @@
 
 #include <string>
 
+#include "automation/Owners.h"
 #include "substitute/spooler/DriverVersion.h"
 #include "tests/kit/CallTexts.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/Texts.h"
 
-namespace {
-
-using kemba::ComPtr;
+using namespace kemba;
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 FILETIME DateOf(WORD year, WORD month, WORD day) {
     SYSTEMTIME date = {};

@@ -8,9 +8,9 @@
 #include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/FillBuffer.h"
 
-namespace {
-
 using namespace kemba::substitute;
+
+namespace {
 
 constexpr auto kFirst = static_cast<DWORD>(kFirstBuffer);
 

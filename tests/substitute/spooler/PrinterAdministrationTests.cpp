@@ -6,15 +6,16 @@
 #include <utility>
 #include <vector>
 
+#include "automation/Owners.h"
 #include "tests/kit/CallTexts.h"
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/Texts.h"
 
-namespace {
-
-using kemba::ComPtr;
+using namespace kemba;
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 class Administration : public ObjectFixture {
   protected:

@@ -12,11 +12,11 @@
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/FakeSpooler.h"
 
-namespace {
-
 using namespace kemba::substitute;
 using namespace kit;
 using namespace std::chrono_literals;
+
+namespace {
 
 class Printer : public testing::Test {
   protected:

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "automation/Owners.h"
 #include "tests/kit/CallTexts.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/TemporaryFile.h"
@@ -14,11 +15,12 @@
 #include "tests/substitute/ObjectFixture.h"
 #include "tests/substitute/Texts.h"
 
-namespace {
-
-using kemba::ComPtr;
+using namespace kemba;
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
+
 using Call = FakeSpooler::Call;
 
 class SendFile : public ObjectFixture {

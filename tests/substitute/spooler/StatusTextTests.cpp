@@ -5,9 +5,9 @@
 
 #include "substitute/spooler/StatusText.h"
 
-namespace {
+using namespace kemba::substitute;
 
-using kemba::substitute::StatusText;
+namespace {
 
 constexpr DWORD kWorkOffline = 0x400;
 

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 
+#include "automation/Owners.h"
 #include "demo/LabelDriver.h"
 #include "demo/WinePrinters.h"
 #include "substitute/objects/DriverActionsObject.h"
@@ -17,12 +18,11 @@
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/ObjectFixture.h"
 
-namespace {
-
-using kemba::ComPtr;
-using kemba::MakeObject;
+using namespace kemba;
 using namespace kemba::substitute;
 using namespace kit;
+
+namespace {
 
 class Spooler : public ObjectFixture {
   protected:
