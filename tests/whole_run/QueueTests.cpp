@@ -13,9 +13,7 @@ using namespace kit;
 
 namespace {
 
-class Queue : public WholeRunTest {
-  protected:
-};
+class Queue : public WholeRunTest {};
 
 struct ActionRow {
     const wchar_t* word;

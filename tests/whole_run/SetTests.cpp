@@ -13,9 +13,7 @@ using namespace kit;
 
 namespace {
 
-class Set : public WholeRunTest {
-  protected:
-};
+class Set : public WholeRunTest {};
 
 struct FieldRow {
     const wchar_t* word;
