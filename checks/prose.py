@@ -6,7 +6,7 @@ import sys
 from pathlib import Path
 
 COLUMNS = 120
-SCRIPTS = ("dev", ".ci/run", "cmake/run-wine", "cmake/start-wine")
+SCRIPTS = ("dev", ".ci/run", ".clang-tidy", "cmake/run-wine", "cmake/start-wine")
 ENDINGS = (".cmake", ".cpp", ".def", ".h", ".idl", ".in", ".md", ".py", ".rc", ".txt")
 CATALOGUE = "KEMBA[ENU].TXT"  # content, not prose
 CONTRACT = "automation/DriverAutomation.idl"

@@ -239,13 +239,13 @@ def short(text):
     return text if len(text) < 70 else text[:67] + "..."
 
 
-def report_lost(explanations, texts, made):
-    """Explanations of mutants that are no longer made."""
+def lost(explanations, texts, made):
+    """What is explained of mutants that are no longer made."""
     known = {mutants.identity(mutant) for mutant in made}
     for identity in explanations.rows:
         file = identity.split(" ", 1)[0]
         if identity not in known and (file in texts or not (ROOT / file).exists()):
-            print(f"explained.txt explains a mutant that is not there: {identity}")
+            yield identity
 
 
 def main():
@@ -273,7 +273,8 @@ def main():
     if not wishes.report:
         os.nice(10)
         run(chosen, texts, wishes.jobs, results, quota)
-    report_lost(explanations, texts, made)
+    for identity in lost(explanations, texts, made):
+        print(f"explained.txt explains a mutant that is not there: {identity}")
     return 0 if report(chosen, texts, results, explanations, quota) else 1
 
 

@@ -228,8 +228,9 @@ class ExplainedSurvivors(unittest.TestCase):
         with self.assertRaises(SystemExit):
             mutate.Explanations("core/X.cpp deletion:1 equivalent\n    b();\n")
 
-    def test_the_list_itself_is_understood(self):
-        mutate.Explanations(mutate.EXPLAINED.read_text())
+    def test_the_list_explains_mutants_that_are_made(self):
+        made, texts = mutate.all_mutants(list(mutate.THRESHOLDS))
+        self.assertEqual(list(mutate.lost(mutate.Explanations(mutate.EXPLAINED.read_text()), texts, made)), [])
 
 
 class Reached(unittest.TestCase):
