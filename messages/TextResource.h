@@ -1,6 +1,8 @@
 // The message catalogue: keyed sections of a text resource in the program's own module.
 #pragma once
 
+#include <string_view>
+
 #include "core/OString.h"
 
 /// Finds a section of the catalogue by its key. Nothing is cached: every lookup scans the resource afresh.
@@ -20,8 +22,8 @@ class TextResource {
     OString FindSection(const char* begin, const char* end, const OString& key);
 
   private:
-    /// Copies the next line, or the next piece of a long one, into `line`; false at the end of the resource.
-    bool ReadLine(wchar_t* line, const char* end);
+    /// The next line with its line end, or the next piece of a long one; there must be one before `end`.
+    std::string_view TakeLine(const char* end);
 
     const char* m_position = nullptr; // in the locked resource; null when no lookup is under way
 };
