@@ -66,7 +66,7 @@ bool IsInsufficientBuffer(DWORD error) {
 }
 
 OString DefaultPrinterFromSpooler() {
-    const auto getDefaultPrinter = OCore::TheSystemCalls().getDefaultPrinter;
+    const auto getDefaultPrinter = OCore::TheSystemCalls().findGetDefaultPrinter();
     DWORD characters = 0;
     if (!getDefaultPrinter || getDefaultPrinter(nullptr, &characters) ||
         !IsInsufficientBuffer(GetLastError())) {

@@ -9,19 +9,17 @@ namespace {
 /// `GetDefaultPrinterW` came with version 5 of the system; its ordinal is older than its name.
 constexpr WORD kGetDefaultPrinterOrdinal = 203;
 
-decltype(&::GetDefaultPrinterW) BindGetDefaultPrinter() {
+} // namespace
+
+decltype(&::GetDefaultPrinterW) FindGetDefaultPrinter() {
     const HMODULE spooler = LoadSystemLibrary("winspool.drv");
     auto* const address =
         reinterpret_cast<void*>(GetProcAddress(spooler, MAKEINTRESOURCEA(kGetDefaultPrinterOrdinal)));
     return reinterpret_cast<decltype(&::GetDefaultPrinterW)>(address);
 }
 
-} // namespace
-
-SystemCalls::SystemCalls() : getDefaultPrinter(BindGetDefaultPrinter()) {}
-
 SystemCalls& TheSystemCalls() {
-    static SystemCalls calls;
+    static constinit SystemCalls calls;
     return calls;
 }
 

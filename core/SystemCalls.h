@@ -6,6 +6,10 @@
 
 namespace OCore {
 
+/// The spooler's call by its ordinal; null where the spooler library lacks it. The library is loaded here and
+/// not before: it takes longer to load than all others together, and not every command needs it.
+decltype(&::GetDefaultPrinterW) FindGetDefaultPrinter();
+
 /// The calls, each the platform's own. Tests put others in their place; the program never does.
 struct SystemCalls {
     decltype(&::GetTickCount64) getTickCount64 = &::GetTickCount64;
@@ -15,10 +19,7 @@ struct SystemCalls {
     decltype(&::LCMapStringW) lcMapString = &::LCMapStringW;
     decltype(&::DeregisterEventSource) deregisterEventSource = &::DeregisterEventSource;
     decltype(&::EnumPrintersW) enumPrinters = &::EnumPrintersW;
-    /// By ordinal; null where the spooler library lacks it.
-    decltype(&::GetDefaultPrinterW) getDefaultPrinter;
-
-    SystemCalls();
+    decltype(&FindGetDefaultPrinter) findGetDefaultPrinter = &FindGetDefaultPrinter;
 };
 
 /// The calls in force.

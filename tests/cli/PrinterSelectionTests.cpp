@@ -239,7 +239,7 @@ TEST(PrinterSelection, WithoutADefaultPrinterNothingIsSelected) {
 
 TEST_F(DefaultPrinter, ComesFromTheSpoolerSinceVersion5) {
     calls->getVersionEx = &FakeVersion<VER_PLATFORM_WIN32_NT, 5>;
-    calls->getDefaultPrinter = &FakeGetDefaultPrinter;
+    calls->findGetDefaultPrinter = [] { return &FakeGetDefaultPrinter; };
     calls->getProfileString = nullptr;
     spoolerDefault = L"Label A, the first";
     EXPECT_STREQ(DefaultPrinterName().Wide(), L"Label A, the first");
@@ -249,21 +249,21 @@ TEST_F(DefaultPrinter, ComesFromTheSpoolerSinceVersion5) {
 
 TEST_F(DefaultPrinter, AnyOtherFailureOfTheSpoolerGivesNone) {
     calls->getVersionEx = &FakeVersion<VER_PLATFORM_WIN32_NT, 6>;
-    calls->getDefaultPrinter = &FakeGetDefaultPrinter;
+    calls->findGetDefaultPrinter = [] { return &FakeGetDefaultPrinter; };
     spoolerDefault = L"Label A";
     spoolerDefaultVanishes = true;
     EXPECT_TRUE(DefaultPrinterName().IsEmpty()) << "the second call failed";
     spoolerDefaultVanishes = false;
     spoolerDefaultError = ERROR_FILE_NOT_FOUND;
     EXPECT_TRUE(DefaultPrinterName().IsEmpty()) << "no default printer";
-    calls->getDefaultPrinter = nullptr;
+    calls->findGetDefaultPrinter = [] { return decltype(&::GetDefaultPrinterW)(); };
     EXPECT_TRUE(DefaultPrinterName().IsEmpty()) << "no such call";
 }
 
 TEST_F(DefaultPrinter, ComesFromTheProfileBeforeVersion5) {
     calls->getVersionEx = &FakeVersion<VER_PLATFORM_WIN32_NT, 4>;
     calls->getProfileString = &FakeProfile;
-    calls->getDefaultPrinter = nullptr;
+    calls->findGetDefaultPrinter = [] { return decltype(&::GetDefaultPrinterW)(); };
     struct Row {
         const wchar_t* device;
         const wchar_t* name;

@@ -6,22 +6,35 @@
 
 namespace {
 
+/// Without a first use: the seam stands before the program begins.
+constinit const OCore::SystemCalls kPlatformsOwn = {
+    .getTickCount64 = &::GetTickCount64,
+    .getVersionEx = &::GetVersionExW,
+    .getSystemMetrics = &::GetSystemMetrics,
+    .getProfileString = &::GetProfileStringW,
+    .lcMapString = &::LCMapStringW,
+    .deregisterEventSource = &::DeregisterEventSource,
+    .enumPrinters = &::EnumPrintersW,
+    .findGetDefaultPrinter = &OCore::FindGetDefaultPrinter,
+};
+
 TEST(SystemCalls, AreThePlatformsOwn) {
     const OCore::SystemCalls& calls = OCore::TheSystemCalls();
-    EXPECT_EQ(calls.getTickCount64, &::GetTickCount64);
-    EXPECT_EQ(calls.getVersionEx, &::GetVersionExW);
-    EXPECT_EQ(calls.getSystemMetrics, &::GetSystemMetrics);
-    EXPECT_EQ(calls.getProfileString, &::GetProfileStringW);
-    EXPECT_EQ(calls.lcMapString, &::LCMapStringW);
-    EXPECT_EQ(calls.deregisterEventSource, &::DeregisterEventSource);
-    EXPECT_EQ(calls.enumPrinters, &::EnumPrintersW);
+    EXPECT_EQ(calls.getTickCount64, kPlatformsOwn.getTickCount64);
+    EXPECT_EQ(calls.getVersionEx, kPlatformsOwn.getVersionEx);
+    EXPECT_EQ(calls.getSystemMetrics, kPlatformsOwn.getSystemMetrics);
+    EXPECT_EQ(calls.getProfileString, kPlatformsOwn.getProfileString);
+    EXPECT_EQ(calls.lcMapString, kPlatformsOwn.lcMapString);
+    EXPECT_EQ(calls.deregisterEventSource, kPlatformsOwn.deregisterEventSource);
+    EXPECT_EQ(calls.enumPrinters, kPlatformsOwn.enumPrinters);
+    EXPECT_EQ(calls.findGetDefaultPrinter, kPlatformsOwn.findGetDefaultPrinter);
 }
 
 TEST(SystemCalls, FindTheDefaultPrinterCallByItsOrdinal) {
     auto* const byName = reinterpret_cast<void*>(
         GetProcAddress(OCore::LoadSystemLibrary("winspool.drv"), "GetDefaultPrinterW"));
     ASSERT_NE(byName, nullptr);
-    EXPECT_EQ(reinterpret_cast<void*>(OCore::TheSystemCalls().getDefaultPrinter), byName);
+    EXPECT_EQ(reinterpret_cast<void*>(OCore::TheSystemCalls().findGetDefaultPrinter()), byName);
 }
 
 } // namespace

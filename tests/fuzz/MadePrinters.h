@@ -102,7 +102,7 @@ class MadePrinters {
     explicit MadePrinters(Case& input) : m_world(DrawWorld(input)) {
         g_world = &m_world;
         m_calls->enumPrinters = &EnumMade;
-        m_calls->getDefaultPrinter = &GetMadeDefault;
+        m_calls->findGetDefaultPrinter = [] { return &GetMadeDefault; };
         m_calls->getProfileString = &GetMadeProfile;
         m_calls->getVersionEx = &GetMadeVersion;
     }
