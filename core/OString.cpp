@@ -128,8 +128,7 @@ std::basic_string<Unit> Replaced(std::basic_string_view<Unit> text, std::basic_s
 } // namespace
 
 bool OCore::EqualsIgnoreCase(const wchar_t* left, const wchar_t* right) {
-    const auto fold = [](wchar_t unit) { return unit >= L'a' && unit <= L'z' ? unit - L'a' + L'A' : unit; };
-    while (*left != 0 && fold(*left) == fold(*right)) {
+    while (*left != 0 && FoldCase(*left) == FoldCase(*right)) {
         ++left;
         ++right;
     }

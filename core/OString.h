@@ -16,7 +16,12 @@ inline constexpr std::uint32_t kCodePageAnsi = 0;      ///< the system's ANSI co
 inline constexpr std::uint32_t kCodePageUtf8 = 1208;   ///< UTF-8 by the library's own converter
 inline constexpr std::uint32_t kCodePageBytes = 64999; ///< byte for unit: a byte is the unit of its value
 
-/// Compares two zero-terminated texts as whole words, folding a to z and nothing else.
+/// Folds a to z and nothing else.
+constexpr wchar_t FoldCase(wchar_t unit) {
+    return unit >= L'a' && unit <= L'z' ? static_cast<wchar_t>(unit - L'a' + L'A') : unit;
+}
+
+/// Compares two zero-terminated texts as whole words with their cases folded.
 bool EqualsIgnoreCase(const wchar_t* left, const wchar_t* right);
 
 } // namespace OCore

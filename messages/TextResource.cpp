@@ -4,9 +4,12 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <cwchar>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -18,6 +21,37 @@ namespace {
 constexpr std::size_t kLineBytes = 511;
 constexpr int kLineCharacters = 512;
 
+/// The first such byte in the range, or `end`; eight bytes at a time, for every message looks for its
+/// section.
+const char* FindByte(const char* begin, const char* end, char byte) {
+    constexpr std::uint64_t kOnes = 0x0101010101010101;
+    constexpr std::uint64_t kTops = 0x8080808080808080;
+    const std::uint64_t wanted = kOnes * static_cast<unsigned char>(byte);
+    while (end - begin >= 8) {
+        std::uint64_t eight;
+        std::memcpy(&eight, begin, 8);
+        const std::uint64_t zeroWhereEqual = eight ^ wanted;
+        // The lowest top bit that this leaves is that of the first zero byte.
+        if (const std::uint64_t found = (zeroWhereEqual - kOnes) & ~zeroWhereEqual & kTops) {
+            return begin + std::countr_zero(found) / 8;
+        }
+        begin += 8;
+    }
+    return std::find(begin, end, byte);
+}
+
+/// The first line, or piece of a long one, that begins with "#", or `end`. One must begin at `begin`.
+const char* FindHash(const char* begin, const char* end) {
+    const char* line = begin;
+    for (const char* hash = begin; (hash = FindByte(hash, end, '#')) != end; ++hash) {
+        line = std::find(std::reverse_iterator(hash), std::reverse_iterator(line), '\n').base();
+        if (static_cast<std::size_t>(hash - line) % kLineBytes == 0) {
+            return hash;
+        }
+    }
+    return end;
+}
+
 /// The bytes in the ANSI code page, up to a zero byte, as zero-terminated text.
 void Widen(std::string_view bytes, wchar_t (&line)[kLineCharacters]) {
     char terminated[kLineBytes + 1];
@@ -26,13 +60,21 @@ void Widen(std::string_view bytes, wchar_t (&line)[kLineCharacters]) {
     line[std::min(made, kLineCharacters - 1)] = 0; // a cut sequence may swallow the terminator
 }
 
-/// Ends the line before its trailing CR and LF.
-const wchar_t* CutLineEnd(wchar_t* line) {
+/// Whether the line without its trailing CR and LF is the header, ignoring case.
+bool Equals(std::string_view bytes, const wchar_t* header) {
+    // In every code page ASCII stands for itself, which tells nearly all headers apart without a conversion.
+    for (std::size_t at = 0; at < bytes.size() && bytes[at] > 0 && header[at] != 0; ++at) {
+        if (OCore::FoldCase(static_cast<wchar_t>(bytes[at])) != OCore::FoldCase(header[at])) {
+            return false;
+        }
+    }
+    wchar_t line[kLineCharacters];
+    Widen(bytes, line);
     std::size_t length = std::wcslen(line);
     while (length > 0 && (line[length - 1] == L'\r' || line[length - 1] == L'\n')) {
         line[--length] = 0;
     }
-    return line;
+    return OCore::EqualsIgnoreCase(line, header);
 }
 
 } // namespace
@@ -52,20 +94,14 @@ OString TextResource::GetText(const OString& key) {
 OString TextResource::FindSection(const char* begin, const char* end, const OString& key) {
     const OString header = OString(L"#") + key;
     std::wstring body;
-    bool found = false;
-    wchar_t line[kLineCharacters];
     m_position = begin;
-    while (m_position != end) {
-        const std::string_view bytes = TakeLine(end);
-        if (!found && bytes.front() != '#') {
-            continue; // no header in any code page, and most lines are none: not worth a conversion
-        }
-        Widen(bytes, line);
-        if (!found) {
-            found = OCore::EqualsIgnoreCase(CutLineEnd(line), header.Wide());
-        } else if (line[0] == L'#') {
-            break;
-        } else {
+    if (PassHeader(header.Wide(), end)) {
+        wchar_t line[kLineCharacters];
+        while (m_position != end) {
+            Widen(TakeLine(end), line);
+            if (line[0] == L'#') {
+                break;
+            }
             body += line;
         }
     }
@@ -73,10 +109,19 @@ OString TextResource::FindSection(const char* begin, const char* end, const OStr
     return OString(body.c_str()).TrimRight(L" \t\r\n");
 }
 
+bool TextResource::PassHeader(const wchar_t* header, const char* end) {
+    while ((m_position = FindHash(m_position, end)) != end) {
+        if (Equals(TakeLine(end), header)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 std::string_view TextResource::TakeLine(const char* end) {
     const std::size_t limit = std::min(kLineBytes, static_cast<std::size_t>(end - m_position));
-    const auto* const feed = static_cast<const char*>(std::memchr(m_position, '\n', limit));
-    const std::string_view line(m_position, feed ? static_cast<std::size_t>(feed + 1 - m_position) : limit);
+    const char* const feed = FindByte(m_position, m_position + limit, '\n');
+    const std::string_view line(m_position, feed == m_position + limit ? feed : feed + 1);
     m_position += line.size();
     return line;
 }
