@@ -5,6 +5,8 @@ import sys
 from pathlib import Path
 
 PAGE = "tests/README.md"
+# What is no part of what ships: benchmarks measure and are not tested.
+WITHOUT_TESTS = ("bench", "build", "tests")
 # Folders of tests whose files have no source each; the page says what is in them.
 OF_THEIR_OWN = ("commands", "fuzz", "kit", "programs", "shortage", "whole_run")
 
@@ -13,7 +15,7 @@ def problems(root):
     page = (root / PAGE).read_text(encoding="utf-8")
     tests = {path.relative_to(root / "tests") for path in (root / "tests").rglob("*Tests.cpp")}
     sources = {path.relative_to(root) for path in root.rglob("*.cpp")
-               if path.relative_to(root).parts[0] not in ("build", "tests")}
+               if path.relative_to(root).parts[0] not in WITHOUT_TESTS}
     headers = {path.relative_to(root) for path in root.rglob("*.h") if path.relative_to(root).parts[0] != "build"}
     for source in sorted(sources):
         if not any(test.parent == source.parent and test.name.startswith(source.stem) for test in tests) and \

@@ -84,6 +84,9 @@ class Mirror(unittest.TestCase):
         self.assertEqual(self.said(**{"core/Lost.cpp": ""}),
                          ["core/Lost.cpp: tests/core/ has no tests of that name, nor has tests/README.md"])
 
+    def test_benchmarks_need_no_tests(self):
+        self.assertEqual(self.said(**{"bench/micro/Map.cpp": ""}), [])
+
     def test_tests_without_a_source_are_told(self):
         self.assertEqual(self.said(**{"tests/core/GoneTests.cpp": ""}),
                          ["tests/core/GoneTests.cpp: no source in core/ has that name, nor has tests/README.md"])
