@@ -32,6 +32,12 @@ def ratio(values, bare):
     return f"{median(values) / median(bare):.2f}" if median(bare) else "-"
 
 
+def ratios(results):
+    """The ratio to its bare sibling of every benchmark that has one."""
+    walls = {name: median(wall for wall, _ in rows) for name, rows in read_times(results).items()}
+    return {name: wall / walls[name + BARE] for name, wall in walls.items() if walls.get(name + BARE)}
+
+
 def table(results):
     """A row for each benchmark, with its bare sibling where it has one."""
     times = read_times(results)
