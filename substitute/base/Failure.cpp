@@ -6,7 +6,6 @@
 #include <cwchar>
 #include <iterator>
 #include <new>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -74,8 +73,6 @@ Failure CurrentFailure() noexcept {
         } catch (const Failure& failure) {
             return failure;
         } catch (const std::bad_alloc&) {
-            return {E_OUTOFMEMORY, L"out of memory"};
-        } catch (const std::length_error&) { // more than memory could ever hold
             return {E_OUTOFMEMORY, L"out of memory"};
         } catch (...) { // the runtime's own words say nothing to a client
             return {E_FAIL, L"unexpected failure"};

@@ -6,7 +6,6 @@
 #include <limits>
 #include <memory>
 #include <new>
-#include <stdexcept>
 #include <type_traits>
 
 #include "core/OArray.h"
@@ -144,7 +143,7 @@ TEST(OBaseArray, StaysAsItWasWhenMemoryIsShort) {
 TEST(OBaseArray, ThrowsWhenOneMoreElementCannotBeCounted) {
     OpenArray<0> full; // elements without bytes: a full array without the memory for it
     ASSERT_TRUE(full.SetSize(std::numeric_limits<std::int32_t>::max()));
-    EXPECT_THROW(static_cast<void>(full.OpenGap(0)), std::length_error);
+    EXPECT_THROW(static_cast<void>(full.OpenGap(0)), std::bad_array_new_length);
 }
 
 TEST(OTypedArray, FillsNewElementsWithZero) {

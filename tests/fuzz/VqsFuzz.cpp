@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -55,7 +55,7 @@ void Seal(Bytes& bytes) {
     }
 }
 
-/// Reads a file by the table, from the first byte to the last; std::out_of_range where it ends too early.
+/// Reads a file by the table, from the first byte to the last; an exception where it ends too early.
 class Table {
   public:
     explicit Table(const Bytes& bytes) : m_bytes(bytes.begin(), bytes.end() - 4) {}
@@ -150,7 +150,7 @@ std::optional<Settings> Expected(const Bytes& bytes) {
             return std::nullopt;
         }
         return Table(bytes).Read();
-    } catch (const std::out_of_range&) {
+    } catch (const std::exception&) {
         return std::nullopt;
     }
 }

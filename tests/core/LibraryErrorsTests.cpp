@@ -1,0 +1,50 @@
+// Errors of the standard library's own code: of which two kinds they are.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <string>
+#include <string_view>
+#include <typeinfo>
+#include <vector>
+
+namespace {
+
+/// What the work throws: "memory", "other" for one without a text, the name of any other, or "nothing".
+std::string ErrorOf(const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const std::bad_alloc&) {
+        return "memory";
+    } catch (const std::exception& error) {
+        return typeid(error) == typeid(std::exception) ? "other" : typeid(error).name();
+    }
+    return "nothing";
+}
+
+TEST(LibraryErrors, OfWhatIsTooLongAreThoseOfShortMemory) {
+    std::wstring text;
+    EXPECT_EQ(ErrorOf([&] { text.resize(text.max_size() + 1); }), "memory");
+    EXPECT_EQ(ErrorOf([&] { text.append(text.max_size() + 1, L' '); }), "memory");
+    std::vector<int> numbers;
+    EXPECT_EQ(ErrorOf([&] { numbers.reserve(numbers.max_size() + 1); }), "memory");
+    EXPECT_EQ(ErrorOf([] { static_cast<void>(std::allocator<int>().allocate(SIZE_MAX / sizeof(int))); }),
+              "memory");
+    EXPECT_EQ(ErrorOf([] { static_cast<void>(std::allocator<int>().allocate(SIZE_MAX)); }), "memory");
+}
+
+TEST(LibraryErrors, OfMistakesCarryNoText) {
+    EXPECT_EQ(ErrorOf([] { static_cast<void>(std::wstring_view(L"abc").substr(4)); }), "other");
+    EXPECT_EQ(ErrorOf([] { static_cast<void>(std::wstring(L"abc").erase(4)); }), "other");
+    EXPECT_EQ(ErrorOf([] { static_cast<void>(std::vector<int>().at(0)); }), "other");
+    EXPECT_EQ(ErrorOf([] { std::function<void()>()(); }), "other");
+    EXPECT_EQ(ErrorOf([] { std::unique_lock<std::mutex>().lock(); }), "other");
+    const wchar_t* volatile none = nullptr;
+    EXPECT_EQ(ErrorOf([&] { std::wstring text(none); }), "other");
+}
+
+} // namespace
