@@ -9,6 +9,7 @@
 #include "substitute/actions/ActionKind.h"
 #include "substitute/actions/ActionProfile.h"
 #include "substitute/base/Failure.h"
+#include "substitute/base/NumberText.h"
 
 namespace kemba::substitute {
 namespace {
@@ -186,8 +187,8 @@ class Parser {
     }
 
     [[noreturn]] void Refuse(const std::wstring& reason) const {
-        throw Failure{HRESULT_FROM_WIN32(ERROR_INVALID_DATA), L"action profile \"" + m_name + L"\", line " +
-                                                                  std::to_wstring(m_line) + L": " + reason};
+        throw Failure{HRESULT_FROM_WIN32(ERROR_INVALID_DATA),
+                      L"action profile \"" + m_name + L"\", line " + NumberText(m_line) + L": " + reason};
     }
 
     const std::wstring& m_name;

@@ -3,14 +3,13 @@
 
 #include <oleauto.h>
 
-#include <cwchar>
-#include <iterator>
 #include <new>
 #include <string>
 #include <string_view>
 
 #include "automation/Owners.h"
 #include "core/Handles.h"
+#include "substitute/base/NumberText.h"
 
 namespace kemba::substitute {
 namespace {
@@ -51,13 +50,12 @@ void SetDescription(REFIID iid, const std::wstring& description) noexcept {
 } // namespace
 
 Failure WindowsFailure(const std::wstring& what, DWORD error) {
-    return Describe(HRESULT_FROM_WIN32(error), what, error, L"error " + std::to_wstring(error));
+    return Describe(HRESULT_FROM_WIN32(error), what, error, L"error " + NumberText(error));
 }
 
 Failure ComFailure(const std::wstring& what, HRESULT status) {
-    wchar_t code[16] = {};
-    static_cast<void>(std::swprintf(code, std::size(code), L"0x%08lX", static_cast<unsigned long>(status)));
-    return Describe(status, what, static_cast<DWORD>(status), code);
+    const auto code = static_cast<DWORD>(status);
+    return Describe(status, what, code, L"0x" + NumberText(code, 8, kHexadecimalDigits));
 }
 
 void ThrowIfFailed(HRESULT status, const wchar_t* what) {

@@ -3,12 +3,11 @@
 
 #include <windows.h>
 
-#include <cwchar>
-#include <iterator>
 #include <string>
 #include <string_view>
 
 #include "substitute/base/Failure.h"
+#include "substitute/base/NumberText.h"
 
 namespace kemba::substitute {
 namespace {
@@ -90,9 +89,8 @@ std::wstring_view FileNameOf(std::wstring_view path) {
 }
 
 std::wstring TemporaryNameBeside(std::wstring_view path, unsigned number, const wchar_t* ending) {
-    wchar_t name[9] = {};
-    static_cast<void>(std::swprintf(name, std::size(name), L"~ke%04X.", number & 0xFFFF));
-    return std::wstring(FolderOf(path)) + name + ending;
+    return std::wstring(FolderOf(path)) + L"~ke" + NumberText(number & 0xFFFF, 4, kHexadecimalDigits) + L"." +
+           ending;
 }
 
 std::wstring ProgramPath() {

@@ -3,7 +3,6 @@
 
 #include <oleauto.h>
 
-#include <cwchar>
 #include <iterator>
 #include <memory>
 #include <string>
@@ -11,6 +10,7 @@
 
 #include "automation/Owners.h"
 #include "substitute/base/Failure.h"
+#include "substitute/base/NumberText.h"
 #include "substitute/server/ServerClasses.h"
 #include "substitute/server/ServerIdentity.h"
 
@@ -46,6 +46,10 @@ std::wstring Braced(REFGUID id) {
     return text;
 }
 
+std::wstring VersionPart(WORD number) {
+    return NumberText(number, 1, L"0123456789abcdef");
+}
+
 LibraryDescription DescribeLibrary(ITypeLib& library) {
     TLIBATTR* attributes = nullptr;
     ThrowIfFailed(library.GetLibAttr(&attributes), L"reading the type library failed");
@@ -54,11 +58,10 @@ LibraryDescription DescribeLibrary(ITypeLib& library) {
     OwnedBstr name;
     ThrowIfFailed(library.GetDocumentation(MEMBERID_NIL, nullptr, name.Put(), nullptr, nullptr),
                   L"reading the type library failed");
-    wchar_t version[16] = {};
-    static_cast<void>(
-        std::swprintf(version, std::size(version), L"%x.%x", held->wMajorVerNum, held->wMinorVerNum));
+    const std::wstring version = VersionPart(held->wMajorVerNum) + L"." + VersionPart(held->wMinorVerNum);
     const int flags = held->wLibFlags & ~LIBFLAG_FHASDISKIMAGE; // the loader's, not the library's
-    LibraryDescription described{Braced(held->guid), name.Text(), version, std::to_wstring(flags), {}};
+    LibraryDescription described{
+        Braced(held->guid), name.Text(), version, NumberText(static_cast<WORD>(flags)), {}};
     for (UINT index = 0; index < library.GetTypeInfoCount(); ++index) {
         ComPtr<ITypeInfo> information;
         ThrowIfFailed(library.GetTypeInfo(index, information.Put()), L"reading the type library failed");

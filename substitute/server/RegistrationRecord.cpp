@@ -3,12 +3,11 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cwchar>
-#include <iterator>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "substitute/base/NumberText.h"
 #include "substitute/server/RegistryKeys.h"
 
 namespace kemba::substitute {
@@ -59,9 +58,7 @@ KeyPlace RegistrationRecord::RecordPlace() const {
 }
 
 KeyPlace RegistrationRecord::StepPlace(DWORD index) const {
-    wchar_t name[16] = {};
-    static_cast<void>(std::swprintf(name, std::size(name), L"\\%06lu", static_cast<unsigned long>(index)));
-    return {m_root, View::Bits64, std::wstring(kRecord) + name};
+    return {m_root, View::Bits64, std::wstring(kRecord) + L"\\" + NumberText(index, 6)};
 }
 
 bool RegistrationRecord::Exists() const {

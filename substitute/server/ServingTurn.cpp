@@ -4,11 +4,14 @@
 #include <DriverAutomation.h>
 
 #include <chrono>
+#include <cstdint>
+#include <cstdlib>
 #include <iterator>
 #include <string>
 #include <vector>
 
 #include "substitute/base/Failure.h"
+#include "substitute/base/NumberText.h"
 #include "substitute/server/ProcessSecurity.h"
 
 namespace kemba::substitute {
@@ -21,8 +24,9 @@ LUID OwnLogon() {
 std::wstring ServingTurnName(const LUID& logon) {
     wchar_t classId[40] = {};
     StringFromGUID2(__uuidof(DriverAutomation), classId, static_cast<int>(std::size(classId)));
-    return L"Local\\" + std::wstring(classId) + L" " + std::to_wstring(logon.HighPart) + L" " +
-           std::to_wstring(logon.LowPart);
+    return L"Local\\" + std::wstring(classId) + (logon.HighPart < 0 ? L" -" : L" ") +
+           NumberText(static_cast<std::uint64_t>(std::abs(std::int64_t{logon.HighPart}))) + L" " +
+           NumberText(logon.LowPart);
 }
 
 ServingTurn::ServingTurn(const std::wstring& name) : m_mutex(CreateMutexW(nullptr, FALSE, name.c_str())) {

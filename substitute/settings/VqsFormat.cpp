@@ -14,6 +14,7 @@
 #include "core/Crc32.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/Names.h"
+#include "substitute/base/NumberText.h"
 #include "substitute/settings/Settings.h"
 #include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/Spooler.h"
@@ -239,7 +240,7 @@ std::optional<VqsRefusal> ParseVqs(std::span<const BYTE> bytes, Settings& settin
         return refusal(L"it does not begin as one");
     }
     if (version != kFormatVersion) { // what follows is another format's business
-        return refusal(L"its format version is " + std::to_wstring(version), ERROR_REVISION_MISMATCH);
+        return refusal(L"its format version is " + NumberText(version), ERROR_REVISION_MISMATCH);
     }
     if (!header.Get(size) || size != bytes.size() || size < kHeaderSize + kChecksumSize) {
         return refusal(L"it is cut off or has grown");

@@ -7,6 +7,7 @@
 
 #include "substitute/base/DriverFolder.h"
 #include "substitute/base/Failure.h"
+#include "substitute/base/NumberText.h"
 #include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/Printer.h"
 #include "substitute/spooler/PrinterHandle.h"
@@ -43,8 +44,7 @@ class HiddenPrinter {
         record.Attributes = kHiddenPrinter;
         DWORD error = ERROR_PRINTER_ALREADY_EXISTS;
         for (int left = kNameTries; left > 0 && error == ERROR_PRINTER_ALREADY_EXISTS; --left) {
-            m_name =
-                L"kemba defaults " + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++made);
+            m_name = L"kemba defaults " + NumberText(GetCurrentProcessId()) + L"-" + NumberText(++made);
             record.pPrinterName = m_name.data();
             error = m_spooler.Add(record, m_handle);
         }

@@ -1,11 +1,10 @@
 // A driver's version in words.
 #include "substitute/spooler/DriverVersion.h"
 
-#include <cwchar>
-#include <iterator>
 #include <string>
 
 #include "substitute/base/FileVersion.h"
+#include "substitute/base/NumberText.h"
 #include "substitute/spooler/Printer.h"
 
 namespace kemba::substitute {
@@ -16,11 +15,7 @@ std::wstring DateText(const FILETIME& date) {
     if ((date.dwLowDateTime == 0 && date.dwHighDateTime == 0) || !FileTimeToSystemTime(&date, &day)) {
         return {};
     }
-    wchar_t text[16] = {};
-    static_cast<void>(std::swprintf(text, std::size(text), L"%04u-%02u-%02u",
-                                    static_cast<unsigned>(day.wYear), static_cast<unsigned>(day.wMonth),
-                                    static_cast<unsigned>(day.wDay)));
-    return text;
+    return NumberText(day.wYear, 4) + L"-" + NumberText(day.wMonth, 2) + L"-" + NumberText(day.wDay, 2);
 }
 
 } // namespace
@@ -32,7 +27,7 @@ std::wstring DriverVersionText(const DriverDescription& driver) {
     }
     std::wstring text;
     for (const int shift : {48, 32, 16, 0}) {
-        text.append(text.empty() ? L"" : L".").append(std::to_wstring(version >> shift & 0xFFFF));
+        text.append(text.empty() ? L"" : L".").append(NumberText(version >> shift & 0xFFFF));
     }
     return text;
 }

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "substitute/base/Failure.h"
+#include "substitute/base/NumberText.h"
 #include "substitute/spooler/Printer.h"
 #include "substitute/spooler/PrinterHandle.h"
 
@@ -68,7 +69,7 @@ void PrintJob::Check(DWORD error, const wchar_t* what) {
     Failure failure = WindowsFailure(std::wstring(what) + L" failed", error);
     if (left != ERROR_SUCCESS) {
         failure.reason +=
-            L"; " + WindowsFailure(L"job " + std::to_wstring(job) + L" could not be deleted", left).reason;
+            L"; " + WindowsFailure(L"job " + NumberText(job) + L" could not be deleted", left).reason;
     }
     throw failure;
 }

@@ -3,9 +3,9 @@
 
 #include <winspool.h>
 
-#include <cwchar>
-#include <iterator>
 #include <string>
+
+#include "substitute/base/NumberText.h"
 
 namespace kemba::substitute {
 namespace {
@@ -65,16 +65,13 @@ std::wstring StatusText(DWORD status, DWORD attributes, DWORD jobs) {
         }
     }
     if (unknown != 0) {
-        wchar_t item[32] = {};
-        static_cast<void>(std::swprintf(item, std::size(item), L"Unknown status 0x%lX",
-                                        static_cast<unsigned long>(unknown)));
-        AppendItem(text, item);
+        AppendItem(text, L"Unknown status 0x" + NumberText(unknown, 1, kHexadecimalDigits));
     }
     if (text.empty()) {
         text = L"Ready";
     }
     if (jobs != 0) {
-        AppendItem(text, std::to_wstring(jobs) + (jobs == 1 ? L" job" : L" jobs"));
+        AppendItem(text, NumberText(jobs) + (jobs == 1 ? L" job" : L" jobs"));
     }
     return text;
 }
