@@ -127,14 +127,6 @@ std::basic_string<Unit> Replaced(std::basic_string_view<Unit> text, std::basic_s
 
 } // namespace
 
-bool OCore::EqualsIgnoreCase(const wchar_t* left, const wchar_t* right) {
-    while (*left != 0 && FoldCase(*left) == FoldCase(*right)) {
-        ++left;
-        ++right;
-    }
-    return *left == *right;
-}
-
 template<class Unit>
 std::basic_string_view<Unit> OString::Units() const {
     if constexpr (std::is_same_v<Unit, char>) {

@@ -22,7 +22,13 @@ constexpr wchar_t FoldCase(wchar_t unit) {
 }
 
 /// Compares two zero-terminated texts as whole words with their cases folded.
-bool EqualsIgnoreCase(const wchar_t* left, const wchar_t* right);
+constexpr bool EqualsIgnoreCase(const wchar_t* left, const wchar_t* right) {
+    while (*left != 0 && FoldCase(*left) == FoldCase(*right)) {
+        ++left;
+        ++right;
+    }
+    return *left == *right;
+}
 
 } // namespace OCore
 
