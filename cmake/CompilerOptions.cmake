@@ -11,9 +11,11 @@ target_compile_definitions(kemba_options INTERFACE
 target_compile_options(kemba_options INTERFACE
     -Wall -Wextra -Werror -Wpedantic -Wshadow -Wconversion
     $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion> # for C++, GCC's -Wconversion goes without
-    # Paths of the building machine, and what nobody calls, stay out of what ships.
-    $<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffunction-sections -fdata-sections
-        -fstack-protector-strong>
+    # Paths of the building machine, and data that nobody uses, stay out of what ships. Sections for functions would
+    # only make it larger, for the linker keeps what has unwind tables; so would what ipa-sra makes of a template,
+    # other functions in each file, which the linker cannot merge.
+    $<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -fdata-sections
+        -fstack-protector-strong $<$<CXX_COMPILER_ID:GNU>:-fno-ipa-sra>>
     $<$<CONFIG:Debug>:-D_GLIBCXX_ASSERTIONS -fsanitize=undefined -fsanitize-undefined-trap-on-error>)
 target_link_options(kemba_options INTERFACE
     -Wl,--no-insert-timestamp
