@@ -4,14 +4,24 @@
 #include <fcntl.h>
 #include <io.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 
 #include "core/OStream.h"
 #include "core/OString.h"
 
+namespace {
+
+constexpr std::size_t kRuntimeBufferSize = 4096; // bytes; as it has them for files
+
+} // namespace
+
 ConsoleOutput::ConsoleOutput(const bool& quiet) : m_quiet(&quiet) {
     SetBufferSize(0);
+    // The runtime library gives a console no buffer and writes to it byte by byte. With one, each text is
+    // written at once, for every text is flushed.
+    static_cast<void>(std::setvbuf(stdout, nullptr, _IOFBF, kRuntimeBufferSize));
 }
 
 std::uint32_t ConsoleOutput::WriteRaw(const void* bytes, std::uint32_t count) {

@@ -1,4 +1,5 @@
 // The console writer: exact bytes, substitution, quiet mode, whatever the mode of the runtime's stream.
+#include <windows.h>
 #include <fcntl.h>
 #include <io.h>
 
@@ -7,10 +8,12 @@
 #include <cstdio>
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "core/OStream.h"
 #include "core/OString.h"
 #include "messages/ConsoleOutput.h"
+#include "tests/kit/ImportPatch.h"
 #include "tests/kit/StdoutCapture.h"
 
 using namespace kit;
@@ -141,6 +144,53 @@ TEST(ConsoleOutput, LongTextsArriveWhole) {
     const std::wstring text(30'000, L'x');
     EXPECT_EQ(Printed([&](ConsoleOutput& console) { console.PrintText(text.c_str()); }),
               std::string(30'000, 'x') + "\r\n");
+}
+
+/// Counts the runtime library's writes; undone in the end.
+class CountedWrites {
+  public:
+    CountedWrites() {
+        s_write = reinterpret_cast<Call>(PatchImport(m_runtime, "WriteFile", Address(&Count)));
+    }
+    CountedWrites(const CountedWrites&) = delete;
+    CountedWrites& operator=(const CountedWrites&) = delete;
+    ~CountedWrites() { PatchImport(m_runtime, "WriteFile", Address(s_write)); }
+
+    int Finish() { return std::exchange(s_writes, 0); }
+
+  private:
+    using Call = decltype(&::WriteFile);
+
+    static void* Address(Call call) { return reinterpret_cast<void*>(call); }
+    static BOOL WINAPI Count(HANDLE file, const void* bytes, DWORD size, DWORD* written,
+                             OVERLAPPED* overlapped) {
+        ++s_writes;
+        return s_write(file, bytes, size, written, overlapped);
+    }
+
+    static inline Call s_write = nullptr;
+    static inline int s_writes = 0;
+    const HMODULE m_runtime = GetModuleHandleW(L"msvcrt.dll");
+};
+
+TEST(ConsoleOutput, ADeviceGetsEachTextInOneWriteToo) {
+    ASSERT_EQ(std::setvbuf(stdout, nullptr, _IONBF, 0), 0);
+    const bool quiet = false;
+    ConsoleOutput console(quiet);
+    EXPECT_EQ(stdout->_flag & _IONBF, 0) << "the runtime library would give a device no buffer by itself";
+    const int former = _dup(_fileno(stdout));
+    const int device = _open("NUL", _O_WRONLY);
+    ASSERT_EQ(_dup2(device, _fileno(stdout)), 0);
+    int writes = 0;
+    {
+        CountedWrites counted;
+        console.PrintText(L"Dock 1: by the door");
+        writes = counted.Finish();
+    }
+    _dup2(former, _fileno(stdout));
+    _close(former);
+    _close(device);
+    EXPECT_EQ(writes, 2) << "the text, and its line end";
 }
 
 } // namespace
