@@ -19,7 +19,7 @@ decltype(&::GetDefaultPrinterW) FindGetDefaultPrinter() {
 }
 
 SystemCalls& TheSystemCalls() {
-    static constinit SystemCalls calls;
+    static SystemCalls calls;
     return calls;
 }
 

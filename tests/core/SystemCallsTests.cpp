@@ -6,8 +6,8 @@
 
 namespace {
 
-/// Without a first use: the seam stands before the program begins.
-constinit const OCore::SystemCalls kPlatformsOwn = {
+/// As the seam has them: a compiler may take the address of an import or of the jump to it.
+const OCore::SystemCalls kPlatformsOwn = {
     .getTickCount64 = &::GetTickCount64,
     .getVersionEx = &::GetVersionExW,
     .getSystemMetrics = &::GetSystemMetrics,
