@@ -5,9 +5,12 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "core/SystemCalls.h"
@@ -37,8 +40,14 @@ bool IsMultiByte(std::uint32_t codePage) {
     }
 }
 
-std::size_t NarrowBytes(const Body& body) {
-    return body.capacity * (body.codePage == OCore::kCodePageUtf8 ? 4 : 2);
+/// How many units a form's buffer has.
+template<class Unit>
+std::size_t UnitsOf(std::uint64_t capacity, std::uint32_t codePage) {
+    if constexpr (std::is_same_v<Unit, char>) {
+        return capacity * (codePage == OCore::kCodePageUtf8 ? 4 : 2);
+    } else {
+        return capacity;
+    }
 }
 
 /// A form counts as present when its buffer exists and its first unit is not zero.
@@ -52,38 +61,53 @@ void CopyBounded(std::basic_string_view<Unit> text, Unit* buffer, std::size_t si
     buffer[text.copy(buffer, size - 1)] = 0;
 }
 
-void MakeWide(Body& body) {
-    const std::size_t size = body.capacity;
-    auto wide = std::make_unique<wchar_t[]>(size);
-    const std::string_view text = body.narrow.get();
-    if (body.codePage == OCore::kCodePageBytes) {
-        std::transform(text.begin(), text.end(), wide.get(),
-                       [](char byte) { return static_cast<unsigned char>(byte); });
-    } else if (body.codePage == OCore::kCodePageUtf8) {
-        CopyBounded<wchar_t>(OCore::DecodeUtf8(text), wide.get(), size);
-    } else {
-        MultiByteToWideChar(EffectiveCodePage(body.codePage), 0, body.narrow.get(), -1, wide.get(),
-                            static_cast<int>(size));
-        wide[size - 1] = 0; // a conversion that ran out of room leaves no terminator
-    }
-    body.wide = std::move(wide);
+std::size_t System(UINT codePage, const char* text, wchar_t* to, std::size_t units) {
+    return static_cast<std::size_t>(MultiByteToWideChar(codePage, 0, text, -1, to, static_cast<int>(units)));
 }
 
-void MakeNarrow(Body& body) {
-    const std::size_t size = NarrowBytes(body);
-    auto narrow = std::make_unique<char[]>(size);
-    const std::wstring_view text = body.wide.get();
-    if (body.codePage == OCore::kCodePageBytes) {
-        std::transform(text.begin(), text.end(), narrow.get(),
-                       [](wchar_t unit) { return static_cast<char>(unit); });
-    } else if (body.codePage == OCore::kCodePageUtf8) {
-        CopyBounded<char>(OCore::EncodeUtf8(text), narrow.get(), size);
+std::size_t System(UINT codePage, const wchar_t* text, char* to, std::size_t units) {
+    return static_cast<std::size_t>(
+        WideCharToMultiByte(codePage, 0, text, -1, to, static_cast<int>(units), nullptr, nullptr));
+}
+
+std::size_t Utf8(const char* text, std::span<wchar_t> to) {
+    return OCore::DecodeUtf8(text, to);
+}
+
+std::size_t Utf8(const wchar_t* text, std::span<char> to) {
+    return OCore::EncodeUtf8(text, to);
+}
+
+/// Converts a text, whichever way, into a buffer that may hold anything; what does not fit is cut.
+template<class From, class To>
+void Convert(const From* text, std::uint32_t codePage, To* to, std::size_t units) {
+    if (codePage == OCore::kCodePageBytes) {
+        std::size_t made = 0;
+        for (; text[made] != 0 && made < units - 1; ++made) {
+            to[made] = static_cast<To>(static_cast<std::make_unsigned_t<From>>(text[made]));
+        }
+        to[made] = 0;
+    } else if (codePage == OCore::kCodePageUtf8) {
+        to[Utf8(text, {to, units - 1})] = 0;
     } else {
-        WideCharToMultiByte(EffectiveCodePage(body.codePage), 0, body.wide.get(), -1, narrow.get(),
-                            static_cast<int>(size), nullptr, nullptr);
-        narrow[size - 1] = 0;
+        const UINT effective = EffectiveCodePage(codePage);
+        std::size_t made = System(effective, text, to, units);
+        if (made == 0) { // it failed or ran out of room: what it writes stays, zeroes follow
+            std::fill_n(to, units, To{});
+            System(effective, text, to, units);
+            made = units;
+        }
+        to[std::min(made, units - 1)] = 0; // a sequence that is cut may swallow the terminator
     }
-    body.narrow = std::move(narrow);
+}
+
+/// Makes the form that is missing. The buffer has the size that the capacity says, the text is what fits.
+template<class From, class To>
+void Make(Body& body, const std::unique_ptr<From[]>& from, std::unique_ptr<To[]>& to) {
+    const std::size_t units = UnitsOf<To>(body.capacity, body.codePage);
+    auto made = std::make_unique_for_overwrite<To[]>(units);
+    Convert(from.get(), body.codePage, made.get(), units);
+    to = std::move(made);
 }
 
 void ReleaseBody(Body* body) {
@@ -195,7 +219,7 @@ const char* OString::Narrow() const {
         return "";
     }
     if (!m_body->narrow) {
-        MakeNarrow(*m_body);
+        Make(*m_body, m_body->wide, m_body->narrow);
     }
     return m_body->narrow.get();
 }
@@ -205,7 +229,7 @@ const wchar_t* OString::Wide() const {
         return L"";
     }
     if (!m_body->wide) {
-        MakeWide(*m_body);
+        Make(*m_body, m_body->narrow, m_body->wide);
     }
     return m_body->wide.get();
 }
@@ -256,10 +280,10 @@ OString& OString::Assign(std::basic_string_view<Unit> text) {
     Prepare(text.size());
     if constexpr (std::is_same_v<Unit, char>) {
         if (!m_body->narrow) {
-            m_body->narrow = std::make_unique<char[]>(NarrowBytes(*m_body));
+            m_body->narrow = std::make_unique<char[]>(UnitsOf<char>(m_body->capacity, m_body->codePage));
         }
         m_body->wide.reset();
-        CopyBounded(text, m_body->narrow.get(), NarrowBytes(*m_body));
+        CopyBounded(text, m_body->narrow.get(), UnitsOf<char>(m_body->capacity, m_body->codePage));
     } else {
         if (!m_body->wide) {
             m_body->wide = std::make_unique<wchar_t[]>(m_body->capacity);
@@ -312,11 +336,14 @@ std::ptrdiff_t OString::Find(wchar_t character, std::size_t from) const {
     if (WorksOnWide()) {
         return Index(Units<wchar_t>().find(character, from));
     }
-    const OString converted = OString(character).InCodePage(GetCodePage());
-    const std::string_view byte = converted.Narrow();
+    const wchar_t text[] = {character, 0};
+    char byte[8];
+    wchar_t back[8];
+    Convert(text, GetCodePage(), byte, std::size(byte));
+    Convert(byte, GetCodePage(), back, std::size(back));
     // What the code page cannot hold was converted to something else, which is not to be found in its place.
-    const bool held = byte.size() == 1 && OString(converted.Narrow(), GetCodePage()).Wide()[0] == character;
-    return held ? Index(Units<char>().find(byte, from)) : kNotFound;
+    const bool held = byte[0] != 0 && byte[1] == 0 && back[0] == character;
+    return held ? Index(Units<char>().find(byte[0], from)) : kNotFound;
 }
 
 std::ptrdiff_t OString::FindLastOf(const OString& set) const {

@@ -144,6 +144,16 @@ TEST(OStringConversion, OfAnUnknownCodePageGivesNothing) {
     EXPECT_STREQ(OString(L"abc").InCodePage(12345).Narrow(), "");
 }
 
+TEST(OStringConversion, OfASequenceThatIsCutEndsThoughItSwallowsTheTerminator) {
+    const std::string bytes = std::string(20, 'a') + "\xE0";
+    wchar_t expected[32] = {};
+    ASSERT_GT(MultiByteToWideChar(CP_UTF8, 0, bytes.c_str(), -1, expected, 32), 0);
+    const OString text(bytes.c_str(), CP_UTF8);
+    // Let go, a block of the size that the text asks for next holds something.
+    EXPECT_EQ(std::wstring(31, L'x').size(), 31U);
+    EXPECT_STREQ(text.Wide(), expected);
+}
+
 TEST(OStringConversion, FromUtf8IsBoundedByTheCapacity) {
     // The last byte is read as a lead of four: two units, of which one has room.
     const std::string bytes = std::string(30, 'a') + "\xF0";

@@ -1,10 +1,9 @@
 // The UTF-8 converter.
 #include <string>
-#include <string_view>
 
-#include "core/Utf8.h"
 #include "tests/fuzz/Fuzz.h"
 #include "tests/fuzz/Utf8Model.h"
+#include "tests/kit/Narrow.h"
 
 using namespace kit;
 
@@ -12,15 +11,15 @@ namespace {
 
 FUZZ_TARGET(Utf8, 8000) {
     const std::string bytes = input.OnceIn(2) ? input.Bytes(200) : input.Text(200);
-    input.Say([&] { return "OCore::DecodeUtf8(" + Literal(bytes) + ");"; });
-    const std::wstring decoded = OCore::DecodeUtf8(std::string_view(bytes));
+    input.Say([&] { return "Wide(" + Literal(bytes) + ");"; });
+    const std::wstring decoded = Wide(bytes);
     EXPECT_EQ(std::u16string(decoded.begin(), decoded.end()), DecodedByModel(bytes));
 
     const std::wstring units = input.WideText(200);
-    input.Say([&] { return "OCore::EncodeUtf8(" + Literal(units) + ");"; });
-    const std::string encoded = OCore::EncodeUtf8(units);
+    input.Say([&] { return "Narrow(" + Literal(units) + ");"; });
+    const std::string encoded = Narrow(units);
     EXPECT_EQ(encoded, EncodedByModel(std::u16string(units.begin(), units.end())));
-    EXPECT_EQ(OCore::DecodeUtf8(encoded), units);
+    EXPECT_EQ(Wide(encoded), units);
 }
 
 } // namespace

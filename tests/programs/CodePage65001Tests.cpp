@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "core/Utf8.h"
 #include "demo/WinePrinters.h"
+#include "tests/kit/Narrow.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/Printed.h"
 #include "tests/kit/ProcessRun.h"
@@ -20,17 +20,13 @@ using namespace kit;
 
 namespace {
 
-std::string Utf8(const std::wstring& text) {
-    return OCore::EncodeUtf8(text);
-}
-
 /// What is printed of a line without surrogates: the whole characters that fit into twice the room of the
 /// wide form, of which the terminator has the last byte.
 std::string Printed(const std::wstring& line) {
     const std::size_t room = 2 * ((line.size() + 32) / 32 * 32);
     std::string bytes;
     for (const wchar_t character : line) {
-        const std::string next = Utf8({character});
+        const std::string next = Narrow(std::wstring(1, character));
         if (bytes.size() + next.size() > room) {
             break;
         }
@@ -68,34 +64,34 @@ TEST(CodePage65001Programs, PrintShortLinesWhole) {
     for (const std::wstring& topic :
          {std::wstring(L"\x00FCber"), std::wstring(L"\x20AC 50"), std::wstring(10, L'\x3042'),
           std::wstring(31, L'\x3042'), std::wstring(32, L'\x3042'), std::wstring(34, L'\x3042')}) {
-        EXPECT_EQ(HelpFor(topic), Utf8(NoHelp(topic)) + "\r\n");
+        EXPECT_EQ(HelpFor(topic), Narrow(NoHelp(topic)) + "\r\n");
     }
 }
 
 TEST(CodePage65001Programs, PrintLinesOfAnyLengthWholeThatTakeTwoBytesACharacter) {
     for (const std::size_t length : {1, 33, 60, 500, 10'000}) {
         const std::wstring topic(length, L'\x00E9');
-        EXPECT_EQ(HelpFor(topic), Utf8(NoHelp(topic)) + "\r\n");
+        EXPECT_EQ(HelpFor(topic), Narrow(NoHelp(topic)) + "\r\n");
     }
     std::wstring pairs;
     for (int count = 0; count < 500; ++count) {
         pairs += L"\xD83D\xDDA8"; // four bytes for two units
     }
-    EXPECT_EQ(HelpFor(pairs), Utf8(NoHelp(pairs)) + "\r\n");
+    EXPECT_EQ(HelpFor(pairs), Narrow(NoHelp(pairs)) + "\r\n");
 }
 
 TEST(CodePage65001Programs, CutLongLinesOfThreeByteCharacters) {
     // 63 characters have room for 64 and so for 128 bytes; they take 129 and a terminator.
     EXPECT_EQ(HelpFor(std::wstring(33, L'\x3042')),
-              Utf8(L"No help exists for '" + std::wstring(33, L'\x3042') + L"' comman") + "\r\n");
+              Narrow(L"No help exists for '" + std::wstring(33, L'\x3042') + L"' comman") + "\r\n");
     // Of 200 there is room for 164, which leave none for the terminator: it takes the last one's third byte.
     EXPECT_EQ(HelpFor(std::wstring(200, L'\x3042')),
-              Utf8(L"No help exists for '" + std::wstring(163, L'\x3042')) + "\xE3\x81\r\n");
+              Narrow(L"No help exists for '" + std::wstring(163, L'\x3042')) + "\xE3\x81\r\n");
     for (const std::size_t length : {60, 61, 62, 65, 1000}) {
         const std::wstring topic(length, L'\x3042');
         const std::string output = HelpFor(topic);
         EXPECT_EQ(output, Printed(NoHelp(topic)) + "\r\n");
-        EXPECT_LT(output.size(), Utf8(NoHelp(topic)).size());
+        EXPECT_LT(output.size(), Narrow(NoHelp(topic)).size());
     }
 }
 
