@@ -1,7 +1,9 @@
-// What the standard library's own code throws, replaced: its classes for that carry texts, which nobody
-// reads, and with the texts come two string types as a whole, a random generator and the system's words for
-// errors. The calls are put in the place of the library's own by the linker (--wrap), as core/CMakeLists.txt
-// asks it to.
+// What the standard library's own code throws, replaced: its classes for that carry copies of texts, which
+// nobody reads, and with the copies come two string types as a whole, a random generator and the system's
+// words for errors. The calls are put in the place of the library's own by the linker (--wrap), as
+// core/CMakeLists.txt asks it to.
+#include "core/LibraryErrors.h"
+
 #include <exception>
 #include <new>
 
@@ -16,9 +18,8 @@ extern "C" {
     throw std::bad_array_new_length();
 }
 
-// More than memory could ever hold is out of memory, too.
-[[noreturn]] void __wrap__ZSt20__throw_length_errorPKc(const char* /*what*/) {
-    throw std::bad_array_new_length();
+[[noreturn]] void __wrap__ZSt20__throw_length_errorPKc(const char* what) {
+    throw OCore::LengthError(what);
 }
 
 [[noreturn]] void __wrap__ZSt19__throw_logic_errorPKc(const char* /*what*/) {

@@ -12,6 +12,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "core/LibraryErrors.h"
 #include "core/OString.h"
 
 namespace OCore {
@@ -52,7 +53,7 @@ class OBaseArray {
     void* At(std::int32_t index) const { return m_data + static_cast<std::size_t>(index) * ElementSize; }
 
     /// Grows by one and opens a zero-filled gap at `index`, from 0 to the size. False when memory is short;
-    /// throws std::bad_array_new_length when no further element can be counted.
+    /// throws LengthError when no further element can be counted.
     [[nodiscard]] bool OpenGap(std::int32_t index);
     /// Closes the gap of one element at `index`, whose contents are dropped as bytes.
     void CloseGap(std::int32_t index);
@@ -195,7 +196,7 @@ template<std::size_t ElementSize>
 bool OBaseArray<ElementSize>::OpenGap(std::int32_t index) {
     const std::int32_t size = m_size;
     if (size == std::numeric_limits<std::int32_t>::max()) {
-        throw std::bad_array_new_length();
+        throw OCore::LengthError("array too long");
     }
     if (!SetSize(size + 1)) {
         return false;

@@ -12,12 +12,17 @@
 #include <typeinfo>
 #include <vector>
 
+#include "core/LibraryErrors.h"
+
 namespace {
 
-/// What the work throws: "memory", "other" for one without a text, the name of any other, or "nothing".
+/// What the work throws: its words for a length error, "memory", "other" for one without a text, the name of
+/// any other, or "nothing".
 std::string ErrorOf(const std::function<void()>& work) {
     try {
         work();
+    } catch (const OCore::LengthError& error) {
+        return error.what();
     } catch (const std::bad_alloc&) {
         return "memory";
     } catch (const std::exception& error) {
@@ -26,12 +31,12 @@ std::string ErrorOf(const std::function<void()>& work) {
     return "nothing";
 }
 
-TEST(LibraryErrors, OfWhatIsTooLongAreThoseOfShortMemory) {
+TEST(LibraryErrors, OfWhatIsTooLongAreLengthErrorsWithTheirWordsAndCountAsShortMemory) {
     std::wstring text;
-    EXPECT_EQ(ErrorOf([&] { text.resize(text.max_size() + 1); }), "memory");
-    EXPECT_EQ(ErrorOf([&] { text.append(text.max_size() + 1, L' '); }), "memory");
+    EXPECT_EQ(ErrorOf([&] { text.append(text.max_size() + 1, L' '); }), "basic_string::_M_replace_aux");
     std::vector<int> numbers;
-    EXPECT_EQ(ErrorOf([&] { numbers.reserve(numbers.max_size() + 1); }), "memory");
+    EXPECT_EQ(ErrorOf([&] { numbers.reserve(numbers.max_size() + 1); }), "vector::reserve");
+    EXPECT_THROW(numbers.reserve(numbers.max_size() + 1), std::bad_alloc);
     EXPECT_EQ(ErrorOf([] { static_cast<void>(std::allocator<int>().allocate(SIZE_MAX / sizeof(int))); }),
               "memory");
     EXPECT_EQ(ErrorOf([] { static_cast<void>(std::allocator<int>().allocate(SIZE_MAX)); }), "memory");

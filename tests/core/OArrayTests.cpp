@@ -8,6 +8,7 @@
 #include <new>
 #include <type_traits>
 
+#include "core/LibraryErrors.h"
 #include "core/OArray.h"
 #include "core/OString.h"
 
@@ -143,7 +144,7 @@ TEST(OBaseArray, StaysAsItWasWhenMemoryIsShort) {
 TEST(OBaseArray, ThrowsWhenOneMoreElementCannotBeCounted) {
     OpenArray<0> full; // elements without bytes: a full array without the memory for it
     ASSERT_TRUE(full.SetSize(std::numeric_limits<std::int32_t>::max()));
-    EXPECT_THROW(static_cast<void>(full.OpenGap(0)), std::bad_array_new_length);
+    EXPECT_THROW(static_cast<void>(full.OpenGap(0)), OCore::LengthError);
 }
 
 TEST(OTypedArray, FillsNewElementsWithZero) {

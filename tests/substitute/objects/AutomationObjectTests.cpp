@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "automation/Owners.h"
+#include "core/LibraryErrors.h"
 #include "substitute/base/Failure.h"
 #include "substitute/objects/DriverActionsObject.h"
 #include "substitute/objects/VersionInformationObject.h"
@@ -142,7 +143,7 @@ TEST_F(AutomationObject, ForeignExceptionsBecomeStatuses) {
     };
     EXPECT_EQ(report(std::bad_alloc()), E_OUTOFMEMORY);
     EXPECT_EQ(TakeErrorTexts().description, L"SendFile on printer \"Label A\": out of memory");
-    EXPECT_EQ(report(std::bad_array_new_length()), E_OUTOFMEMORY);
+    EXPECT_EQ(report(OCore::LengthError("basic_string::_M_replace_aux")), E_OUTOFMEMORY);
     EXPECT_EQ(TakeErrorTexts().description, L"SendFile on printer \"Label A\": out of memory");
     EXPECT_EQ(report(std::runtime_error("broken")), E_FAIL); // the runtime's words are for nobody outside
     EXPECT_EQ(TakeErrorTexts().description, L"SendFile on printer \"Label A\": unexpected failure");
