@@ -8,7 +8,6 @@
 #include <iterator>
 #include <memory>
 #include <span>
-#include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -40,6 +39,11 @@ bool IsMultiByte(std::uint32_t codePage) {
     }
 }
 
+/// The smallest capacity that has room for a text and its terminator.
+std::uint64_t CapacityFor(std::size_t length) {
+    return (length + kCapacityStep) / kCapacityStep * kCapacityStep;
+}
+
 /// How many units a form's buffer has.
 template<class Unit>
 std::size_t UnitsOf(std::uint64_t capacity, std::uint32_t codePage) {
@@ -57,8 +61,12 @@ bool IsPresent(const std::unique_ptr<Unit[]>& form) {
 }
 
 template<class Unit>
-void CopyBounded(std::basic_string_view<Unit> text, Unit* buffer, std::size_t size) {
-    buffer[text.copy(buffer, size - 1)] = 0;
+std::unique_ptr<Unit[]>& FormOf(Body& body) {
+    if constexpr (std::is_same_v<Unit, char>) {
+        return body.narrow;
+    } else {
+        return body.wide;
+    }
 }
 
 std::size_t System(UINT codePage, const char* text, wchar_t* to, std::size_t units) {
@@ -126,27 +134,10 @@ Unit LastOf(std::basic_string_view<Unit> units) {
     return units.empty() ? Unit{} : units.back();
 }
 
+/// Copies units to a place; returns the place after them.
 template<class Unit>
-std::basic_string<Unit> Joined(std::basic_string_view<Unit> first, std::basic_string_view<Unit> second,
-                               std::basic_string_view<Unit> third = {}) {
-    std::basic_string<Unit> text;
-    text.reserve(first.size() + second.size() + third.size());
-    return text.append(first).append(second).append(third);
-}
-
-template<class Unit>
-std::basic_string<Unit> Replaced(std::basic_string_view<Unit> text, std::basic_string_view<Unit> what,
-                                 std::basic_string_view<Unit> with) {
-    if (what.empty()) { // in this form: it begins with zero
-        return std::basic_string<Unit>(text);
-    }
-    std::basic_string<Unit> result;
-    std::size_t done = 0;
-    for (auto found = text.find(what); found != text.npos; found = text.find(what, done)) {
-        result.append(text.substr(done, found - done)).append(with);
-        done = found + what.size();
-    }
-    return result.append(text.substr(done));
+Unit* Put(std::basic_string_view<Unit> units, Unit* to) {
+    return to + units.copy(to, units.size());
 }
 
 } // namespace
@@ -262,36 +253,34 @@ bool OString::WorksOnWideWith(const OString& other) const {
            EffectiveCodePage(GetCodePage()) != EffectiveCodePage(other.GetCodePage());
 }
 
-void OString::Prepare(std::size_t length) {
-    if (!m_body || m_body->references.load() != 1) {
-        auto* const own = new Body;
-        own->codePage = GetCodePage();
-        ReleaseBody(std::exchange(m_body, own));
+template<class Unit>
+bool OString::HoldsAlone(std::size_t length) const {
+    return m_body && m_body->references.load() == 1 && m_body->capacity > length && FormOf<Unit>(*m_body) &&
+           !(m_body->narrow && m_body->wide);
+}
+
+template<class Unit, class Write>
+OString& OString::Rewrite(std::size_t length, Write write) {
+    const bool own = m_body && m_body->references.load() == 1;
+    const std::uint64_t capacity = std::max(CapacityFor(length), own ? m_body->capacity : 0);
+    auto form = std::make_unique_for_overwrite<Unit[]>(UnitsOf<Unit>(capacity, GetCodePage()));
+    write(form.get());
+    form[length] = 0;
+    if (!own) {
+        auto* const body = new Body;
+        body->codePage = GetCodePage();
+        ReleaseBody(std::exchange(m_body, body));
     }
-    if (length + 1 > m_body->capacity) {
-        m_body->capacity = (length + kCapacityStep) / kCapacityStep * kCapacityStep;
-        m_body->narrow.reset();
-        m_body->wide.reset();
-    }
+    m_body->capacity = capacity;
+    m_body->narrow.reset();
+    m_body->wide.reset();
+    FormOf<Unit>(*m_body) = std::move(form);
+    return *this;
 }
 
 template<class Unit>
 OString& OString::Assign(std::basic_string_view<Unit> text) {
-    Prepare(text.size());
-    if constexpr (std::is_same_v<Unit, char>) {
-        if (!m_body->narrow) {
-            m_body->narrow = std::make_unique<char[]>(UnitsOf<char>(m_body->capacity, m_body->codePage));
-        }
-        m_body->wide.reset();
-        CopyBounded(text, m_body->narrow.get(), UnitsOf<char>(m_body->capacity, m_body->codePage));
-    } else {
-        if (!m_body->wide) {
-            m_body->wide = std::make_unique<wchar_t[]>(m_body->capacity);
-        }
-        m_body->narrow.reset();
-        CopyBounded(text, m_body->wide.get(), m_body->capacity);
-    }
-    return *this;
+    return Rewrite<Unit>(text.size(), [text](Unit* to) { Put(text, to); });
 }
 
 OString& OString::Append(const OString& text) {
@@ -309,8 +298,7 @@ OString OString::operator+(const OString& text) const {
 template<class Unit>
 OString OString::Part(std::size_t position, std::size_t count) const {
     const auto units = Units<Unit>();
-    const std::basic_string<Unit> part(units.substr(std::min(position, units.size()), count));
-    return OString(*this).Assign<Unit>(part);
+    return OString(*this).Assign<Unit>(units.substr(std::min(position, units.size()), count));
 }
 
 OString OString::Left(std::size_t length) const {
@@ -351,14 +339,35 @@ std::ptrdiff_t OString::FindLastOf(const OString& set) const {
                                 : Index(Units<char>().find_last_of(set.Units<char>()));
 }
 
+template<class Unit>
+OString& OString::Replace(std::basic_string_view<Unit> what, std::basic_string_view<Unit> with) {
+    std::basic_string_view<Unit> text = Units<Unit>();
+    std::size_t count = 0;
+    if (!what.empty()) { // it is, in this form, if it begins with zero
+        for (auto at = text.find(what); at != text.npos; at = text.find(what, at + what.size())) {
+            ++count;
+        }
+    }
+    if (count == 0 && HoldsAlone<Unit>(text.size())) {
+        return *this; // the same would be written
+    }
+    return Rewrite<Unit>(text.size() - count * what.size() + count * with.size(), [&](Unit* to) {
+        for (; count > 0; --count) {
+            const std::size_t at = text.find(what);
+            to = Put(with, Put(text.substr(0, at), to));
+            text.remove_prefix(at + what.size());
+        }
+        Put(text, to);
+    });
+}
+
 OString& OString::ReplaceAll(const OString& what, const OString& with) {
     if (what.IsEmpty()) {
         return *this;
     }
-    if (WorksOnWideWith(what) || WorksOnWideWith(with)) {
-        return Assign<wchar_t>(Replaced(Units<wchar_t>(), what.Units<wchar_t>(), with.Units<wchar_t>()));
-    }
-    return Assign<char>(Replaced(Units<char>(), what.Units<char>(), with.Units<char>()));
+    return WorksOnWideWith(what) || WorksOnWideWith(with)
+               ? Replace<wchar_t>(what.Units<wchar_t>(), with.Units<wchar_t>())
+               : Replace<char>(what.Units<char>(), with.Units<char>());
 }
 
 OString& OString::TrimRight(const OString& set) {
@@ -373,6 +382,14 @@ OString& OString::Delete(std::size_t position, std::size_t count) {
     return *this = Left(from).Append(From(from + std::min(count, length - from)));
 }
 
+template<class Unit>
+OString& OString::InsertUnits(std::size_t position, std::basic_string_view<Unit> added) {
+    const auto units = Units<Unit>();
+    const std::size_t at = std::min(position, units.size());
+    return Rewrite<Unit>(units.size() + added.size(),
+                         [=](Unit* to) { Put(units.substr(at), Put(added, Put(units.substr(0, at), to))); });
+}
+
 OString& OString::Insert(std::size_t position, const OString& text) {
     if (text.IsEmpty()) {
         return *this;
@@ -380,12 +397,8 @@ OString& OString::Insert(std::size_t position, const OString& text) {
     if (IsEmpty()) {
         return *this = text;
     }
-    const auto inserted = [position](auto units, auto added) {
-        const std::size_t at = std::min(position, units.size());
-        return Joined(units.substr(0, at), added, units.substr(at));
-    };
-    return WorksOnWideWith(text) ? Assign<wchar_t>(inserted(Units<wchar_t>(), text.Units<wchar_t>()))
-                                 : Assign<char>(inserted(Units<char>(), text.Units<char>()));
+    return WorksOnWideWith(text) ? InsertUnits(position, text.Units<wchar_t>())
+                                 : InsertUnits(position, text.Units<char>());
 }
 
 int OString::Compare(const OString& other) const {
@@ -401,18 +414,19 @@ OString& OString::ToUpper() {
     if (needed < 1) {
         return *this;
     }
-    std::wstring mapped(static_cast<std::size_t>(needed), L'\0');
-    const int written = map(LOCALE_USER_DEFAULT, LCMAP_UPPERCASE, Wide(), -1, mapped.data(), needed);
-    return written < 1 ? *this : Assign<wchar_t>(mapped.c_str());
+    const auto mapped = std::make_unique<wchar_t[]>(static_cast<std::size_t>(needed) + 1);
+    const int written = map(LOCALE_USER_DEFAULT, LCMAP_UPPERCASE, Wide(), -1, mapped.get(), needed);
+    return written < 1 ? *this : Assign<wchar_t>(mapped.get());
 }
 
 int OString::Format(const wchar_t* format, ...) {
-    std::wstring buffer(kFormatCharacters, L'\0');
     va_list arguments;
     va_start(arguments, format);
-    const int count = wvsprintfW(buffer.data(), format, arguments);
+    int count = 0;
+    Rewrite<wchar_t>(kFormatCharacters, [&](wchar_t* to) {
+        std::fill_n(to, kFormatCharacters, L'\0'); // a text that is cut has no terminator of its own
+        count = wvsprintfW(to, format, arguments);
+    });
     va_end(arguments);
-    Prepare(kFormatCharacters);
-    Assign<wchar_t>(buffer.c_str());
     return count;
 }

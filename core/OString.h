@@ -126,8 +126,17 @@ class OString {
     OString& Assign(std::basic_string_view<Unit> text);
     template<class Unit>
     OString Part(std::size_t position, std::size_t count) const;
-    /// Gives this text a body of its own with room for `length` characters; what it held may be lost.
-    void Prepare(std::size_t length);
+    template<class Unit>
+    OString& InsertUnits(std::size_t position, std::basic_string_view<Unit> added);
+    template<class Unit>
+    OString& Replace(std::basic_string_view<Unit> what, std::basic_string_view<Unit> with);
+    /// Makes `length` units, which `write` writes to the place that it is given, the whole text in a body of
+    /// its own; what the text holds stays until they are written.
+    template<class Unit, class Write>
+    OString& Rewrite(std::size_t length, Write write);
+    /// Whether a body of this text's own holds this form alone, with room for `length` units.
+    template<class Unit>
+    bool HoldsAlone(std::size_t length) const;
 
     Body* m_body = nullptr;
 };

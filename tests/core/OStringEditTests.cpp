@@ -81,6 +81,18 @@ TEST(OString, ReplacesInWhicheverFormItHolds) {
     EXPECT_NE(wide.GetBody()->wide, nullptr);
 }
 
+TEST(OString, KeepsTheFormThatItLookedThroughWhenThereIsNothingToReplace) {
+    OString both = OString(L"\x4E2D").InCodePage(1252);
+    EXPECT_STREQ(both.Narrow(), "?"); // with an 8-bit form, that is the one to look through
+    EXPECT_STREQ(both.ReplaceAll("x", "y").Wide(), L"?");
+
+    OString copy = OString(L"\x4E2D").InCodePage(1252);
+    const OString text = copy;
+    copy.ReplaceAll(L"x", L"y");
+    EXPECT_STREQ(text.Narrow(), "?"); // made for one text, it does not come to the other
+    EXPECT_EQ(copy.LastCharacter(), L'\x4E2D');
+}
+
 TEST(OString, TrimsTrailingCharactersOfASet) {
     EXPECT_EQ(OString("key///").TrimRight("/"), OString("key"));
     EXPECT_EQ(OString("/key/").TrimRight("/"), OString("/key"));
