@@ -1,7 +1,5 @@
-// Writing lines of text, to the null device.
+// Writing lines of text, to the null device, to which standard output leads too.
 #include <windows.h>
-#include <fcntl.h>
-#include <io.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -26,42 +24,21 @@ constexpr const wchar_t* kLine = L"The printer 'Dock 12' is not found.";
 constexpr char kBareLine[] = "The printer 'Dock 12' is not found.";
 constexpr std::uint32_t kBufferSize = 1024;
 
-/// While it lives, standard output goes nowhere.
-class Silence {
-  public:
-    Silence() : m_output(_dup(_fileno(stdout))) {
-        static_cast<void>(std::fflush(stdout));
-        const int nowhere = _wopen(L"NUL", _O_WRONLY | _O_BINARY);
-        _dup2(nowhere, _fileno(stdout));
-        _close(nowhere);
-    }
-    Silence(const Silence&) = delete;
-    Silence& operator=(const Silence&) = delete;
-    ~Silence() {
-        static_cast<void>(std::fflush(stdout));
-        _dup2(m_output, _fileno(stdout));
-        _close(m_output);
-    }
-
-  private:
-    int m_output;
-};
-
 auto Printing() {
     static const bool quiet = false;
-    return [silence = std::make_shared<Silence>(), console = std::make_shared<ConsoleOutput>(quiet)] {
+    return [console = std::make_shared<ConsoleOutput>(quiet)] {
         console->PrintText(kLine);
         return console->GetFill();
     };
 }
 
 auto BarePrinting() {
-    return [silence = std::make_shared<Silence>()] {
+    return [] {
         for (const std::string_view part : {std::string_view(kBareLine), std::string_view("\r\n")}) {
             static_cast<void>(std::fwrite(part.data(), 1, part.size(), stdout));
             static_cast<void>(std::fflush(stdout));
         }
-        return silence.get();
+        return stdout;
     };
 }
 
