@@ -60,11 +60,11 @@ void Widen(std::string_view bytes, wchar_t (&line)[kLineCharacters]) {
     line[std::min(made, kLineCharacters - 1)] = 0; // a cut sequence may swallow the terminator
 }
 
-/// Whether the line without its trailing CR and LF is the header, ignoring case.
-bool Equals(std::string_view bytes, const wchar_t* header) {
+/// Whether a header's line, behind its "#" and without its trailing CR and LF, is the key, ignoring case.
+bool Equals(std::string_view bytes, const wchar_t* key) {
     // In every code page ASCII stands for itself, which tells nearly all headers apart without a conversion.
-    for (std::size_t at = 0; at < bytes.size() && bytes[at] > 0 && header[at] != 0; ++at) {
-        if (OCore::FoldCase(static_cast<wchar_t>(bytes[at])) != OCore::FoldCase(header[at])) {
+    for (std::size_t at = 0; at < bytes.size() && bytes[at] > 0 && key[at] != 0; ++at) {
+        if (OCore::FoldCase(static_cast<wchar_t>(bytes[at])) != OCore::FoldCase(key[at])) {
             return false;
         }
     }
@@ -74,7 +74,7 @@ bool Equals(std::string_view bytes, const wchar_t* header) {
     while (length > 0 && (line[length - 1] == L'\r' || line[length - 1] == L'\n')) {
         line[--length] = 0;
     }
-    return OCore::EqualsIgnoreCase(line, header);
+    return OCore::EqualsIgnoreCase(line, key);
 }
 
 } // namespace
@@ -92,10 +92,9 @@ OString TextResource::GetText(const OString& key) {
 }
 
 OString TextResource::FindSection(const char* begin, const char* end, const OString& key) {
-    const OString header = OString(L"#") + key;
     std::wstring body;
     m_position = begin;
-    if (PassHeader(header.Wide(), end)) {
+    if (PassHeader(key.Wide(), end)) {
         wchar_t line[kLineCharacters];
         while (m_position != end) {
             Widen(TakeLine(end), line);
@@ -106,12 +105,13 @@ OString TextResource::FindSection(const char* begin, const char* end, const OStr
         }
     }
     m_position = nullptr;
-    return OString(body.c_str()).TrimRight(L" \t\r\n");
+    body.erase(body.find_last_not_of(L" \t\r\n") + 1);
+    return body.c_str();
 }
 
-bool TextResource::PassHeader(const wchar_t* header, const char* end) {
+bool TextResource::PassHeader(const wchar_t* key, const char* end) {
     while ((m_position = FindHash(m_position, end)) != end) {
-        if (Equals(TakeLine(end), header)) {
+        if (Equals(TakeLine(end).substr(1), key)) {
             return true;
         }
     }

@@ -22,8 +22,8 @@ class TextResource {
     OString FindSection(const char* begin, const char* end, const OString& key);
 
   private:
-    /// Moves past the header's line; false when there is none.
-    bool PassHeader(const wchar_t* header, const char* end);
+    /// Moves past the line of the key's header; false when there is none.
+    bool PassHeader(const wchar_t* key, const char* end);
     /// The next line with its line end, or the next piece of a long one; there must be one before `end`.
     std::string_view TakeLine(const char* end);
 
