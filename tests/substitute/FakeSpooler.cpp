@@ -161,14 +161,9 @@ std::string FakeSpooler::Unfinished() const {
 }
 
 DWORD FakeSpooler::Open(const std::wstring& name, DWORD access, HANDLE& handle) {
-    std::chrono::milliseconds pause{0};
-    {
-        const std::lock_guard hold(m_mutex);
-        if (const auto found = slow.find(name); found != slow.end()) {
-            pause = found->second;
-        }
+    if (opening) {
+        opening(name);
     }
-    std::this_thread::sleep_for(pause);
     return Answer(Call::Open, nullptr, [&]() -> DWORD {
         const auto other = opensAs.find(name);
         const auto found = printers.find(other == opensAs.end() ? name : other->second);

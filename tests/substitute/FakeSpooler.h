@@ -5,7 +5,6 @@
 #include <windows.h>
 #include <winspool.h>
 
-#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <list>
@@ -109,10 +108,10 @@ class FakeSpooler : public kemba::substitute::Spooler {
     DWORD failure = ERROR_PRINT_CANCELLED; ///< with that error
     int failAt = 0, failTo = 0; ///< the calls of these numbers fail, from 1; no end: only the first of them
     DWORD failureAt = ERROR_WRITE_FAULT; ///< with that error
-    std::map<std::wstring, std::chrono::milliseconds, LessName>
-        slow;                         ///< printers whose opening takes that long
-    int slowAt = 0;                   ///< the call of this number is slow
-    std::function<void(Call)> before; ///< called outside of any lock before each call is carried out
+    int slowAt = 0;                      ///< the call of this number is slow
+    std::function<void(const std::wstring& printer)>
+        opening;                      ///< called outside of any lock before a printer is opened
+    std::function<void(Call)> before; ///< the same before each call is carried out
 
     // What was done.
     int calls = 0;            ///< but those that only give back

@@ -4,7 +4,9 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <future>
 #include <optional>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -254,17 +256,24 @@ TEST_F(SettingsStore, AReaderWaitsForAHalfDoneReset) {
 }
 
 TEST_F(SettingsStore, APrinterThatKeepsItsCallerWaitingHoldsUpNoOther) {
-    using Clock = std::chrono::steady_clock;
     spooler.printers[L"Other"].settings = MakeRichState();
     spooler.printers[L"Other"].driver = L"Zippy 300";
     const Printer other(spooler, locks, L"Other");
-    spooler.slow[L"Other"] = std::chrono::milliseconds(500);
-    std::thread waiting([&] { ResetSettings(other); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    const auto begin = Clock::now();
-    ResetSettings(*printer);
-    EXPECT_LT(Clock::now() - begin, std::chrono::milliseconds(400));
-    waiting.join();
+    std::promise<void> release;
+    std::atomic<int> openings{0};
+    spooler.opening = [&, released = release.get_future().share()](const std::wstring& name) {
+        if (name == L"Other") {
+            ++openings;
+            openings.notify_all();
+            released.wait();
+        }
+    };
+    const auto waiting = std::async(std::launch::async, [&] { ResetSettings(other); });
+    openings.wait(0);
+    const auto served = std::async(std::launch::async, [&] { ResetSettings(*printer); });
+    EXPECT_EQ(served.wait_for(std::chrono::seconds(30)), std::future_status::ready);
+    EXPECT_NE(waiting.wait_for(std::chrono::seconds(0)), std::future_status::ready);
+    release.set_value();
 }
 
 TEST_F(SettingsStore, ResetGivesTheDefaultToBothLevelsAndKeepsTheData) {
