@@ -88,6 +88,21 @@ TEST(OHashMap, FindsTheFirstPositionWhoseHashIsNotSmaller) {
     }
 }
 
+TEST(OHashMap, FindsPositionsFarFromWhereTheyAreEstimated) {
+    constexpr std::uint32_t kEntries = 300;
+    for (const std::uint32_t start :
+         {0U, 0xFFFFFFFF - 2 * kEntries}) { // all estimated at one end, or at the other
+        NamedMap map;
+        for (std::uint32_t entry = 0; entry < kEntries; ++entry) {
+            EXPECT_TRUE(map.Insert({start + 2 * entry, 0}, 0));
+        }
+        for (std::uint32_t entry = 0; entry < kEntries; ++entry) {
+            EXPECT_EQ(map.PositionOf(start + 2 * entry), static_cast<std::int32_t>(entry));
+            EXPECT_EQ(map.PositionOf(start + 2 * entry + 1), static_cast<std::int32_t>(entry + 1));
+        }
+    }
+}
+
 TEST(OHashMap, AnInsertThatMemoryIsTooShortForLeavesTheMapAsItWas) {
     for (int growth = 1; growth <= 3; ++growth) { // of the hashes, the keys, the values
         SCOPED_TRACE(growth);
