@@ -134,6 +134,18 @@ Unit LastOf(std::basic_string_view<Unit> units) {
     return units.empty() ? Unit{} : units.back();
 }
 
+/// The order of two texts by code unit, a byte by its value: -1, 0 or 1.
+template<class Unit>
+int Ordered(const Unit* left, const Unit* right) {
+    using Value = std::make_unsigned_t<Unit>;
+    for (; *left == *right; ++left, ++right) {
+        if (*left == 0) {
+            return 0;
+        }
+    }
+    return static_cast<Value>(*left) < static_cast<Value>(*right) ? -1 : 1;
+}
+
 /// Copies units to a place; returns the place after them.
 template<class Unit>
 Unit* Put(std::basic_string_view<Unit> units, Unit* to) {
@@ -249,7 +261,7 @@ bool OString::WorksOnWideWith(const OString& other) const {
     if (WorksOnWide() || other.WorksOnWide()) {
         return true;
     }
-    return !IsEmpty() && !other.IsEmpty() &&
+    return GetCodePage() != other.GetCodePage() && !IsEmpty() && !other.IsEmpty() &&
            EffectiveCodePage(GetCodePage()) != EffectiveCodePage(other.GetCodePage());
 }
 
@@ -402,10 +414,7 @@ OString& OString::Insert(std::size_t position, const OString& text) {
 }
 
 int OString::Compare(const OString& other) const {
-    // Both views order by unsigned code unit: wchar_t is unsigned on Windows, and char compares as bytes do.
-    const int order = WorksOnWideWith(other) ? Units<wchar_t>().compare(other.Units<wchar_t>())
-                                             : Units<char>().compare(other.Units<char>());
-    return (order > 0) - (order < 0);
+    return WorksOnWideWith(other) ? Ordered(Wide(), other.Wide()) : Ordered(Narrow(), other.Narrow());
 }
 
 OString& OString::ToUpper() {
