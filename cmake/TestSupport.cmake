@@ -1,22 +1,52 @@
-# GoogleTest from the system's source package, cross-built; one ctest entry, and so one process, per test.
+# GoogleTest from the system's source package, cross-built.
 set(KEMBA_GOOGLETEST /usr/src/googletest CACHE PATH "GoogleTest's source")
 set(BUILD_GMOCK OFF CACHE INTERNAL "")
 set(INSTALL_GTEST OFF CACHE INTERNAL "")
 set(gtest_disable_pthreads ON CACHE INTERNAL "")
 add_subdirectory(${KEMBA_GOOGLETEST} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
-include(GoogleTest)
-set(CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE PRE_TEST)
 
-# kemba_tests(NAME SOURCES ... LIBRARIES ... [PROPERTIES ...]): a test program with the program's own resources;
-# PROPERTIES are of each of its tests.
+# kemba_suites(NAME [SUITES REGEX] [EXCEPT REGEX] [EACH_TEST REGEX] [SECONDS NUMBER] [PROPERTIES ...]): the suites of a
+# test program, all or those that match, as entries of ctest; see Suites.cmake. Those that match EACH_TEST have an entry
+# for each test, for they see what another has left in the process, or take long. A process may take SECONDS.
+function(kemba_suites name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "SUITES;EXCEPT;EACH_TEST;SECONDS" "PROPERTIES")
+    if(NOT arg_SUITES)
+        set(arg_SUITES .*)
+    endif()
+    if(NOT arg_SECONDS)
+        set(arg_SECONDS 120)
+    endif()
+    # The last resort: each process is watched by run-tests.
+    math(EXPR timeout "10 * ${arg_SECONDS}")
+    string(MD5 part "${arg_SUITES} ${arg_EXCEPT}")
+    set(script ${CMAKE_CURRENT_BINARY_DIR}/${name}_${part}.cmake)
+    file(GENERATE OUTPUT ${script} CONTENT "
+set(name ${name})
+set(program [==[$<TARGET_FILE:${name}>]==])
+set(list [==[${CMAKE_CURRENT_BINARY_DIR}/${name}.list]==])
+set(wine [==[${CMAKE_CROSSCOMPILING_EMULATOR}]==])
+set(runner [==[${PROJECT_SOURCE_DIR}/cmake/run-tests]==])
+set(folder [==[${PROJECT_SOURCE_DIR}]==])
+set(limit ${arg_SECONDS})
+set(suites [==[${arg_SUITES}]==])
+set(except [==[${arg_EXCEPT}]==])
+set(each_test_of [==[${arg_EACH_TEST}]==])
+set(properties TIMEOUT ${timeout} ${arg_PROPERTIES})
+include([==[${PROJECT_SOURCE_DIR}/cmake/Suites.cmake]==])
+")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${script})
+endfunction()
+
+# kemba_tests(NAME SOURCES ... LIBRARIES ... [as kemba_suites]): a test program with the program's own resources.
 function(kemba_tests name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES;PROPERTIES")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES;SUITES;EXCEPT;EACH_TEST;SECONDS;PROPERTIES")
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} kemba_resources kemba_options GTest::gtest_main)
     target_precompile_headers(${name} REUSE_FROM kemba_kit)
-    # Tests run where the sources are, so that they can look at them.
-    gtest_discover_tests(${name}
-        WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}
-        DISCOVERY_TIMEOUT 120
-        PROPERTIES TIMEOUT 120 ${arg_PROPERTIES})
+    foreach(key SUITES EXCEPT EACH_TEST SECONDS PROPERTIES)
+        if(arg_${key})
+            list(APPEND passed ${key} ${arg_${key}})
+        endif()
+    endforeach()
+    kemba_suites(${name} ${passed})
 endfunction()

@@ -221,7 +221,8 @@ class Build:
 
 def tests_of(build, wine):
     """What ctest would run, without what is no test of the programs' code or not needed here."""
-    listed = subprocess.run(["ctest", "--test-dir", str(build.folder), "--show-only=json-v1"], env=wine.environment,
+    listed = subprocess.run(["ctest", "--test-dir", str(build.folder), "--show-only=json-v1"],
+                            env=dict(wine.environment, KEMBA_EACH_TEST="1"),
                             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, check=True).stdout
     tests = []
     for entry in json.loads(listed)["tests"]:

@@ -28,7 +28,7 @@ void ExpectAnUnknownCommand() {
     EXPECT_FALSE(run.timedOut);
 }
 
-TEST(KembaProgram, TakesAMaskOfAnyTypeAndSize) {
+TEST(KembaRegistry, TakesAMaskOfAnyTypeAndSize) {
     const RegistryPreset mask(HKEY_LOCAL_MACHINE, kMasks, L"Brandle KEMBA CLI");
     for (DWORD type = REG_NONE; type <= REG_QWORD; ++type) {
         SCOPED_TRACE(type);
@@ -45,7 +45,7 @@ TEST(KembaProgram, TakesAMaskOfAnyTypeAndSize) {
     ExpectAnUnknownCommand();
 }
 
-TEST(KembaProgram, WorksWhereTheRegistryIsDenied) {
+TEST(KembaRegistry, WorksWhereTheRegistryIsDenied) {
     const demo::Printer printer({.comment = L"by the door"});
     const RegistryPreset mask(HKEY_LOCAL_MACHINE, kMasks, L"Brandle KEMBA CLI");
     mask.Set(RegistryData::OfDword(0x10000000)); // so that the key is there

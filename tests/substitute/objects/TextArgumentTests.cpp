@@ -17,9 +17,9 @@ using namespace std::string_literals;
 
 namespace {
 
-class TextArgument : public ObjectFixture {
+class EveryTextArgument : public ObjectFixture {
   protected:
-    TextArgument() {
+    EveryTextArgument() {
         spooler.printers[L"Label A"].comment = L"by the door";
         spooler.printers[L"Label A"].location = L"Hall";
         EXPECT_EQ(automation->PutPrinterName(InText(L"Label A")), S_OK);
@@ -34,7 +34,7 @@ class TextArgument : public ObjectFixture {
     ComPtr<IDriverSettings> settings;
 };
 
-TEST_F(TextArgument, AreRefusedByEveryOperation) {
+TEST_F(EveryTextArgument, AreRefusedByEveryOperation) {
     const InText file(path);
     const VARIANT all = LeftOut();
     const struct {
@@ -78,7 +78,7 @@ TEST_F(TextArgument, AreRefusedByEveryOperation) {
     EXPECT_EQ(unbound->PutPrinterName(InText(L"Label A")), S_OK);
 }
 
-TEST_F(TextArgument, AreRefusedFromScriptsToo) {
+TEST_F(EveryTextArgument, AreRefusedFromScriptsToo) {
     const Value cut(path + L"\0.prn"s);
     const Value name(L"job");
     Value variable(path + L"\0.prn"s);

@@ -13,7 +13,7 @@ namespace {
 
 using Verb = CommandLine::Verb;
 
-TEST(CommandLine, WordsAreUnderstoodAsAWholeOrNotAtAll) {
+TEST(ServerCommandLine, WordsAreUnderstoodAsAWholeOrNotAtAll) {
     const struct {
         std::vector<std::wstring_view> words;
         Verb verb;
