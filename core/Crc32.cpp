@@ -27,8 +27,8 @@ constexpr std::array<std::uint32_t, 256> kTable = MakeTable();
 
 std::uint32_t OCore::Crc32(std::span<const unsigned char> bytes) {
     std::uint32_t value = 0xFFFFFFFF;
-    for (const unsigned char byte : bytes) {
-        value = value >> 8 ^ kTable[(value ^ byte) & 0xFF];
+    for (const unsigned char each : bytes) {
+        value = value >> 8 ^ kTable[(value ^ each) & 0xFF];
     }
     return ~value;
 }

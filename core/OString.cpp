@@ -337,13 +337,13 @@ std::ptrdiff_t OString::Find(wchar_t character, std::size_t from) const {
         return Index(Units<wchar_t>().find(character, from));
     }
     const wchar_t text[] = {character, 0};
-    char byte[8];
+    char narrow[8];
     wchar_t back[8];
-    Convert(text, GetCodePage(), byte, std::size(byte));
-    Convert(byte, GetCodePage(), back, std::size(back));
+    Convert(text, GetCodePage(), narrow, std::size(narrow));
+    Convert(narrow, GetCodePage(), back, std::size(back));
     // What the code page cannot hold was converted to something else, which is not to be found in its place.
-    const bool held = byte[0] != 0 && byte[1] == 0 && back[0] == character;
-    return held ? Index(Units<char>().find(byte[0], from)) : kNotFound;
+    const bool held = narrow[0] != 0 && narrow[1] == 0 && back[0] == character;
+    return held ? Index(Units<char>().find(narrow[0], from)) : kNotFound;
 }
 
 std::ptrdiff_t OString::FindLastOf(const OString& set) const {
