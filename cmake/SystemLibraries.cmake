@@ -25,5 +25,6 @@ function(kemba_system_library target library file)
     target_link_libraries(${target} INTERFACE ${folder}/lib${target}.a)
 endfunction()
 
+kemba_system_library(system_oleaut32 oleaut32 OLEAUT32.dll) # a known DLL: for the sake of a quick start
 kemba_system_library(system_version version VERSION.dll)
 kemba_system_library(system_winspool winspool WINSPOOL.DRV)

@@ -1,9 +1,7 @@
-// What a program costs that starts and ends the component runtime, as each of kemba's commands does.
-#include <windows.h>
-#include <objbase.h>
+// What a program costs that does nothing but what each of kemba's commands is bound to do around its work.
+#include "bench/programs/RuntimeStart.h"
 
 int main() {
-    const bool started = SUCCEEDED(CoInitialize(nullptr));
-    CoUninitialize();
-    return started ? 0 : 1;
+    const bench::RuntimeStart runtime;
+    return runtime.Succeeded() ? 0 : 1;
 }

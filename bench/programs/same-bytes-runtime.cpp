@@ -1,17 +1,15 @@
-// Prints what "kemba help" prints, between start and end of the component runtime, which every command needs.
-#include <windows.h>
+// Prints what "kemba help" prints, and does besides what each of kemba's commands is bound to do around its
+// work.
 #include <fcntl.h>
 #include <io.h>
-#include <objbase.h>
 
 #include <cstdio>
 
 #include "HelpText.h"
+#include "bench/programs/RuntimeStart.h"
 
 int main() {
-    const bool started = SUCCEEDED(CoInitialize(nullptr));
+    const bench::RuntimeStart runtime;
     _setmode(_fileno(stdout), _O_BINARY);
-    const bool printed = std::fputs(kHelpText, stdout) >= 0;
-    CoUninitialize();
-    return started && printed ? 0 : 1;
+    return runtime.Succeeded() && std::fputs(kHelpText, stdout) >= 0 ? 0 : 1;
 }
