@@ -231,8 +231,8 @@ SECTIONS = {"sizes": sizes, "start": start, "in-process": in_process, "with-serv
 def main():
     parser = argparse.ArgumentParser(prog="./dev bench", description="Measures kemba; see docs/performance.md.")
     parser.add_argument("--pairs", type=int, default=30, help="pairs of runs for a row (30)")
-    parser.add_argument("--seconds", type=float, default=120,
-                        help="the most for a row; a row that would take longer has fewer pairs; 0: no limit (120)")
+    parser.add_argument("--seconds", type=float, default=240,
+                        help="the most for a row; a row that would take longer has fewer pairs; 0: no limit (240)")
     parser.add_argument("--sizes", type=lambda text: [int(word) for word in text.split(",")], default=SIZES,
                         help="numbers of printers (1,10,100,1000,5000)")
     parser.add_argument("--repetitions", type=int, default=9, help="of each micro benchmark (9)")

@@ -43,8 +43,12 @@ const char* FindByte(const char* begin, const char* end, char byte) {
 /// The first line, or piece of a long one, that begins with "#", or `end`. One must begin at `begin`.
 const char* FindHash(const char* begin, const char* end) {
     const char* line = begin;
+    const char* seen = begin; // no line begins between this one's begin and here
     for (const char* hash = begin; (hash = FindByte(hash, end, '#')) != end; ++hash) {
-        line = std::find(std::reverse_iterator(hash), std::reverse_iterator(line), '\n').base();
+        const char* const next =
+            std::find(std::reverse_iterator(hash), std::reverse_iterator(seen), '\n').base();
+        line = next == seen ? line : next;
+        seen = hash;
         if (static_cast<std::size_t>(hash - line) % kLineBytes == 0) {
             return hash;
         }
