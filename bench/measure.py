@@ -43,14 +43,14 @@ def run(words):
 
 
 def peak(words):
-    """The most resident memory of a run in KB, the median of five. A child begins with its parent's peak, so the parent
-    has to be small: GNU time."""
+    """The most resident memory of a run in KB, the median of three. A child begins with its parent's peak, so that the
+    parent has to be small: GNU time."""
     def measure():
         with tempfile.NamedTemporaryFile("r") as report:
             subprocess.run(["time", "-o", report.name, "-f", "%M"] + FIXED + [WINE] + words, stdin=subprocess.DEVNULL,
                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=True)
             return int(report.read())
-    return statistics.median(measure() for _ in range(5))
+    return statistics.median(measure() for _ in range(3))
 
 
 def need_same(first, second):
