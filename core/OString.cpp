@@ -91,7 +91,7 @@ template<class From, class To>
 void Convert(const From* text, std::uint32_t codePage, To* to, std::size_t units) {
     if (codePage == OCore::kCodePageBytes) {
         std::size_t made = 0;
-        for (; text[made] != 0 && made < units - 1; ++made) {
+        for (; made < units - 1 && text[made] != 0; ++made) {
             to[made] = static_cast<To>(static_cast<std::make_unsigned_t<From>>(text[made]));
         }
         to[made] = 0;

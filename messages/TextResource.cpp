@@ -110,7 +110,7 @@ OString TextResource::FindSection(const char* begin, const char* end, const OStr
     }
     m_position = nullptr;
     body.erase(body.find_last_not_of(L" \t\r\n") + 1);
-    return body.c_str();
+    return OString(body.c_str());
 }
 
 bool TextResource::PassHeader(const wchar_t* key, const char* end) {
