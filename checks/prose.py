@@ -7,7 +7,8 @@ from pathlib import Path
 
 COLUMNS = 120
 SCRIPTS = ("dev", ".ci/run", ".clang-tidy", "cmake/run-wine", "cmake/start-wine")
-ENDINGS = (".cmake", ".cpp", ".def", ".h", ".idl", ".in", ".md", ".py", ".rc", ".txt")
+ENDINGS = (".cmake", ".cpp", ".def", ".h", ".idl", ".in", ".ini", ".json", ".md", ".nuspec", ".ps1", ".py", ".rc",
+           ".sql", ".txt", ".wxs", ".yaml")
 CATALOGUE = "KEMBA[ENU].TXT"  # content, not prose
 CONTRACT = "automation/DriverAutomation.idl"
 SERVER_PAGE = "docs/automation-server.md"

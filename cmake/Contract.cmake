@@ -4,6 +4,13 @@ find_program(WIDL NAMES x86_64-w64-mingw32-widl widl REQUIRED)
 set(KEMBA_IDL_INCLUDE /usr/include/wine/wine/windows CACHE PATH "Folder of oaidl.idl")
 set(KEMBA_IDL_LIBRARY /usr/lib/x86_64-linux-gnu/wine/x86_64-windows CACHE PATH "Folder of stdole2.tlb")
 
+# widl writes the time of day into the type library, and so into kemba-dal.exe: the same source is to give the same
+# bytes.
+if(NOT CMAKE_HOST_WIN32)
+    find_program(FAKETIME faketime REQUIRED)
+    set(at_no_time ${CMAKE_COMMAND} -E env TZ=UTC ${FAKETIME} -f "2000-01-01 00:00:00")
+endif()
+
 set(contract_source ${PROJECT_SOURCE_DIR}/automation/DriverAutomation.idl)
 set(contract_folder ${PROJECT_BINARY_DIR}/contract)
 file(MAKE_DIRECTORY ${contract_folder})
@@ -17,7 +24,7 @@ add_custom_command(
     VERBATIM)
 add_custom_command(
     OUTPUT ${contract_folder}/DriverAutomation.tlb
-    COMMAND ${WIDL} --win64 -t -T DriverAutomation.tlb -I ${KEMBA_IDL_INCLUDE} -L ${KEMBA_IDL_LIBRARY}
+    COMMAND ${at_no_time} ${WIDL} --win64 -t -T DriverAutomation.tlb -I ${KEMBA_IDL_INCLUDE} -L ${KEMBA_IDL_LIBRARY}
         ${contract_source}
     WORKING_DIRECTORY ${contract_folder}
     DEPENDS ${contract_source}
