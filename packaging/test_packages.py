@@ -174,6 +174,24 @@ class Tables(unittest.TestCase):
         self.assertEqual(sorted(ordered, key=numbers.get), list(ordered))
         self.assertEqual(len(set(numbers.values())), len(numbers))
 
+    def test_programs_go_by_their_versions_and_other_files_by_their_contents(self):
+        files = {row[2].split("|")[-1]: (row[4], row[5]) for row in (line.split("\t") for line in table("File")[3:])}
+        self.assertEqual(files, {"kemba.exe": (f"{VERSION}.0", "1033"), "kemba-dal.exe": (f"{VERSION}.0", "1033"),
+                                 "escpos-receipt.profile": ("", "")})
+        self.assertEqual([row.split("\t")[0] for row in table("MsiFileHash")[3:]], ["escpos_receipt.profile"])
+        for row in table("File")[3:]:
+            self.assertRegex(row.split("\t")[2].split("|")[0], r"^[\w-]{1,8}\.\w{1,3}$", "an 8.3 name")
+
+    def test_kemba_cannot_be_left_out(self):
+        features = {row.split("\t")[0]: int(row.split("\t")[7]) for row in table("Feature")[3:]}
+        self.assertEqual(features, {"Program": 16, "SubstituteServer": 0}, "msidbFeatureAttributesUIDisallowAbsent")
+
+    def test_a_failure_undoes_what_the_server_did(self):
+        kinds = {row.split("\t")[0]: row.split("\t")[1:4] for row in table("CustomAction")[3:]}
+        for done, undone in (("RegisterServer", "UndoRegisterServer"), ("UnregisterServer", "UndoUnregisterServer")):
+            self.assertEqual(int(kinds[undone][0]) & 0x500, 0x500, "msidbCustomActionTypeRollback")
+            self.assertNotEqual(kinds[done][2], kinds[undone][2])
+
     def test_what_ends_an_installation_says_why(self):
         refusal = next(row for row in table("CustomAction") if row.startswith("RefuseOtherServer"))
         self.assertIn("[OTHERSERVER]", refusal)

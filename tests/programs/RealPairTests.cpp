@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "Version.h"
 #include "demo/WinePrinters.h"
 #include "tests/kit/Printed.h"
 #include "tests/kit/ProcessRun.h"
@@ -57,7 +58,8 @@ TEST_F(RealPair, QuietModeAsksTheServerAndPrintsNothing) {
 
 TEST_F(RealPair, TheServersVersionIsTheProducts) {
     const ProcessResult run = Kemba({L"version", L"interface"});
-    EXPECT_EQ(run.output, "DAL: 1.0.0 [kemba-dal, release build, on the Windows print spooler]\r\n");
+    EXPECT_EQ(run.output,
+              "DAL: " KEMBA_VERSION_TEXT " [kemba-dal, release build, on the Windows print spooler]\r\n");
     EXPECT_EQ(run.status, 0U);
 }
 

@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "Version.h"
 #include "automation/Owners.h"
 #include "demo/WinePrinters.h"
 #include "substitute/server/ServerIdentity.h"
@@ -84,7 +85,7 @@ TEST_F(ServerProgram, EveryClassIsServed) {
     ASSERT_TRUE(version);
     std::wstring text;
     EXPECT_EQ(ReadText(*version, &IVersionInformation::GetVersion, text), S_OK);
-    EXPECT_EQ(text, L"1.0.0");
+    EXPECT_EQ(text, L"" KEMBA_VERSION_TEXT);
 }
 
 TEST_F(ServerProgram, ServesTwoClientsAtOnce) {

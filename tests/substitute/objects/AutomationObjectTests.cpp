@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "Version.h"
 #include "automation/Owners.h"
 #include "core/LibraryErrors.h"
 #include "substitute/base/Failure.h"
@@ -122,7 +123,7 @@ TEST_F(AutomationObject, TheServerTellsItsVersion) {
     const auto version = MakeObject<VersionInformationObject>(context);
     std::wstring text;
     EXPECT_EQ(ReadText(*version, &IVersionInformation::GetVersion, text), S_OK);
-    EXPECT_EQ(text, L"1.0.0");
+    EXPECT_EQ(text, L"" KEMBA_VERSION_TEXT);
     EXPECT_EQ(ReadText(*version, &IVersionInformation::GetVersionDetail, text), S_OK);
 #ifdef NDEBUG
     EXPECT_EQ(text, L"kemba-dal, release build, on the Windows print spooler");

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "Version.h"
 #include "automation/Owners.h"
 #include "substitute/spooler/DriverVersion.h"
 #include "tests/kit/CallTexts.h"
@@ -45,7 +46,8 @@ TEST(DriverVersion, IsFourPartsOfSixteenBits) {
 
 TEST(DriverVersion, ADriverWithoutOneHasThatOfItsFile) {
     const std::wstring program = ProgramPath(L"kemba-dal.exe");
-    EXPECT_EQ(DriverVersionText({.version = 0, .date = {}, .provider = L"", .path = program}), L"1.0.0.0");
+    EXPECT_EQ(DriverVersionText({.version = 0, .date = {}, .provider = L"", .path = program}),
+              L"" KEMBA_VERSION_TEXT L".0");
     EXPECT_EQ(DriverVersionText({.version = 1, .date = {}, .provider = L"", .path = program}), L"0.0.0.1");
 }
 
