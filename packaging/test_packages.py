@@ -313,6 +313,29 @@ class Installer(unittest.TestCase):
         self.assertEqual(value(rf"{library}\1.0\0\win64"), r"C:\other.tlb")
 
 
+# What each field of the manifests may hold, as the published schemas say: a form, or the forms of what is inside it.
+# Every field of a manifest is here, and every field here is in the manifest.
+TEXT, ADDRESS, NUMBERS, SHA256 = r".{3,256}", r"https://.{1,2000}", r"\d{1,5}(\.\d{1,5}){0,3}", r"[A-Fa-f0-9]{64}"
+NAME = r'[^.\s\\/:*?"<>|]{1,32}'
+WINGET = {"PackageIdentifier": rf"{NAME}(\.{NAME}){{1,7}}", "PackageVersion": NUMBERS, "ManifestVersion": r"1\.6\.0"}
+FORMS = {
+    "winget/Brandle.Kemba.yaml": WINGET | {"DefaultLocale": "en-US", "ManifestType": "version"},
+    "winget/Brandle.Kemba.locale.en-US.yaml": WINGET | {
+        "PackageLocale": "en-US", "Publisher": TEXT, "PackageName": TEXT, "PackageUrl": ADDRESS, "License": TEXT,
+        "LicenseUrl": ADDRESS, "ShortDescription": TEXT, "Moniker": r"\w{1,40}", "Tags": [r"\w{1,40}"],
+        "ManifestType": "defaultLocale"},
+    "winget/Brandle.Kemba.installer.yaml": WINGET | {
+        "Platform": [r"Windows\.Desktop"], "MinimumOSVersion": NUMBERS, "InstallerType": "msi", "Scope": "machine",
+        "UpgradeBehavior": "install", "Commands": [r"\w{1,40}"], "ProductCode": r"\{[0-9A-F-]{36}\}",
+        "Installers": [{"Architecture": "x64", "InstallerUrl": ADDRESS, "InstallerSha256": SHA256}],
+        "ManifestType": "installer"},
+    "scoop/kemba.json": {
+        "version": r"[\w.+-]+", "description": TEXT, "homepage": ADDRESS, "bin": TEXT, "notes": TEXT,
+        "license": {"identifier": r"[\w.+-]+", "url": ADDRESS},
+        "architecture": {"64bit": {"url": ADDRESS, "hash": SHA256, "extract_dir": TEXT}}},
+}
+
+
 class Manifests(unittest.TestCase):
     OWNED = {"licence": "MIT", "licence_page": "https://kemba.invalid/licence", "homepage": "https://kemba.invalid",
              "downloads": "https://kemba.invalid/files"}
@@ -356,6 +379,26 @@ class Manifests(unittest.TestCase):
         script = (folder / "chocolatey" / "tools" / "chocolateyinstall.ps1").read_text()
         self.assertIn(f"'https://kemba.invalid/files/{MADE[1].name}'", script)
         self.assertIn(f"'{of_msi}'", script)
+
+    def check_form(self, found, form, where):
+        if isinstance(form, dict):
+            self.assertEqual(set(found), set(form), where)
+            for name, inner in form.items():
+                self.check_form(found[name], inner, f"{where}: {name}")
+        elif isinstance(form, list):
+            self.assertTrue(found, where)
+            for one in found:
+                self.check_form(one, form[0], where)
+        else:
+            self.assertRegex(found, f"^(?:{form})$", where)
+
+    def test_they_have_the_form_that_their_readers_want(self):
+        folder = self.written()
+        for name, form in FORMS.items():
+            text = (folder / name).read_text(encoding="utf-8")
+            self.check_form(json.loads(text) if name.endswith(".json") else yaml.safe_load(text), form, name)
+        found = {path.relative_to(folder).as_posix() for path in package.files_below(folder)}
+        self.assertEqual(found - set(FORMS), {"chocolatey/kemba.nuspec", "chocolatey/tools/chocolateyinstall.ps1"})
 
     def test_nothing_is_made_up_for_what_the_owner_leaves_open(self):
         for name in self.OWNED:
