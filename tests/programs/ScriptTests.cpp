@@ -37,19 +37,16 @@ ProcessResult RunScript(Language language, const std::string& text, const std::v
     return RunProgram(std::wstring(system) + L"\\cscript.exe", all);
 }
 
-/// The script that the page shows below the paragraph that begins with the language's name.
-std::string ScriptOfThePage(Language language) {
-    const std::string indent = "    ";
+/// The first block of the page that is fenced as one of the language.
+std::string ScriptOfThePage(const std::string& fence) {
     std::ifstream page(AUTOMATION_PAGE);
     EXPECT_TRUE(page) << AUTOMATION_PAGE;
     std::string line;
-    while (std::getline(page, line) && line != "## From a script") {
-    }
-    while (std::getline(page, line) && line.compare(0, NameOf(language).size(), NameOf(language)) != 0) {
+    while (std::getline(page, line) && line != fence) {
     }
     std::string script;
-    while (std::getline(page, line) && (line.empty() || line.compare(0, indent.size(), indent) == 0)) {
-        script += line.empty() ? "\r\n" : line.substr(indent.size()) + "\r\n";
+    while (std::getline(page, line) && line != "```") {
+        script += line + "\r\n";
     }
     return script;
 }
@@ -68,7 +65,7 @@ TEST(Script, TheVBScriptOfThePageDoesWhatItSays) {
     const PrinterPort port;
     const demo::Printer printer(L"escpos-receipt", {.port = port.Name(), .comment = L"by the door"});
     const TemporaryFile file;
-    std::string script = ScriptOfThePage(Language::VBScript);
+    std::string script = ScriptOfThePage("```vbscript");
     Replace(script, "Dock 1", Narrow(printer.Name()));
     Replace(script, "C:\\Labels\\dock.vqs", Narrow(file.Path()));
     const ProcessResult run = RunScript(Language::VBScript, script, {});
@@ -84,7 +81,7 @@ TEST(Script, TheJScriptOfThePageDoesWhatItSays) {
     const TemporaryFile file;
     std::string path = Narrow(file.Path());
     Replace(path, "\\", "\\\\");
-    std::string script = ScriptOfThePage(Language::JScript);
+    std::string script = ScriptOfThePage("```javascript");
     Replace(script, "Dock 1", Narrow(printer.Name()));
     Replace(script, "C:\\\\Labels\\\\dock.vqs", path);
     const ProcessResult run = RunScript(Language::JScript, script, {});
