@@ -62,17 +62,6 @@ def is_missing(name, root, sources):
         not re.search(rf"\b{name}\b", text)
 
 
-def anchors_of(page):
-    return {re.sub(r"[^\w -]", "", title.lower()).replace(" ", "-") for title in re.findall(r"(?m)^#+ (.+)$", page)}
-
-
-def bad_links(name, page, root):
-    for match in re.finditer(r"\]\(([^):#]*)(?:#([^)]*))?\)", page):
-        target = (root / name).parent / match[1] if match[1] else root / name
-        if not target.exists() or match[2] and match[2] not in anchors_of(target.read_text(encoding="utf-8")):
-            yield f"{name}:{page.count(chr(10), 0, match.start()) + 1}: leads nowhere: {match[0][1:]}"
-
-
 def undescribed(contract, page):
     """The operations of the contract that the page about its server does not name."""
     for operation in re.findall(r"HRESULT (\w+)\(", contract):
@@ -87,7 +76,6 @@ def problems(root):
         if not name.endswith(CATALOGUE):
             yield from long_lines(name, text)
         if name.endswith(".md"):
-            yield from bad_links(name, text, root)
             for number, word in named_in(text):
                 if is_missing(word, root, sources):
                     yield f"{name}:{number}: names {word}, which is not there"

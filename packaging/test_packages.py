@@ -22,7 +22,7 @@ import manifests
 import package
 
 sys.path.insert(0, str(package.ROOT / "checks"))
-import prose  # noqa: E402
+import links  # noqa: E402
 
 WINE = package.ROOT / "cmake" / "start-wine"
 PREFIX = Path(os.environ["WINEPREFIX"])
@@ -141,7 +141,7 @@ class Packages(unittest.TestCase):
         root = SCRATCH / "pages" / f"kemba-{VERSION}"
         for path in root.rglob("*.md"):
             name = path.relative_to(root).as_posix()
-            self.assertEqual(list(prose.bad_links(name, path.read_text(encoding="utf-8"), root)), [])
+            self.assertEqual(list(links.page_problems(name, path.read_text(encoding="utf-8"), root, set())), [])
 
     def test_the_same_programs_give_the_same_bytes(self):
         again = package.make(SCRATCH / "again")
