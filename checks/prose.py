@@ -12,7 +12,8 @@ ENDINGS = (".cmake", ".cpp", ".def", ".h", ".idl", ".in", ".ini", ".json", ".md"
 CATALOGUE = "KEMBA[ENU].TXT"  # content, not prose
 CONTRACT = "automation/DriverAutomation.idl"
 SERVER_PAGE = "docs/automation-server.md"
-FOREIGN = ("DsDriver", "DsSpooler", "PascalCase")  # names that stand in the pages alone
+MANUAL = "docs/manual.md"
+FOREIGN = ("DsDriver", "DsSpooler", "PascalCase", "RemoteServerName")  # names that stand in the pages alone
 
 
 def files_of(root):
@@ -69,9 +70,20 @@ def undescribed(contract, page):
             yield f"{SERVER_PAGE}: says nothing about {operation}"
 
 
+def unexplained(catalogue, page):
+    """The messages of the catalogue, its pages of help left out, that have no row in the manual's table."""
+    for key, text in re.findall(r"(?m)^#((?:error|text):\w+)\r?\n([^\r\n]*)", catalogue):
+        if not re.search(rf"(?m)^\| .*`{re.escape(text)}`.* \|$", page):
+            yield f"{MANUAL}: has no row for the message {key}: {text}"
+
+
+def sources_of(files):
+    return {name: text for name, text in files.items() if not name.startswith("checks/") and name[-3:] != ".md"}
+
+
 def problems(root):
     files = dict(files_of(root))
-    sources = {name: text for name, text in files.items() if not name.startswith("checks/") and name[-3:] != ".md"}
+    sources = sources_of(files)
     for name, text in files.items():
         if not name.endswith(CATALOGUE):
             yield from long_lines(name, text)
@@ -80,6 +92,7 @@ def problems(root):
                 if is_missing(word, root, sources):
                     yield f"{name}:{number}: names {word}, which is not there"
     yield from undescribed(files.get(CONTRACT, ""), files.get(SERVER_PAGE, ""))
+    yield from unexplained(files.get(f"messages/{CATALOGUE}", ""), files.get(MANUAL, ""))
 
 
 if __name__ == "__main__":

@@ -117,6 +117,12 @@ class Prose(unittest.TestCase):
         self.assertEqual(list(prose.undescribed("HRESULT Feed(); HRESULT Cut(); HRESULT Reserved3();", "`Feed` cuts.")),
                          ["docs/automation-server.md: says nothing about Cut"])
 
+    def test_every_message_is_explained(self):
+        catalogue = "#help:a\r\nA\r\n\r\n#error:B\r\nThe %1.\r\n\r\n#text:C\r\nDone.\r\n"
+        page = "# Messages `Done.`\n| `The %1.` or so | 2 | wait |\n"
+        self.assertEqual(list(prose.unexplained(catalogue, page)),
+                         ["docs/manual.md: has no row for the message text:C: Done."])
+
 
 if __name__ == "__main__":
     unittest.main()
