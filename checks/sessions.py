@@ -21,17 +21,18 @@ from pathlib import Path
 
 sys.dont_write_bytecode = True
 
+import layers
 import prose
 
 FOLDER = "C:\\Labels"  # where sessions of cmd begin; emptied before
 PROMPT = re.compile(r"(C:\\[^>\n]*)>(.*)|(\$) (.*)")
 BEGIN_MARK, PROMPT_MARK, STATUS_MARK = "\x1d", "\x1e", "\x1f"  # what cmd is made to print between outputs
-SCRIPT_PAGE, SCRIPT_TESTS = "docs/automation-server.md", "tests/programs/ScriptTests.cpp"
-SCRIPTS = ("vbscript", "javascript")
 NO_ANSWER = ("none", "", "0")
-KINDS = ("console", "bat", "sh", *SCRIPTS, "powershell", "yaml", "mermaid", "text")
+SCRIPT_PAGE, SCRIPT_TESTS = "docs/automation-server.md", "tests/programs/ScriptTests.cpp"
 PROGRAMS = re.compile(r"\b(kemba|kemba-dal|[\w-]+\.cmd)\b")
 SECONDS = 120
+CONDITION = re.compile(r"&&|\|\|")
+NO_CONDITION = "has && or ||, for which Wine's cmd does not look at the status; use if errorlevel"
 
 
 @dataclass
@@ -43,9 +44,18 @@ class Block:
     lines: list = field(default_factory=list)
     above: str = ""
 
-    def untried(self):
-        """Whether the section says so, with a reason behind a colon."""
-        return re.search(r"(?i)not tried: \S", self.above) is not None
+    def text(self):
+        return "\n".join(self.lines)
+
+
+@dataclass
+class Place:
+    """Where a block stands."""
+
+    root: Path
+    sources: dict  # the tree's files but pages, by name
+    name: str
+    page: str
 
 
 @dataclass
@@ -94,8 +104,7 @@ def commands_of(block):
             text = prompt[2] if prompt[1] else prompt[4]
             if commands and "errorlevel" in text.lower():
                 commands[-1].status_shown = True
-            commands.append(Command(number, prompt[1] or "$", text,
-                                    status_shown=bool(re.search(r"(?i)&&|\|\||errorlevel", text))))
+            commands.append(Command(number, prompt[1] or "$", text, status_shown="errorlevel" in text.lower()))
         elif commands:
             commands[-1].output += line + "\n"
     return commands
@@ -109,7 +118,7 @@ def session_of(page):
 
 def batch_name(block):
     """The name under which a batch file is saved: its first remark begins with it."""
-    name = re.search(r"(?m)^@?rem (\S+\.cmd)\b", "\n".join(block.lines))
+    name = re.search(r"(?m)^@?rem (\S+\.cmd)\b", block.text())
     return name[1] if name else None
 
 
@@ -125,70 +134,83 @@ def open_brackets(text):
     return "".join(left) + "".join(re.findall("['\"]", text))
 
 
-def shell_problems(line, root, sources):
-    """A line for the building machine's shell that is not run: what it names has to be there."""
-    words = line.split("#")[0].split()
-    words = words[next((at for at, word in enumerate(words) if "=" not in word), len(words)):]
-    if not words:
-        return
-    if words[0] == "./dev":
-        if prose.is_missing(" ".join(words), root, sources):
-            yield "names a verb or a check that ./dev does not have"
-    elif words[:2] == ["cmake", "--preset"] or words[:3] == ["cmake", "--build", "--preset"]:
-        if f'"name": "{words[-1]}"' not in (root / "CMakePresets.json").read_text(encoding="utf-8"):
-            yield f"names the preset {words[-1]}, which is not there"
-    elif not (root / words[0]).exists():
-        yield f"starts {words[0]}, of which this check knows nothing"
-    known = "\n".join(text for name, text in sources.items() if name.endswith((".py", "dev")))
-    for option in words[1:]:
-        if words[0] == "./dev" and option.startswith("-") and option not in known:
-            yield f"names the option {option}, which nothing knows"
+def console_problems(block, place):
+    if not block.lines or not PROMPT.fullmatch(block.lines[0]):
+        yield block.line, "is a session that does not begin with a prompt, such as 'C:\\Labels>' or '$ '"
+    for command in commands_of(block):
+        if command.folder != "$" and CONDITION.search(command.text):
+            yield command.line, NO_CONDITION
 
 
-def block_problems(name, block, page, root, sources):
-    """What is wrong with a block without running it: a line number and words."""
-    text = "\n".join(block.lines)
-    if not block.kind:
-        yield block.line, "is a block without a kind; fence it, and name one"
-    elif block.kind not in KINDS:
-        yield block.line, f"is of the kind '{block.kind}'; known are {', '.join(KINDS)}"
-    elif block.kind == "console":
-        if not block.lines or not PROMPT.fullmatch(block.lines[0]):
-            yield block.line, "is a session that does not begin with a prompt, such as 'C:\\Labels>' or '$ '"
-    elif block.kind == "bat":
-        saved = batch_name(block)
-        if not any(saved and saved in command.text for command in session_of(page)):
-            yield block.line, "is a batch file without a 'rem NAME.cmd', or one that no session runs"
-    elif block.kind == "sh":
-        for number, line in enumerate(block.lines, block.line + 1):
-            for part in line.split("&&"):
-                yield from ((number, said) for said in shell_problems(part, root, sources))
-    elif block.kind in SCRIPTS:
-        tests = root / SCRIPT_TESTS
-        if name != SCRIPT_PAGE or f'"```{block.kind}"' not in tests.read_text(encoding="utf-8"):
-            yield block.line, f"is a script that {SCRIPT_TESTS} does not run"
-        elif page.count(f"```{block.kind}\n") > 1:
-            yield block.line, f"is one of several scripts of its kind, of which {SCRIPT_TESTS} runs the first"
-    elif block.kind in ("powershell", "yaml"):
-        if not block.untried():
-            yield block.line, "cannot be run here, and its section does not say 'Not tried: ' with the reason"
-        if block.kind == "powershell" and (left := open_brackets(text)):
-            yield block.line, f"has these without their other half: {left}"
-        if block.kind == "yaml":
-            yield from ((block.line, said) for said in yaml_problems(text))
-    elif block.kind == "text":
-        for number, line in enumerate(block.lines, block.line + 1):
-            if re.match(r"(kemba|kemba-dal|\./dev) |C:\\[^>]*>|\$ ", line) and "[" not in line:
-                yield number, "is a command in a block of mere text"
+def batch_problems(block, place):
+    name = batch_name(block)
+    if not name or not any(name in command.text for command in session_of(place.page)):
+        yield block.line, "is a batch file without a 'rem NAME.cmd', or one that no session runs"
+    if CONDITION.search(block.text()):
+        yield block.line, NO_CONDITION
 
 
-def yaml_problems(text):
+def shell_problems(block, place):
+    """What is not run: verbs, checks, options, presets and programs have to be there."""
+    known = "\n".join(text for name, text in place.sources.items() if name.endswith((".py", "dev")))
+    for number, line in enumerate(block.lines, block.line + 1):
+        for part in line.partition("#")[0].split("&&"):
+            words = list(itertools.dropwhile(lambda word: "=" in word, part.split()))
+            if words[:1] == ["./dev"]:
+                if prose.is_missing(" ".join(words), place.root, place.sources):
+                    yield number, "names a verb or a check that ./dev does not have"
+                yield from ((number, f"names the option {word}, which nothing knows") for word in words
+                            if word.startswith("-") and word not in known)
+            elif words[:1] == ["cmake"]:
+                if f'"name": "{words[-1]}"' not in (place.root / "CMakePresets.json").read_text(encoding="utf-8"):
+                    yield number, f"names the preset {words[-1]}, which is not there"
+            elif words:
+                yield number, f"starts {words[0]}, of which this check knows nothing"
+
+
+def script_problems(block, place):
+    tests = place.root / SCRIPT_TESTS
+    if place.name != SCRIPT_PAGE or f'"```{block.kind}"' not in tests.read_text(encoding="utf-8"):
+        yield block.line, f"is a script that {SCRIPT_TESTS} does not run"
+    elif place.page.count(f"```{block.kind}\n") > 1:
+        yield block.line, f"is one of several scripts of its kind, of which {SCRIPT_TESTS} runs the first"
+
+
+def untried_problems(block, place):
+    if not re.search(r"(?i)not tried: \S", block.above):
+        yield block.line, "cannot be run here, and its section does not say 'Not tried: ' with the reason"
+
+
+def powershell_problems(block, place):
+    yield from untried_problems(block, place)
+    if left := open_brackets(block.text()):
+        yield block.line, f"has these without their other half: {left}"
+
+
+def yaml_problems(block, place):
     import yaml  # Debian's python3-yaml; the one thing here that is not of the standard library
 
+    yield from untried_problems(block, place)
     try:
-        yaml.safe_load(text)
+        yaml.safe_load(block.text())
     except yaml.YAMLError as error:
-        yield "is no YAML: " + " ".join(str(error).split())
+        yield block.line, "is no YAML: " + " ".join(str(error).split())
+
+
+def picture_problems(block, place):
+    if place.name != layers.PICTURE:
+        yield block.line, f"is a picture that nothing holds; only {layers.PICTURE} has one that is"
+
+
+def text_problems(block, place):
+    for number, line in enumerate(block.lines, block.line + 1):
+        if re.match(r"(kemba|kemba-dal|\./dev) |C:\\[^>]*>|\$ ", line) and "[" not in line:
+            yield number, "is a command in a block of mere text"
+
+
+KINDS = {"console": console_problems, "bat": batch_problems, "sh": shell_problems, "vbscript": script_problems,
+         "javascript": script_problems, "powershell": powershell_problems, "yaml": yaml_problems,
+         "mermaid": picture_problems, "text": text_problems}
 
 
 def pages_of(root):
@@ -199,9 +221,15 @@ def problems(root):
     """What is wrong with the blocks of all pages, without running them."""
     sources = prose.sources_of(dict(prose.files_of(root)))
     for name, page in pages_of(root).items():
+        place = Place(root, sources, name, page)
         for block in blocks_of(page):
-            for number, said in block_problems(name, block, page, root, sources):
-                yield f"{name}:{number}: {said}"
+            if not block.kind:
+                found = [(block.line, "is a block without a kind; fence it, and name one")]
+            elif block.kind not in KINDS:
+                found = [(block.line, f"is of the kind '{block.kind}'; known are {', '.join(KINDS)}")]
+            else:
+                found = KINDS[block.kind](block, place)
+            yield from (f"{name}:{number}: {said}" for number, said in found)
 
 
 def typed(commands):

@@ -80,6 +80,17 @@ class Blocks(unittest.TestCase):
             with self.subTest(line):
                 self.assertRegex(" ".join(self.said(block("console", line))), "does not begin with a prompt")
 
+    def test_what_wine_does_otherwise_is_not_shown(self):
+        for sign in ("&&", "||"):
+            for kind, line in {"console": r"C:\Labels>cd %s cd", "bat": "rem feed.cmd %s"}.items():
+                with self.subTest(kind + sign):
+                    page = block("console", r"C:\Labels>feed.cmd") + block(kind, line % sign)
+                    self.assertRegex(" ".join(self.said(page)), "^has && or \\|\\|, for which Wine's cmd")
+
+    def test_a_picture_is_held(self):
+        self.assertRegex(self.said(block("mermaid", "a"))[0], "^is a picture that nothing holds")
+        self.assertEqual(self.said(block("mermaid", "a"), "docs/architecture.md"), [])
+
     def test_a_batch_file_is_run(self):
         for lines in (["rem feed.cmd"], ["echo feed"]):
             with self.subTest(lines):
