@@ -52,6 +52,8 @@ class Links(unittest.TestCase):
         for text in ("[a][gone]", "[gone][]", "\n[unused]: page.md\n"):
             with self.subTest(text):
                 self.assertEqual(self.said(text), wrong)
+        self.assertEqual(self.said("[only] [just words]\n\n[only]: page.md\n"), [])
+        self.assertEqual(self.said("[only]\n\n[only]: gone.md\n"), ["leads nowhere: gone.md"])
         self.assertEqual(self.said("[a][gone2]\n\n[gone2]: gone.md\n"), ["leads nowhere: gone.md"])
 
     def test_the_form_of_an_address_outside_is_looked_at(self):
