@@ -6,9 +6,9 @@ import sys
 from pathlib import Path
 
 COLUMNS = 120
-SCRIPTS = ("dev", ".ci/run", ".clang-tidy", "cmake/run-wine", "cmake/start-wine")
-ENDINGS = (".cmake", ".cpp", ".def", ".h", ".idl", ".in", ".ini", ".json", ".md", ".nuspec", ".ps1", ".py", ".rc",
-           ".sql", ".txt", ".wxs", ".yaml")
+SCRIPTS = ("dev", ".ci/run", ".clang-tidy", "cmake/run-tests", "cmake/run-wine", "cmake/start-wine")
+ENDINGS = (".cmake", ".cmd", ".cpp", ".def", ".h", ".idl", ".in", ".ini", ".js", ".json", ".md", ".nuspec", ".ps1",
+           ".py", ".rc", ".sql", ".txt", ".wxs", ".yaml")
 CATALOGUE = "KEMBA[ENU].TXT"  # content, not prose
 CONTRACT = "automation/DriverAutomation.idl"
 SERVER_PAGE = "docs/automation-server.md"
