@@ -8,6 +8,24 @@ target_include_directories(kemba_options INTERFACE ${PROJECT_SOURCE_DIR})
 # The oldest system served is Windows Vista.
 target_compile_definitions(kemba_options INTERFACE
     _WIN32_WINNT=0x0600 UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN STRICT)
+
+# What starts at wmain links this as well.
+add_library(kemba_wmain INTERFACE)
+
+if(MSVC)
+    set(CMAKE_MSVC_RUNTIME_LIBRARY MultiThreaded$<$<CONFIG:Debug>:Debug>) # in the program, as with mingw-w64
+    target_compile_options(kemba_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:
+        /W4 /WX /wd4996 # calls that the system's headers advise against: GetVersionExW has the whole record
+        /permissive- /utf-8 /volatile:iso /Zc:__cplusplus /Zc:inline /guard:cf /sdl
+        $<$<CONFIG:Release>:/Gw /Gy /Brepro>>)
+    # The manifest is one of the resources. That a library is not called is no mistake of a program that may call it.
+    target_link_options(kemba_options INTERFACE
+        /WX /MANIFEST:NO /INCREMENTAL:NO /IGNORE:4199 /guard:cf
+        $<$<CONFIG:Release>:/Brepro /OPT:REF /OPT:ICF>)
+    target_link_options(kemba_wmain INTERFACE /ENTRY:wmainCRTStartup)
+    return()
+endif()
+
 target_compile_options(kemba_options INTERFACE
     -Wall -Wextra -Werror -Wpedantic -Wshadow -Wconversion
     $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion> # for C++, GCC's -Wconversion goes without
@@ -23,3 +41,4 @@ target_link_options(kemba_options INTERFACE
     $<$<CONFIG:Release>:-Wl,--gc-sections -s>)
 # What -fstack-protector-strong refers to.
 target_link_libraries(kemba_options INTERFACE $<$<CONFIG:Release>:kemba_stack_guard>)
+target_link_options(kemba_wmain INTERFACE -municode)

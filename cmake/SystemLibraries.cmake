@@ -1,9 +1,15 @@
 # System libraries that Windows looks for beside the program first: all but the "known DLLs". Programs that ship import
 # them through these targets, which load them at the first call by way of core/SystemLibraries.cpp.
 
-# kemba_system_library(TARGET LIBRARY FILE): TARGET offers the calls of the import library lib<LIBRARY>.a, out of the
+# kemba_system_library(TARGET LIBRARY FILE): TARGET offers the calls of the import library of LIBRARY, out of the
 # system's FILE.
 function(kemba_system_library target library file)
+    add_library(${target} INTERFACE)
+    if(MSVC)
+        target_link_libraries(${target} INTERFACE ${library} delayimp)
+        target_link_options(${target} INTERFACE /DELAYLOAD:${file})
+        return()
+    endif()
     find_library(KEMBA_IMPORTS_OF_${library} ${library} REQUIRED)
     execute_process(COMMAND ${CMAKE_NM} --defined-only ${KEMBA_IMPORTS_OF_${library}}
         OUTPUT_VARIABLE symbols ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
@@ -20,7 +26,6 @@ function(kemba_system_library target library file)
         COMMENT "Making the delayed imports of ${file}"
         VERBATIM)
     add_custom_target(${target}_file DEPENDS ${folder}/lib${target}.a)
-    add_library(${target} INTERFACE)
     add_dependencies(${target} ${target}_file)
     target_link_libraries(${target} INTERFACE ${folder}/lib${target}.a)
 endfunction()

@@ -1,9 +1,20 @@
-# GoogleTest from the system's source package, cross-built.
+# GoogleTest from the system's source package, cross-built, or where there is none, as in MSYS2, as it is installed.
 set(KEMBA_GOOGLETEST /usr/src/googletest CACHE PATH "GoogleTest's source")
-set(BUILD_GMOCK OFF CACHE INTERNAL "")
-set(INSTALL_GTEST OFF CACHE INTERNAL "")
-set(gtest_disable_pthreads ON CACHE INTERNAL "")
-add_subdirectory(${KEMBA_GOOGLETEST} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+if(EXISTS ${KEMBA_GOOGLETEST}/CMakeLists.txt)
+    set(BUILD_GMOCK OFF CACHE INTERNAL "")
+    set(INSTALL_GTEST OFF CACHE INTERNAL "")
+    set(gtest_disable_pthreads ON CACHE INTERNAL "")
+    add_subdirectory(${KEMBA_GOOGLETEST} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+else()
+    find_package(GTest REQUIRED)
+endif()
+
+# What runs a test program, see there; on Windows the shell has to be named, MSYS2's.
+set(KEMBA_RUN_TESTS ${PROJECT_SOURCE_DIR}/cmake/run-tests)
+if(CMAKE_HOST_WIN32)
+    find_program(KEMBA_BASH bash REQUIRED)
+    list(PREPEND KEMBA_RUN_TESTS ${KEMBA_BASH})
+endif()
 
 # kemba_suites(NAME [SUITES REGEX] [EXCEPT REGEX] [EACH_TEST REGEX] [SECONDS NUMBER] [PROPERTIES ...]): the suites of a
 # test program, all or those that match, as entries of ctest; see Suites.cmake. Those that match EACH_TEST have an entry
@@ -25,7 +36,7 @@ set(name ${name})
 set(program [==[$<TARGET_FILE:${name}>]==])
 set(list [==[${CMAKE_CURRENT_BINARY_DIR}/${name}.list]==])
 set(wine [==[${CMAKE_CROSSCOMPILING_EMULATOR}]==])
-set(runner [==[${PROJECT_SOURCE_DIR}/cmake/run-tests]==])
+set(runner [==[${KEMBA_RUN_TESTS}]==])
 set(folder [==[${PROJECT_SOURCE_DIR}]==])
 set(limit ${arg_SECONDS})
 set(suites [==[${arg_SUITES}]==])

@@ -1,7 +1,7 @@
 // What the standard library's own code throws, replaced: its classes for that carry copies of texts, which
 // nobody reads, and with the copies come two string types as a whole, a random generator and the system's
 // words for errors. The calls are put in the place of the library's own by the linker (--wrap), as
-// core/CMakeLists.txt asks it to.
+// core/CMakeLists.txt asks it to. MSVC's library throws its own.
 #include "core/LibraryErrors.h"
 
 #include <exception>

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include "core/Compiler.h"
+
 namespace OCore {
 namespace {
 
@@ -52,4 +54,4 @@ HMODULE LoadSystemLibrary(std::string_view name) {
 
 } // namespace OCore
 
-PfnDliHook __pfnDliNotifyHook2 = OCore::OnDelayedImport;
+KEMBA_DELAY_HOOK PfnDliHook __pfnDliNotifyHook2 = OCore::OnDelayedImport;

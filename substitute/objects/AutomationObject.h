@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "automation/Owners.h"
+#include "core/Compiler.h"
 #include "substitute/base/Failure.h"
 #include "substitute/objects/LateBinding.h"
 #include "substitute/objects/ServerContext.h"
@@ -49,8 +50,8 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
     AutomationObject& operator=(const AutomationObject&) = delete;
 
     // The marshaller's identifiers lie in packed tables, at any address.
-    __attribute__((no_sanitize("alignment"))) HRESULT STDMETHODCALLTYPE
-    QueryInterface(REFIID iid, void** object) noexcept override {
+    KEMBA_ANY_ALIGNMENT HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid,
+                                                                 void** object) noexcept override {
         if (!object) {
             return E_POINTER;
         }

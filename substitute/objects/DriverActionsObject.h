@@ -5,6 +5,7 @@
 
 #include <atomic>
 
+#include "core/Compiler.h"
 #include "substitute/actions/ActionRequest.h"
 #include "substitute/objects/AutomationObject.h"
 #include "substitute/objects/ServerContext.h"
@@ -18,8 +19,8 @@ class DriverActionsObject final : public AutomationObject<IDriverActions>, publi
     /// Throws Failure.
     explicit DriverActionsObject(const ServerContext& context) : AutomationObject(context) {}
 
-    __attribute__((no_sanitize("alignment"))) HRESULT STDMETHODCALLTYPE
-    QueryInterface(REFIID iid, void** object) noexcept override {
+    KEMBA_ANY_ALIGNMENT HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid,
+                                                                 void** object) noexcept override {
         if (object && iid == kActionRequest) {
             *object = static_cast<IActionRequest*>(this);
             AddRef();

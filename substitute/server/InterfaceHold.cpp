@@ -8,6 +8,7 @@
 #include <iterator>
 
 #include "automation/Owners.h"
+#include "core/Compiler.h"
 
 namespace kemba::substitute {
 namespace {
@@ -22,8 +23,8 @@ const IID kInterfaces[] = {__uuidof(IDispatch),           __uuidof(ISupportError
 class Placeholder final : public IUnknown {
   public:
     // The marshaller's identifiers lie in packed tables, at any address.
-    __attribute__((no_sanitize("alignment"))) HRESULT STDMETHODCALLTYPE
-    QueryInterface(REFIID iid, void** object) noexcept override {
+    KEMBA_ANY_ALIGNMENT HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid,
+                                                                 void** object) noexcept override {
         const bool known =
             iid == __uuidof(IUnknown) ||
             std::find(std::begin(kInterfaces), std::end(kInterfaces), iid) != std::end(kInterfaces);
