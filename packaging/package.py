@@ -34,9 +34,11 @@ def publisher():
 
 def moment():
     """When what is packaged was written, in seconds since 1970: SOURCE_DATE_EPOCH, or when the last commit was made."""
-    given = os.environ.get("SOURCE_DATE_EPOCH")
-    return int(given or subprocess.run(["git", "-C", ROOT, "log", "-1", "--format=%ct"], check=True,
-                                       stdout=subprocess.PIPE, text=True).stdout)
+    given = os.environ.get("SOURCE_DATE_EPOCH") or subprocess.run(
+        ["git", "-C", ROOT, "log", "-1", "--format=%ct"], stdout=subprocess.PIPE, text=True, check=False).stdout.strip()
+    if not re.fullmatch(r"\d+", given):
+        sys.exit("package: there is no commit to take the time from; set SOURCE_DATE_EPOCH, in seconds since 1970")
+    return int(given)
 
 
 def stage(component, folder):
