@@ -12,12 +12,16 @@
 #include <string_view>
 #include <vector>
 
+#include "demo/Made.h"
 #include "demo/SpoolerError.h"
 #include "demo/SpoolerLock.h"
+#include "demo/Wine.h"
 
 namespace demo {
 namespace {
 
+constexpr wchar_t kWineDriver[] = L"Dock Label Printer";
+constexpr wchar_t kWindowsDriver[] = L"Generic / Text Only";
 constexpr DWORD kDriverVersion = 3; // user-mode drivers
 
 /// Wine's driver gives no settings for a printer without a description.
@@ -68,20 +72,6 @@ std::filesystem::path DriverFolder() {
     return std::filesystem::path(folder) / std::to_wstring(kDriverVersion);
 }
 
-bool IsListed() {
-    DWORD size = 0;
-    DWORD count = 0;
-    EnumPrinterDriversW(nullptr, nullptr, 1, nullptr, 0, &size, &count);
-    std::vector<BYTE> buffer(size);
-    if (!EnumPrinterDriversW(nullptr, nullptr, 1, buffer.data(), size, &size, &count)) {
-        return false;
-    }
-    const auto* const drivers = reinterpret_cast<const DRIVER_INFO_1W*>(buffer.data());
-    return std::any_of(drivers, drivers + count, [](const DRIVER_INFO_1W& driver) {
-        return std::wstring_view(driver.pName) == kLabelDriver;
-    });
-}
-
 void WriteDescription(const std::filesystem::path& path) {
     std::ofstream file(path, std::ios::binary);
     file << kDescription;
@@ -90,18 +80,15 @@ void WriteDescription(const std::filesystem::path& path) {
     }
 }
 
-} // namespace
-
-void InstallLabelDriver() {
-    const SpoolerLock lock(L"kemba label driver");
+void InstallOnWine() {
     std::wstring description = L"docklabl.ppd";
     const std::filesystem::path path = DriverFolder() / description;
-    if (std::filesystem::exists(path) && IsListed()) {
+    if (std::filesystem::exists(path) && IsDriverInstalled(kWineDriver)) {
         return;
     }
     // Wine's spooler copies no files: the description has to be in its place.
     WriteDescription(path);
-    std::wstring name = kLabelDriver;
+    std::wstring name = kWineDriver;
     std::wstring driver = L"wineps.drv";
     DRIVER_INFO_3W info{};
     info.cVersion = kDriverVersion;
@@ -112,6 +99,56 @@ void InstallLabelDriver() {
     if (!AddPrinterDriverW(nullptr, 3, reinterpret_cast<BYTE*>(&info))) {
         throw SpoolerError("AddPrinterDriver", GetLastError());
     }
+}
+
+/// Out of the drivers that come with Windows, which is what no path says. Wine's library does not have the
+/// call.
+void InstallOnWindows() {
+    using Install = HRESULT(WINAPI*)(const wchar_t*, const wchar_t*, const wchar_t*, const wchar_t*, DWORD);
+    if (IsDriverInstalled(kWindowsDriver)) {
+        return;
+    }
+    const FARPROC address =
+        GetProcAddress(GetModuleHandleW(L"winspool.drv"), "InstallPrinterDriverFromPackageW");
+    if (!address) {
+        throw SpoolerError("InstallPrinterDriverFromPackage", ERROR_CALL_NOT_IMPLEMENTED);
+    }
+    RememberMade(kMadeDriver, kWindowsDriver);
+    const HRESULT status = reinterpret_cast<Install>(reinterpret_cast<void*>(address))(
+        nullptr, nullptr, kWindowsDriver, nullptr, 0);
+    if (FAILED(status)) {
+        throw SpoolerError("InstallPrinterDriverFromPackage", static_cast<DWORD>(status));
+    }
+}
+
+} // namespace
+
+const wchar_t* LabelDriverName() {
+    return IsWine() ? kWineDriver : kWindowsDriver;
+}
+
+void InstallLabelDriver() {
+    const SpoolerLock lock(L"kemba label driver");
+    IsWine() ? InstallOnWine() : InstallOnWindows();
+}
+
+bool IsDriverInstalled(const wchar_t* name) {
+    DWORD size = 0;
+    DWORD count = 0;
+    EnumPrinterDriversW(nullptr, nullptr, 1, nullptr, 0, &size, &count);
+    std::vector<BYTE> buffer(size);
+    if (!EnumPrinterDriversW(nullptr, nullptr, 1, buffer.data(), size, &size, &count)) {
+        return false;
+    }
+    const auto* const drivers = reinterpret_cast<const DRIVER_INFO_1W*>(buffer.data());
+    return std::any_of(drivers, drivers + count, [name](const DRIVER_INFO_1W& driver) {
+        return std::wstring_view(driver.pName) == name;
+    });
+}
+
+bool RemoveDriver(const wchar_t* name) {
+    std::wstring driver = name;
+    return !IsDriverInstalled(name) || DeletePrinterDriverW(nullptr, nullptr, driver.data());
 }
 
 } // namespace demo

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string>
 
+#include "demo/Made.h"
 #include "demo/SpoolerError.h"
 
 namespace demo {
@@ -43,6 +44,7 @@ std::wstring QuotedForShell(const std::wstring& path) {
 } // namespace
 
 void ConnectPort(const std::wstring& port, const std::wstring& file) {
+    RememberMade(kMadeTarget, port);
     const std::wstring target = L"|cat >> " + QuotedForShell(HostPath(file));
     const LONG status = RegSetKeyValueW(HKEY_CURRENT_USER, kPortsKey, port.c_str(), REG_SZ, target.c_str(),
                                         static_cast<DWORD>((target.size() + 1) * sizeof(wchar_t)));

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "demo/PortTarget.h"
+#include "demo/Printers.h"
 #include "demo/SpoolerLock.h"
-#include "demo/WinePrinters.h"
 
 namespace {
 

@@ -9,9 +9,9 @@
 #include <set>
 #include <string>
 
+#include "demo/Printers.h"
 #include "demo/SpoolerError.h"
 #include "demo/SpoolerLock.h"
-#include "demo/WinePrinters.h"
 
 namespace {
 

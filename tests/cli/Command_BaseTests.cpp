@@ -13,7 +13,7 @@
 #include "cli/Command_Base.h"
 #include "core/OArray.h"
 #include "core/OString.h"
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "tests/cli/Console.h"
 
 using namespace kemba;

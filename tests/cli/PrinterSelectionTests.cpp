@@ -13,8 +13,8 @@
 #include "cli/PrinterSelection.h"
 #include "core/OArray.h"
 #include "core/SystemCalls.h"
+#include "demo/Printers.h"
 #include "demo/SpoolerLock.h"
-#include "demo/WinePrinters.h"
 #include "tests/cli/Console.h"
 #include "tests/kit/SetAside.h"
 

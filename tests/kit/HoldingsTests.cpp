@@ -10,7 +10,7 @@
 #include <string>
 
 #include "automation/Owners.h"
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Holdings.h"
 #include "tests/kit/Owners.h"

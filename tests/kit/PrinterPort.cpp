@@ -8,6 +8,7 @@
 #include <string>
 
 #include "demo/PortTarget.h"
+#include "demo/Wine.h"
 #include "tests/kit/TemporaryFile.h"
 
 namespace kit {
@@ -20,12 +21,16 @@ std::wstring UniquePortName() {
 
 } // namespace
 
-PrinterPort::PrinterPort() : m_name(UniquePortName()) {
-    demo::ConnectPort(m_name, m_file.Path());
+PrinterPort::PrinterPort() : m_name(demo::IsWine() ? UniquePortName() : m_file.Path()) {
+    if (demo::IsWine()) {
+        demo::ConnectPort(m_name, m_file.Path());
+    } // on Windows the port is made with its printer
 }
 
 PrinterPort::~PrinterPort() {
-    demo::DisconnectPort(m_name);
+    if (demo::IsWine()) {
+        demo::DisconnectPort(m_name);
+    }
 }
 
 std::string PrinterPort::Received(std::size_t count) const {

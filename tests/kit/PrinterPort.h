@@ -8,7 +8,8 @@
 
 namespace kit {
 
-/// Collects what is printed to it: demo::Printer printer({.port = port.Name()}).
+/// Takes what is printed to it: demo::Printer printer({.port = port.Name()}). On Wine it collects the jobs,
+/// on Windows each job replaces the one before it.
 class PrinterPort {
   public:
     PrinterPort();
@@ -17,12 +18,13 @@ class PrinterPort {
     ~PrinterPort();
 
     const std::wstring& Name() const { return m_name; }
-    /// The bytes that arrived. They come through another process: waits some seconds for that many at least.
+    /// The bytes that are there. They come through another process: waits some seconds for that many at
+    /// least.
     std::string Received(std::size_t count) const;
 
   private:
-    std::wstring m_name;
     TemporaryFile m_file;
+    std::wstring m_name;
 };
 
 } // namespace kit

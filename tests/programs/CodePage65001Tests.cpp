@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "tests/kit/Narrow.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/Printed.h"

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "core/OString.h"
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "tests/kit/ProcessRun.h"
 
 using namespace kit;

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "tests/kit/KeyRights.h"
 #include "tests/kit/Printed.h"
 #include "tests/kit/ProcessRun.h"

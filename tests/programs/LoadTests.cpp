@@ -14,7 +14,7 @@
 #include <thread>
 #include <vector>
 
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/Printed.h"
 #include "tests/kit/ProcessRun.h"

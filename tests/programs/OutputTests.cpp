@@ -6,7 +6,7 @@
 #include <ostream>
 #include <string>
 
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "tests/kit/OutputChannel.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/Printed.h"
@@ -72,6 +72,9 @@ class OutputThatFails : public testing::TestWithParam<BadOutput> {
 };
 
 TEST_P(OutputThatFails, FailsForEverybody) {
+    if (GetParam().error == ERROR_DISK_FULL && !m_output) {
+        GTEST_SKIP() << "there is no device here that is always full";
+    }
     DWORD written = 0;
     EXPECT_FALSE(WriteFile(m_output.get(), "x", 1, &written, nullptr));
     EXPECT_EQ(GetLastError(), GetParam().error);

@@ -1,5 +1,5 @@
 // A library that is to be mistaken for one of the system's: it leaves a mark beside itself when it is loaded,
-// and knows of no file's version.
+// and knows of no file's version and no printer.
 #include <windows.h>
 #include <winver.h>
 
@@ -28,6 +28,10 @@ BOOL WINAPI GetFileVersionInfoW(const wchar_t*, DWORD, DWORD, void*) {
 }
 
 BOOL WINAPI VerQueryValueW(const void*, const wchar_t*, void**, UINT*) {
+    return FALSE;
+}
+
+BOOL WINAPI EnumPrintersW(DWORD, wchar_t*, DWORD, BYTE*, DWORD, DWORD*, DWORD*) {
     return FALSE;
 }
 }

@@ -1,10 +1,10 @@
-// kemba.exe against kemba-dal.exe on Wine's real spooler, through the real registration.
+// kemba.exe against kemba-dal.exe on the real spooler, through the real registration.
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "Version.h"
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "tests/kit/Printed.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/programs/Kemba.h"

@@ -3,12 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "tests/kit/Narrow.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/ProcessRun.h"
@@ -19,28 +20,64 @@ using namespace kit;
 
 namespace {
 
-enum class Language { VBScript, JScript };
+enum class Language { VBScript, JScript, PowerShell };
 
 std::string NameOf(Language language) {
-    return language == Language::VBScript ? "VBScript" : "JScript";
+    constexpr const char* kNames[] = {"VBScript", "JScript", "PowerShell"};
+    return kNames[static_cast<int>(language)];
 }
 
+std::wstring FolderOf(UINT(WINAPI* get)(wchar_t*, UINT)) {
+    wchar_t folder[MAX_PATH] = {};
+    get(folder, MAX_PATH);
+    return folder;
+}
+
+/// The program that runs scripts of a language, in a process of 64 or of 32 bits.
+struct Host {
+    Language language;
+    bool is32Bit = false;
+
+    std::wstring Path() const {
+        return FolderOf(is32Bit ? GetSystemWow64DirectoryW : GetSystemDirectoryW) +
+               (language == Language::PowerShell ? L"\\WindowsPowerShell\\v1.0\\powershell.exe"
+                                                 : L"\\cscript.exe");
+    }
+};
+
 /// Runs the script in a process of its own; the words are its arguments.
-ProcessResult RunScript(Language language, const std::string& text, const std::vector<std::wstring>& words) {
+ProcessResult RunScript(const Host& host, const std::string& text, const std::vector<std::wstring>& words) {
+    constexpr const wchar_t* kNames[] = {L"script.vbs", L"script.js", L"script.ps1"};
     const TemporaryFolder folder;
-    const std::wstring name = language == Language::VBScript ? L"script.vbs" : L"script.js";
+    const std::wstring name = kNames[static_cast<int>(host.language)];
     folder.Put(name, text);
-    wchar_t system[MAX_PATH] = {};
-    GetSystemDirectoryW(system, MAX_PATH);
     std::vector<std::wstring> all = {L"//nologo", folder.File(name)};
+    if (host.language == Language::PowerShell) {
+        all = {L"-NoProfile", L"-NonInteractive", L"-ExecutionPolicy",
+               L"Bypass",     L"-File",           folder.File(name)};
+    }
     all.insert(all.end(), words.begin(), words.end());
-    return RunProgram(std::wstring(system) + L"\\cscript.exe", all);
+    return RunProgram(host.Path(), all);
+}
+ProcessResult RunScript(Language language, const std::string& text, const std::vector<std::wstring>& words) {
+    return RunScript(Host{language}, text, words);
+}
+
+/// Why no such script can be run here, found out by trying; empty when it can.
+std::string Lacking(const Host& host) {
+    const std::filesystem::path path = host.Path();
+    const std::string program = (host.is32Bit ? "32-bit " : "") + path.filename().string();
+    if (!std::filesystem::exists(path)) {
+        return "there is no " + program;
+    }
+    const char* const exitWithSeven = host.language == Language::PowerShell ? "exit 7" : "WScript.Quit 7";
+    return RunScript(host, exitWithSeven, {}).status == 7 ? "" : program + " runs no script";
 }
 
 /// The first block of the page that is fenced as one of the language.
 std::string ScriptOfThePage(const std::string& fence) {
-    std::ifstream page(AUTOMATION_PAGE);
-    EXPECT_TRUE(page) << AUTOMATION_PAGE;
+    std::ifstream page("docs/automation-server.md"); // below the folder that tests are run in
+    EXPECT_TRUE(page);
     std::string line;
     while (std::getline(page, line) && line != fence) {
     }
@@ -92,6 +129,81 @@ TEST(Script, TheJScriptOfThePageDoesWhatItSays) {
     EXPECT_NE(run.output.find("(error 161)"), std::string::npos);
     EXPECT_FALSE(file.Read().empty());
 }
+
+TEST(Script, ThePowerShellOfThePageDoesWhatItSays) {
+    if (const std::string lacking = Lacking({Language::PowerShell}); !lacking.empty()) {
+        GTEST_SKIP() << lacking;
+    }
+    const demo::Printer printer({.comment = L"by the door"});
+    const TemporaryFile file;
+    std::string script = ScriptOfThePage("```powershell");
+    Replace(script, "Dock 1", Narrow(printer.Name()));
+    Replace(script, "C:\\Labels\\dock.vqs", Narrow(file.Path()));
+    const ProcessResult run = RunScript(Language::PowerShell, script + "Write-Output $comment\r\n", {});
+    EXPECT_EQ(run.status, 0u);
+    EXPECT_EQ(run.output, "by the door\r\n");
+    EXPECT_EQ(run.errors, "");
+    EXPECT_FALSE(file.Read().empty());
+}
+
+/// Clients of either word size, late bound.
+class ScriptHost : public testing::TestWithParam<Host> {
+  protected:
+    void SetUp() override {
+        if (const std::string lacking = Lacking(GetParam()); !lacking.empty()) {
+            GTEST_SKIP() << lacking;
+        }
+    }
+    static bool IsPowerShell() { return GetParam().language == Language::PowerShell; }
+};
+
+TEST_P(ScriptHost, IsToldTheVersion) {
+    const ProcessResult run =
+        RunScript(GetParam(),
+                  IsPowerShell() ? "$server = New-Object -ComObject Kemba.VersionInformation\r\n"
+                                   "$version = ''\r\n"
+                                   "$server.GetVersion([ref] $version)\r\n"
+                                   "Write-Output $version\r\n"
+                                 : "Set server = CreateObject(\"Kemba.VersionInformation\")\r\n"
+                                   "server.GetVersion version\r\n"
+                                   "WScript.Echo version\r\n",
+                  {});
+    EXPECT_EQ(run.status, 0u);
+    EXPECT_EQ(run.output, "1.0.0\r\n");
+    EXPECT_EQ(run.errors, "");
+}
+
+TEST_P(ScriptHost, ReadsAndChangesAPrinter) {
+    const demo::Printer printer({.comment = L"by the door"});
+    const ProcessResult run =
+        RunScript(GetParam(),
+                  IsPowerShell() ? "$printer = New-Object -ComObject Kemba.DriverAutomation\r\n"
+                                   "$printer.PutPrinterName($args[0])\r\n"
+                                   "$comment = ''\r\n"
+                                   "$printer.GetComment([ref] $comment)\r\n"
+                                   "Write-Output $comment\r\n"
+                                   "$printer.PutComment('at the window')\r\n"
+                                   "$printer.GetComment([ref] $comment)\r\n"
+                                   "Write-Output $comment\r\n"
+                                 : "Set printer = CreateObject(\"Kemba.DriverAutomation\")\r\n"
+                                   "printer.PutPrinterName WScript.Arguments(0)\r\n"
+                                   "printer.GetComment comment\r\n"
+                                   "WScript.Echo comment\r\n"
+                                   "printer.PutComment \"at the window\"\r\n"
+                                   "printer.GetComment comment\r\n"
+                                   "WScript.Echo comment\r\n",
+                  {printer.Name()});
+    EXPECT_EQ(run.status, 0u);
+    EXPECT_EQ(run.output, "by the door\r\nat the window\r\n");
+    EXPECT_EQ(run.errors, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Scripts, ScriptHost,
+                         testing::Values(Host{Language::VBScript}, Host{Language::VBScript, true},
+                                         Host{Language::PowerShell}, Host{Language::PowerShell, true}),
+                         [](const auto& row) {
+                             return NameOf(row.param.language) + (row.param.is32Bit ? "32" : "64");
+                         });
 
 TEST(Script, EveryValueThatSaysNoneLeavesTheOptionOut) {
     const demo::Printer printer;

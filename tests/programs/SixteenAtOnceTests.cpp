@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/Printed.h"
 #include "tests/kit/ProcessRun.h"

@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "demo/Wine.h"
 #include "substitute/settings/Settings.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
@@ -90,7 +91,7 @@ std::wstring ReferencePath(const std::wstring& folder, int state) {
 }
 
 bool HasFilePort(int printer) {
-    return printer % 2 == 1;
+    return printer % 2 == 1 || !demo::IsWine();
 }
 
 bool MaySend(int printer, int client) {

@@ -55,10 +55,11 @@ kemba::substitute::Settings ReadNameless(const std::wstring& path);
 std::wstring ImportPath(const std::wstring& folder, int state);
 std::wstring ReferencePath(const std::wstring& folder, int state);
 
-/// Every other printer has a file as its port. A job replaces the one before it there, so that one client
-/// alone sends to it, and looks after each job; all of them send at once. The rest have PrinterPort,
-/// which collects the jobs of all clients; those go one at a time, under the lock, because Wine starts a
-/// program for each of them, and two that are started in the same moment may wait for each other for ever.
+/// Every other printer has a file as its port, on Windows each. A job replaces the one before it there, so
+/// that one client alone sends to it, and looks after each job; all of them send at once. The rest have
+/// PrinterPort, which collects the jobs of all clients; those go one at a time, under the lock, because Wine
+/// starts a program for each of them, and two that are started in the same moment may wait for each other for
+/// ever.
 bool HasFilePort(int printer);
 bool MaySend(int printer, int client);
 std::wstring FilePortPath(const std::wstring& folder, int printer);

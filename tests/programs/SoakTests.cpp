@@ -19,7 +19,7 @@
 
 #include "automation/Activation.h"
 #include "automation/Owners.h"
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "substitute/settings/Settings.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"

@@ -16,6 +16,7 @@
 #include <filesystem>
 #include <random>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -282,12 +283,16 @@ class SoakClient {
             Fail(printer, "a job that nobody sent");
         }
         SendFile(printer, path);
-        const std::string received = ReadBytes(port);
+        const std::string received = ReadBytes(port, bytes.size());
         if (received != bytes) {
             Fail(printer, "a torn job: " + std::to_string(received.size()) + " bytes instead of " +
                               std::to_string(bytes.size()));
         }
-        std::filesystem::remove(port);
+        // The spooler may hold the file for a moment longer.
+        std::error_code refused;
+        for (int tenths = 0; !std::filesystem::remove(port, refused) && tenths < 50; ++tenths) {
+            Sleep(100);
+        }
     }
 
     const int m_client;

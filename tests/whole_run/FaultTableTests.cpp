@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "core/OString.h"
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "platform/OperatingSystem.h"
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Operations.h"

@@ -1,7 +1,7 @@
 // settings import and settings export.
 #include <string>
 
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "tests/kit/Narrow.h"
 #include "tests/kit/Printed.h"
 #include "tests/kit/TemporaryFile.h"

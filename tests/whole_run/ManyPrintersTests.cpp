@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "tests/kit/Narrow.h"
 #include "tests/kit/Printed.h"
 #include "tests/kit/TemporaryFile.h"

@@ -2,8 +2,8 @@
 #include <optional>
 #include <string>
 
+#include "demo/Printers.h"
 #include "demo/SpoolerLock.h"
-#include "demo/WinePrinters.h"
 #include "messages/TextResource.h"
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Printed.h"

@@ -6,7 +6,7 @@
 #include "cli/ApplicationSettings.h"
 #include "cli/main/EntryPoint.h"
 #include "cli/main/ProcessObjects.h"
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Holdings.h"
 #include "tests/kit/Printed.h"

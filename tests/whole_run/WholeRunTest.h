@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "tests/kit/FakeServer.h"
 #include "tests/kit/Holdings.h"
 #include "tests/kit/Printed.h"

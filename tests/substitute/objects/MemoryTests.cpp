@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "automation/Owners.h"
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "substitute/actions/ActionProfile.h"
 #include "substitute/objects/ContractTypes.h"
 #include "substitute/objects/DriverActionsObject.h"

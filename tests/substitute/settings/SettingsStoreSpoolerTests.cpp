@@ -7,7 +7,7 @@
 
 #include "automation/Owners.h"
 #include "demo/LabelDriver.h"
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "substitute/objects/DriverAutomationObject.h"
 #include "substitute/objects/ServerContext.h"
 #include "substitute/settings/Settings.h"
@@ -74,7 +74,7 @@ TEST_F(SettingsSpooler, AnImportBringsBackWhatWasExported) {
     SetValue(L"Darkness", REG_DWORD, {7, 0, 0, 0});
     SetValue(L"Blob", REG_BINARY, {0, 1, 2, 0xFF, 0});
     const Settings before = Read();
-    EXPECT_EQ(before.driver.name, demo::kLabelDriver);
+    EXPECT_EQ(before.driver.name, demo::LabelDriverName());
     ASSERT_EQ(settings->ExportSettings(InText(path), omitted), S_OK);
     EXPECT_EQ(DecodeVqs(ReadSettingsFile(path, kMaximumVqsSize)), before);
 

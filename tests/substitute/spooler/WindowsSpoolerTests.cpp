@@ -7,7 +7,7 @@
 
 #include "automation/Owners.h"
 #include "demo/LabelDriver.h"
-#include "demo/WinePrinters.h"
+#include "demo/Printers.h"
 #include "substitute/objects/DriverActionsObject.h"
 #include "substitute/objects/DriverAutomationObject.h"
 #include "substitute/objects/ServerContext.h"
@@ -47,7 +47,7 @@ TEST_F(Spooler, ReadsARealPrinter) {
     EXPECT_EQ(ReadText<IDriverAutomation>(*automation, &IDriverAutomation::GetPortName, text), S_OK);
     EXPECT_EQ(text, L"LPT1:");
     EXPECT_EQ(ReadText<IDriverAutomation>(*automation, &IDriverAutomation::GetModelName, text), S_OK);
-    EXPECT_EQ(text, demo::kLabelDriver);
+    EXPECT_EQ(text, demo::LabelDriverName());
     ComPtr<IPrinterInformation> information;
     ASSERT_EQ(automation->GetPrinterInformation(information.Put()), S_OK);
     EXPECT_EQ(ReadText(*information, &IPrinterInformation::GetStatus, text), S_OK);
@@ -87,7 +87,7 @@ TEST_F(Spooler, ChangesARealPrinter) {
     EXPECT_EQ(read(&IDriverAutomation::GetLocation), L"Hall");
     EXPECT_EQ(read(&IDriverAutomation::GetShareName), L"LABELNEW");
     EXPECT_EQ(read(&IDriverAutomation::GetPortName), L"LPT1:");
-    EXPECT_EQ(read(&IDriverAutomation::GetModelName), demo::kLabelDriver);
+    EXPECT_EQ(read(&IDriverAutomation::GetModelName), demo::LabelDriverName());
     EXPECT_EQ(automation->PutLocation(InText(L"")), S_OK);
     EXPECT_EQ(automation->PutShareName(InText(L"")), S_OK);
     EXPECT_EQ(read(&IDriverAutomation::GetLocation), L"");
@@ -125,7 +125,7 @@ TEST_F(Spooler, AFilesBytesArriveAtThePort) {
 TEST_F(Spooler, AnActionsBytesArriveAtThePort) {
     const TemporaryFolder folder;
     profileFolder = folder.Path();
-    folder.Put(std::wstring(demo::kLabelDriver) + L".profile", "Feed = NUL FF 0xFF");
+    folder.Put(std::wstring(demo::LabelDriverName()) + L".profile", "Feed = NUL FF 0xFF");
     const PrinterPort port;
     const demo::Printer printer({.port = port.Name()});
     const auto automation = MakeReal();

@@ -1,4 +1,4 @@
-// Printers on Wine's own spooler.
+// Printers on the spooler: on Wine's own, and, made by an administrator, on that of Windows.
 //
 //     const demo::Printer printer({.comment = L"by the door", .shareName = L"dock"});
 //     ... use printer.Name(); it is gone at the end of the scope ...
@@ -28,11 +28,13 @@ struct PrinterSettings {
     DWORD attributes = 0;     ///< further attributes, PRINTER_ATTRIBUTE_...
 };
 
-/// Makes a printer that stays until it is deleted or Wine's server ends, and installs its driver if need be.
-/// Throws SpoolerError when there is a printer of that name, or the spooler refuses.
+/// Makes a printer that stays until it is deleted or Wine's server ends, and installs its driver if need be;
+/// on Windows also its port, if that is a file's path. Throws SpoolerError when there is a printer of that
+/// name, or the spooler refuses.
 void MakePrinter(const std::wstring& name, const PrinterSettings& settings);
 
-/// Deletes the printer; does nothing when there is none of that name.
+/// Deletes the printer with its jobs, and its port if that is a file; does nothing when there is none of that
+/// name.
 void RemovePrinter(const std::wstring& name);
 
 /// Whether there is a printer of that name, which is compared as the spooler does it: ignoring case.

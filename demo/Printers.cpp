@@ -1,5 +1,5 @@
-// Printers on Wine's own spooler.
-#include "demo/WinePrinters.h"
+// Printers on the spooler.
+#include "demo/Printers.h"
 
 #include <winspool.h>
 
@@ -10,7 +10,9 @@
 #include <vector>
 
 #include "core/Handles.h"
+#include "demo/FilePort.h"
 #include "demo/LabelDriver.h"
+#include "demo/Made.h"
 #include "demo/SpoolerError.h"
 
 namespace demo {
@@ -31,6 +33,16 @@ OCore::UniquePrinter Open(const std::wstring& name, DWORD access) {
     return OCore::UniquePrinter(OpenPrinterW(changeable.data(), &printer, &defaults) ? printer : nullptr);
 }
 
+std::wstring PortOf(HANDLE printer) {
+    DWORD size = 0;
+    GetPrinterW(printer, 2, nullptr, 0, &size);
+    std::vector<BYTE> buffer(size);
+    if (!GetPrinterW(printer, 2, buffer.data(), size, &size)) {
+        return {};
+    }
+    return reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data())->pPortName;
+}
+
 } // namespace
 
 void MakePrinter(const std::wstring& name, const PrinterSettings& settings) {
@@ -39,9 +51,13 @@ void MakePrinter(const std::wstring& name, const PrinterSettings& settings) {
         throw SpoolerError("AddPrinter", ERROR_PRINTER_ALREADY_EXISTS);
     }
     InstallLabelDriver();
+    if (IsFilePort(settings.port)) {
+        MakeFilePort(settings.port);
+    }
+    RememberMade(kMadePrinter, name);
     std::wstring printerName = name;
     PrinterSettings texts = settings;
-    std::wstring driver = kLabelDriver;
+    std::wstring driver = LabelDriverName();
     std::wstring processor = L"WinPrint";
     std::wstring datatype = L"RAW";
     PRINTER_INFO_2W info{};
@@ -60,8 +76,16 @@ void MakePrinter(const std::wstring& name, const PrinterSettings& settings) {
 }
 
 void RemovePrinter(const std::wstring& name) {
+    std::wstring port;
     if (const auto printer = Open(name, PRINTER_ALL_ACCESS)) {
+        port = PortOf(printer.get());
+        // Windows keeps a printer until its last job has gone, and one that is paused lets none go.
+        SetPrinterW(printer.get(), 0, nullptr, PRINTER_CONTROL_PURGE);
         DeletePrinter(printer.get());
+    }
+    // The spooler lets go of a port some time after its last printer.
+    for (int tenths = 0; IsFilePort(port) && !RemoveFilePort(port) && tenths < 50; ++tenths) {
+        Sleep(100);
     }
 }
 

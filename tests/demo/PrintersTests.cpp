@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "demo/PortTarget.h"
+#include "demo/Printers.h"
 #include "demo/SpoolerError.h"
 #include "demo/SpoolerLock.h"
-#include "demo/WinePrinters.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/ProcessRun.h"
@@ -55,7 +55,7 @@ bool SendRaw(const std::wstring& name, std::string bytes) {
            EndDocPrinter(printer.get()) && written == bytes.size();
 }
 
-TEST(WinePrinters, APrinterIsListedWhileItLivesAndGoneAfterwards) {
+TEST(Printers, APrinterIsListedWhileItLivesAndGoneAfterwards) {
     std::wstring name;
     {
         const demo::Printer printer;
@@ -67,7 +67,7 @@ TEST(WinePrinters, APrinterIsListedWhileItLivesAndGoneAfterwards) {
     EXPECT_FALSE(demo::PrinterExists(name));
 }
 
-TEST(WinePrinters, APrinterHasTheSettingsThatItWasMadeWith) {
+TEST(Printers, APrinterHasTheSettingsThatItWasMadeWith) {
     const demo::Printer printer({.port = L"LPT2:",
                                  .comment = L"by the d\u00F6\u00F6r",
                                  .location = L"Hall 3",
@@ -84,13 +84,13 @@ TEST(WinePrinters, APrinterHasTheSettingsThatItWasMadeWith) {
     EXPECT_EQ(info.Attributes & PRINTER_ATTRIBUTE_WORK_OFFLINE, DWORD{PRINTER_ATTRIBUTE_WORK_OFFLINE});
 }
 
-TEST(WinePrinters, APrinterWithoutShareNameIsNotShared) {
+TEST(Printers, APrinterWithoutShareNameIsNotShared) {
     const demo::Printer printer;
     std::vector<BYTE> buffer;
     EXPECT_EQ(Describe(printer.Name(), buffer).Attributes & PRINTER_ATTRIBUTE_SHARED, 0U);
 }
 
-TEST(WinePrinters, APrinterHasADriverWithSettings) {
+TEST(Printers, APrinterHasADriverWithSettings) {
     const demo::Printer printer;
     std::wstring name = printer.Name();
     const UniquePrinter opened = OwnPrinter(name);
@@ -104,13 +104,13 @@ TEST(WinePrinters, APrinterHasADriverWithSettings) {
     EXPECT_GT(settings->dmSize, 0);
 }
 
-TEST(WinePrinters, TheNameOfAnotherPrinterIsRefused) {
+TEST(Printers, TheNameOfAnotherPrinterIsRefused) {
     const demo::Printer printer;
     EXPECT_THROW(demo::MakePrinter(printer.Name(), {}), demo::SpoolerError);
     EXPECT_TRUE(IsListed(printer.Name()));
 }
 
-TEST(WinePrinters, ARawJobArrivesByteForByte) {
+TEST(Printers, ARawJobArrivesByteForByte) {
     const PrinterPort port;
     const demo::Printer printer({.port = port.Name()});
     std::string bytes;
@@ -123,7 +123,7 @@ TEST(WinePrinters, ARawJobArrivesByteForByte) {
     EXPECT_EQ(port.Received(bytes.size() + 4), bytes + "more");
 }
 
-TEST(WinePrinters, TheDefaultPrinterIsSetAndPutBack) {
+TEST(Printers, TheDefaultPrinterIsSetAndPutBack) {
     const demo::SpoolerLock lock;
     const auto former = demo::GetDefaultPrinterName();
     {
@@ -140,7 +140,7 @@ TEST(WinePrinters, TheDefaultPrinterIsSetAndPutBack) {
     EXPECT_EQ(demo::GetDefaultPrinterName(), former);
 }
 
-TEST(WinePrinters, TheLockKeepsOthersOut) {
+TEST(Printers, TheLockKeepsOthersOut) {
     const std::wstring name = demo::UniquePrinterName();
     const UniqueHandle held(CreateMutexW(nullptr, TRUE, name.c_str()));
     std::atomic<bool> inside = false;
