@@ -64,6 +64,8 @@ ProcessResult RunProgram(std::wstring_view name, const std::vector<std::wstring>
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
+    std::wstring desktop = options.desktop;
+    startup.lpDesktop = desktop.empty() ? nullptr : desktop.data();
     startup.hStdInput = input.get();
     startup.hStdOutput = options.output.value_or(output.WriteEnd());
     startup.hStdError = errors.WriteEnd();

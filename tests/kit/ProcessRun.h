@@ -18,6 +18,7 @@ struct ProcessOptions {
     std::map<std::wstring, std::wstring> environment; ///< variables beside, or in place of, the test's own
     bool outputToFile = false;                        ///< standard output is a file instead of a pipe
     std::optional<HANDLE> output;                     ///< standard output instead; inheritable, null for none
+    std::wstring desktop;                             ///< "station\\desktop" in place of the test's own
     std::chrono::milliseconds timeout = std::chrono::seconds(30);
 };
 

@@ -19,10 +19,12 @@
 #include "substitute/server/ServingTurn.h"
 #include "tests/kit/CallTexts.h"
 #include "tests/kit/Owners.h"
+#include "tests/kit/Printed.h"
 #include "tests/kit/PrinterPort.h"
 #include "tests/kit/ProcessRun.h"
 #include "tests/kit/RegistryPreset.h"
 #include "tests/kit/TemporaryFile.h"
+#include "tests/programs/Kemba.h"
 #include "tests/programs/ServerProgram.h"
 
 using namespace kemba;
@@ -230,6 +232,51 @@ TEST_F(ServerLifetime, AProgramThatFindsAnotherServingWaitsForItsTurn) {
     turn.GiveUp();
     client.join();
     EXPECT_TRUE(served);
+}
+
+/// A window station of the test's own, which nobody sees, with a desktop.
+class HiddenDesktop {
+  public:
+    HiddenDesktop() {
+        const HWINSTA own = GetProcessWindowStation();
+        SetProcessWindowStation(m_station);
+        m_desktop = CreateDesktopW(L"hidden", nullptr, nullptr, 0, GENERIC_ALL, nullptr);
+        SetProcessWindowStation(own);
+    }
+    HiddenDesktop(const HiddenDesktop&) = delete;
+    HiddenDesktop& operator=(const HiddenDesktop&) = delete;
+    ~HiddenDesktop() {
+        CloseDesktop(m_desktop);
+        CloseWindowStation(m_station);
+    }
+    /// As a start of a program names it.
+    std::wstring Name() const {
+        wchar_t name[256] = {};
+        EXPECT_TRUE(GetUserObjectInformationW(m_station, UOI_NAME, name, sizeof(name), nullptr));
+        EXPECT_TRUE(m_desktop);
+        return std::wstring(name) + L"\\hidden";
+    }
+
+  private:
+    const HWINSTA m_station = CreateWindowStationW(nullptr, 0, GENERIC_ALL, nullptr);
+    HDESK m_desktop = nullptr;
+};
+
+/// The server comes to the desktop of the client that starts it.
+TEST_F(ServerLifetime, ShowsNoDialogOnADesktopThatNobodySees) {
+    const demo::Printer printer;
+    const std::string name = Printed(printer.Name());
+    const HiddenDesktop hidden;
+    ASSERT_TRUE(WaitForNoServer());
+    ProcessOptions options;
+    options.desktop = hidden.Name();
+    const ProcessResult asked =
+        Kemba({L"/p", printer.Name(), L"action", L"-n", L"ConfigurePrinter"}, options);
+    EXPECT_EQ(asked.output, Framed("Action", {name + ":", "Action 'ConfigurePrinter' is not supported."}));
+    const ProcessResult executed = Kemba({L"/p", printer.Name(), L"action", L"ConfigurePrinter"}, options);
+    EXPECT_FALSE(executed.timedOut);
+    EXPECT_EQ(executed.output, Framed("Action", {name + ":", ""}));
+    ASSERT_TRUE(WaitForNoServer()); // others come with a desktop
 }
 
 TEST_F(ServerLifetime, RefusesToServeWhenTheApplicationIsToRunAsAnAccount) {

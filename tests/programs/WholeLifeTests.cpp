@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
@@ -90,6 +91,16 @@ struct WholeLife : testing::Test {
         return Framed("Get", {name + ": " + Printed(value)});
     }
 
+    /// The printer as the spooler describes it, without what is referred to.
+    PRINTER_INFO_2W Described() const {
+        const UniquePrinter handle = OwnPrinter(printer.Name());
+        DWORD needed = 0;
+        GetPrinterW(handle.get(), 2, nullptr, 0, &needed);
+        std::vector<BYTE> bytes(std::max<std::size_t>(needed, sizeof(PRINTER_INFO_2W)));
+        EXPECT_TRUE(GetPrinterW(handle.get(), 2, bytes.data(), needed, &needed));
+        return *reinterpret_cast<const PRINTER_INFO_2W*>(bytes.data());
+    }
+
     const PrinterPort port;
     const demo::Printer printer{
         {.port = port.Name(), .comment = L"", .location = L"", .shareName = L"", .attributes = 0}};
@@ -150,6 +161,8 @@ TEST_F(WholeLife, SettingsAreExportedImportedAndReset) {
     On({L"settings", L"import", changed.Path()});
     EXPECT_EQ(settings.Orientation(), DMORIENT_LANDSCAPE);
     EXPECT_EQ(settings.Data(L"Darkness"), 17U);
+    On({L"settings", L"export", file.Path()});
+    EXPECT_EQ(file.Read(), changed.Read());
 
     EXPECT_EQ(On({L"settings", L"reset"}), Framed("Settings", {"Settings reset for '" + name + "'."}));
     EXPECT_EQ(settings.Orientation(), DMORIENT_PORTRAIT);
@@ -180,13 +193,64 @@ TEST_F(WholeLife, AProfilesActionArrivesAsItsBytes) {
     std::filesystem::remove(path);
 }
 
-TEST_F(WholeLife, TheQueueRefusesWhereTheSpoolerHasNoControl) {
-    if (!demo::IsWine()) {
-        GTEST_SKIP() << "the spooler has queue commands";
+TEST_F(WholeLife, SharingBeginsAndEnds) {
+    EXPECT_EQ(Described().Attributes & PRINTER_ATTRIBUTE_SHARED, 0U);
+    On({L"set", L"sharename", L"kemba-dock"});
+    EXPECT_EQ(Described().Attributes & PRINTER_ATTRIBUTE_SHARED, DWORD{PRINTER_ATTRIBUTE_SHARED});
+    On({L"set", L"sharename", L""});
+    EXPECT_EQ(Described().Attributes & PRINTER_ATTRIBUTE_SHARED, 0U);
+}
+
+/// Where the spooler has queue commands.
+struct PrinterQueue : WholeLife {
+    void SetUp() override {
+        EXPECT_EQ(On({L"get", L"status"}), Shown(L"Ready"));
+        const std::string pause = On({L"queue", L"Pause"});
+        if (demo::IsWine()) {
+            for (const std::string& refused : {pause, On({L"queue", L"Resume"}), On({L"queue", L"Purge"})}) {
+                EXPECT_EQ(refused, Framed("Queue", {kUnsupported}));
+            }
+            GTEST_SKIP() << "the spooler has no queue commands";
+        }
+        EXPECT_EQ(pause, Framed("Queue", {}));
+        EXPECT_EQ(On({L"get", L"status"}), Shown(L"Paused"));
     }
-    for (const wchar_t* const word : {L"Pause", L"Resume", L"Purge"}) {
-        EXPECT_EQ(On({L"queue", word}), Framed("Queue", {kUnsupported}));
+    void Send(const std::string& bytes) {
+        const TemporaryFile file(bytes);
+        EXPECT_EQ(On({L"send", file.Path()}), Framed("Send", {"File sent to '" + name + "'."}));
     }
+    /// Whether there are that many jobs, or there are after some seconds.
+    bool HasJobs(DWORD count) {
+        for (int tenths = 0; Described().cJobs != count && tenths < 100; ++tenths) {
+            Sleep(100);
+        }
+        return Described().cJobs == count;
+    }
+};
+
+TEST_F(PrinterQueue, HoldsJobsWhilePausedAndLetsThemGoWhenResumed) {
+    Send("a job that waits");
+    EXPECT_TRUE(HasJobs(1));
+    Sleep(1'000); // long enough for it to be printed, if it were
+    EXPECT_TRUE(HasJobs(1));
+    EXPECT_EQ(port.Received(0), "");
+    EXPECT_EQ(On({L"queue", L"Pause"}), Framed("Queue", {})) << "once more";
+    EXPECT_EQ(On({L"queue", L"Resume"}), Framed("Queue", {}));
+    EXPECT_EQ(port.Received(16), "a job that waits");
+    EXPECT_TRUE(HasJobs(0));
+    EXPECT_EQ(On({L"get", L"status"}), Shown(L"Ready"));
+}
+
+TEST_F(PrinterQueue, PurgeDeletesTheJobsOfAPausedQueue) {
+    for (int job = 1; job <= 3; ++job) {
+        Send("a job that never comes");
+    }
+    EXPECT_TRUE(HasJobs(3));
+    EXPECT_EQ(On({L"queue", L"Purge"}), Framed("Queue", {}));
+    EXPECT_TRUE(HasJobs(0));
+    EXPECT_EQ(On({L"queue", L"Resume"}), Framed("Queue", {}));
+    Send("the next");
+    EXPECT_EQ(port.Received(8), "the next");
 }
 
 TEST_F(WholeLife, TheDriversVersionIsThatOfItsFile) {
