@@ -8,7 +8,7 @@ PAGE = "tests/README.md"
 # What is no part of what ships: benchmarks measure and are not tested.
 WITHOUT_TESTS = ("bench", "build", "tests")
 # Folders of tests whose files have no source each; the page says what is in them.
-OF_THEIR_OWN = ("commands", "fuzz", "kit", "programs", "shortage", "whole_run")
+OF_THEIR_OWN = ("acceptance", "commands", "fuzz", "kit", "programs", "shortage", "whole_run")
 
 
 def problems(root):

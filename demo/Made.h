@@ -19,6 +19,10 @@ inline constexpr char kMadePort[] = "port";     // on Windows: a local port that
 inline constexpr char kMadeTarget[] = "target"; // on Wine: where a port's output goes
 inline constexpr char kMadeDriver[] = "driver";
 inline constexpr char kMadeFile[] = "file";
+inline constexpr char kMadeClass[] = "class"; // registered for the machine by a test; its identity
+
+/// Where such classes are.
+inline const std::wstring kOwnClassesKey = L"SOFTWARE\\Classes\\CLSID\\";
 
 struct Made {
     std::string kind;

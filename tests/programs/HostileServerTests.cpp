@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "demo/Made.h"
 #include "demo/Printers.h"
 #include "demo/Wine.h"
 #include "tests/kit/CommandLine.h"
@@ -110,16 +111,19 @@ class Registered {
   public:
     /// `kind` is LocalServer32 or InprocServer32.
     Registered(const OwnClasses& classes, const std::wstring& kind, const std::wstring& path)
-        : m_keys{{HKEY_LOCAL_MACHINE, kClasses + TextOf(classes.automation)},
-                 {HKEY_LOCAL_MACHINE, kClasses + TextOf(classes.actions)},
-                 {HKEY_LOCAL_MACHINE, kClasses + TextOf(classes.version)}} {
+        : m_keys{{HKEY_LOCAL_MACHINE, PathOf(classes.automation)},
+                 {HKEY_LOCAL_MACHINE, PathOf(classes.actions)},
+                 {HKEY_LOCAL_MACHINE, PathOf(classes.version)}} {
         for (const ScratchKey& key : m_keys) {
             key.Set(L"", RegistryData::OfText(path), kind);
         }
     }
 
   private:
-    inline static const std::wstring kClasses = L"SOFTWARE\\Classes\\CLSID\\";
+    static std::wstring PathOf(const CLSID& id) {
+        demo::RememberMade(demo::kMadeClass, TextOf(id));
+        return demo::kOwnClassesKey + TextOf(id);
+    }
 
     const ScratchKey m_keys[3];
 };

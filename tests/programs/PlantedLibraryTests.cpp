@@ -49,6 +49,9 @@ class PlantedLibrary : public testing::Test {
     std::wstring Bring(const std::wstring& program) {
         const std::wstring name = L"planted-" + std::to_wstring(GetCurrentProcessId()) + L"-" + program;
         std::filesystem::copy_file(ProgramPath(program), folder.File(name));
+        if (!demo::IsWine()) {
+            return folder.File(name);
+        }
         const ScratchKey& key =
             m_keys.emplace_back(HKEY_CURRENT_USER, L"Software\\Wine\\AppDefaults\\" + name);
         for (const std::wstring& library : kLibraries) {

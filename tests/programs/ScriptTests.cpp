@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "Version.h"
 #include "demo/Printers.h"
 #include "tests/kit/Narrow.h"
 #include "tests/kit/PrinterPort.h"
@@ -169,7 +170,7 @@ TEST_P(ScriptHost, IsToldTheVersion) {
                                    "WScript.Echo version\r\n",
                   {});
     EXPECT_EQ(run.status, 0u);
-    EXPECT_EQ(run.output, "1.0.0\r\n");
+    EXPECT_EQ(run.output, KEMBA_VERSION_TEXT "\r\n");
     EXPECT_EQ(run.errors, "");
 }
 
