@@ -127,6 +127,16 @@ class Packages(unittest.TestCase):
                 self.assertIn(name, names)
             self.assertFalse([name for name in names if re.search(r"test|demo|Dock", name)])
 
+    def test_the_acceptance_zip_has_what_is_started_and_what_that_starts(self):
+        with zipfile.ZipFile(MADE[2]) as archive:
+            self.assertIsNone(archive.testzip())
+            folder = f"kemba-acceptance-{VERSION}/"
+            names = {name.removeprefix(folder) for name in archive.namelist()}
+            for name in ("README.txt", "acceptance.exe", "kemba.exe", "kemba-dal.exe", "program_tests.exe"):
+                self.assertIn(name, names)
+            script = archive.read(folder + "accept.cmd")
+            self.assertEqual(script.count(b"\r\n"), script.count(b"\n"))
+
     def test_the_checksums_in_the_zip_and_beside_it_are_those_of_all_files(self):
         with zipfile.ZipFile(MADE[0]) as archive:
             archive.extractall(SCRATCH / "out")
