@@ -5,6 +5,7 @@
 #include <chrono>
 #include <functional>
 #include <future>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
@@ -260,16 +261,16 @@ TEST_F(SettingsStore, APrinterThatKeepsItsCallerWaitingHoldsUpNoOther) {
     spooler.printers[L"Other"].driver = L"Zippy 300";
     const Printer other(spooler, locks, L"Other");
     std::promise<void> release;
-    std::atomic<int> openings{0};
+    std::promise<void> opened;
+    std::once_flag first;
     spooler.opening = [&, released = release.get_future().share()](const std::wstring& name) {
         if (name == L"Other") {
-            ++openings;
-            openings.notify_all();
+            std::call_once(first, [&] { opened.set_value(); });
             released.wait();
         }
     };
     const auto waiting = std::async(std::launch::async, [&] { ResetSettings(other); });
-    openings.wait(0);
+    opened.get_future().wait();
     const auto served = std::async(std::launch::async, [&] { ResetSettings(*printer); });
     EXPECT_EQ(served.wait_for(std::chrono::seconds(30)), std::future_status::ready);
     EXPECT_NE(waiting.wait_for(std::chrono::seconds(0)), std::future_status::ready);
