@@ -103,8 +103,10 @@ class GivenArguments {
     UINT* const m_wrong;
 };
 
+/// Whether HandOver() can put a value of that type there.
 bool CanTake(const VARIANTARG& place, VARTYPE out) {
-    return (place.vt == (VT_BYREF | VT_VARIANT) || place.vt == (VT_BYREF | out)) && place.byref;
+    const bool known = out == VT_BSTR || out == VT_DISPATCH || out == VT_BOOL;
+    return place.byref && (place.vt == (VT_BYREF | VT_VARIANT) || (known && place.vt == (VT_BYREF | out)));
 }
 
 /// Hands the value over into the caller's variable, whose former content is released.
@@ -122,7 +124,7 @@ HRESULT HandOver(OwnedVariant& value, const VARIANTARG& place) {
         SysFreeString(std::exchange(*place.pbstrVal, value.Detach().bstrVal));
     } else if (type == VT_DISPATCH) {
         const ComPtr<IDispatch> former(std::exchange(*place.ppdispVal, value.Detach().pdispVal));
-    } else {
+    } else if (type == VT_BOOL) {
         *place.pboolVal = value.Detach().boolVal;
     }
     return S_OK;

@@ -7,6 +7,7 @@
 
 #include "automation/Owners.h"
 #include "substitute/objects/DriverActionsObject.h"
+#include "substitute/objects/LateBinding.h"
 #include "substitute/objects/VersionInformationObject.h"
 #include "tests/kit/CallTexts.h"
 #include "tests/kit/Owners.h"
@@ -101,6 +102,28 @@ TEST_F(LateBindingRefusal, AVariableOfAnotherTypeAndNoVariable) {
     }
     EXPECT_EQ(number, 7);
     EXPECT_EQ(object, nullptr);
+}
+
+/// The contract has none; the system's own library does, as the last argument of IEnumVARIANT::Next.
+TEST_F(LateBindingRefusal, AVariableOfATypeThatTheContractDoesNotHandOut) {
+    ComPtr<ITypeLib> library;
+    ComPtr<ITypeInfo> enumerator;
+    ASSERT_EQ(LoadTypeLib(L"stdole2.tlb", library.Put()), S_OK);
+    ASSERT_EQ(library->GetTypeInfoOfGuid(IID_IEnumVARIANT, enumerator.Put()), S_OK);
+    wchar_t next[] = L"Next";
+    LPOLESTR names = next;
+    DISPID member = DISPID_UNKNOWN;
+    ASSERT_EQ(enumerator->GetIDsOfNames(&names, 1, &member), S_OK);
+    ULONG fetched = 7;
+    Value element;
+    VARIANT given[] = {Reference(VT_UI4, &fetched), Reference(element), Value(1)};
+    DISPPARAMS arguments = {given, nullptr, 3, 0};
+    UINT wrongArgument = 77;
+    EXPECT_EQ(InvokeByName(*automation, *enumerator, member, DISPATCH_METHOD, &arguments, nullptr, nullptr,
+                           &wrongArgument),
+              DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(wrongArgument, 0u);
+    EXPECT_EQ(fetched, 7u);
 }
 
 TEST_F(LateBindingRefusal, AValueThatCannotBeConverted) {
