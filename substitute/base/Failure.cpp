@@ -60,8 +60,18 @@ Failure ComFailure(const std::wstring& what, HRESULT status) {
 
 void ThrowIfFailed(HRESULT status, const wchar_t* what) {
     if (FAILED(status)) {
-        throw ComFailure(what, status);
+        throw ComFailure(what + std::wstring(L" failed"), status);
     }
+}
+
+void ThrowIfError(DWORD error, const wchar_t* what) {
+    if (error != ERROR_SUCCESS) {
+        throw WindowsFailure(what + std::wstring(L" failed"), error);
+    }
+}
+
+void ThrowIfError(DWORD error, const std::wstring& what) {
+    ThrowIfError(error, what.c_str());
 }
 
 Failure CurrentFailure() noexcept {

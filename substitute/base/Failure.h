@@ -22,8 +22,10 @@ struct Failure {
 Failure WindowsFailure(const std::wstring& what, DWORD error);
 /// A failed COM call, likewise; the code is given in hexadecimal.
 Failure ComFailure(const std::wstring& what, HRESULT status);
-/// Throws the failure if the status is one.
+/// Throw the failure, "`what` failed" being its words, if the status or the error code is one.
 void ThrowIfFailed(HRESULT status, const wchar_t* what);
+void ThrowIfError(DWORD error, const wchar_t* what);
+void ThrowIfError(DWORD error, const std::wstring& what);
 
 /// Maps the exception being handled to a failure, in words of ours whatever it is; for catch blocks only.
 Failure CurrentFailure() noexcept;

@@ -11,13 +11,14 @@ namespace kemba::substitute {
 
 ContractTypes::ContractTypes() {
     ThrowIfFailed(LoadTypeLibEx(ProgramPath().c_str(), REGKIND_NONE, m_library.Put()),
-                  L"loading the type library failed");
+                  L"loading the type library");
 }
 
 ComPtr<ITypeInfo> ContractTypes::Find(REFIID iid) const {
     ComPtr<ITypeInfo> information;
-    ThrowIfFailed(m_library->GetTypeInfoOfGuid(iid, information.Put()),
-                  L"the type library lacks an interface");
+    if (const HRESULT found = m_library->GetTypeInfoOfGuid(iid, information.Put()); FAILED(found)) {
+        throw ComFailure(L"the type library lacks an interface", found);
+    }
     return information;
 }
 

@@ -78,7 +78,7 @@ ClassObjects::ClassObjects(const ServerContext& context, ServingTurn& turn) : m_
         // Whoever found a class just before it was hidden still reaches it: without this the system would cut
         // it off at once.
         ThrowIfFailed(CoLockObjectExternal(m_classes.back().factory.Get(), TRUE, FALSE),
-                      L"keeping a class within reach failed");
+                      L"keeping a class within reach");
     }
 }
 
@@ -94,9 +94,9 @@ void ClassObjects::Show() {
         for (Offered& offered : m_classes) {
             ThrowIfFailed(CoRegisterClassObject(offered.id, offered.factory.Get(), CLSCTX_LOCAL_SERVER,
                                                 REGCLS_MULTIPLEUSE | REGCLS_SUSPENDED, &offered.cookie),
-                          L"offering a class failed");
+                          L"offering a class");
         }
-        ThrowIfFailed(CoResumeClassObjects(), L"offering the classes failed");
+        ThrowIfFailed(CoResumeClassObjects(), L"offering the classes");
     } catch (...) {
         Hide();
         m_turn.GiveUp();

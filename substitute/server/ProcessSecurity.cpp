@@ -32,11 +32,8 @@ std::wstring ReadText(HKEY root, const std::wstring& key, const wchar_t* value) 
     if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) {
         return {};
     }
-    if (error != ERROR_SUCCESS) {
-        throw WindowsFailure(std::wstring(L"reading the application's registry value \"") + value +
-                                 L"\" failed",
-                             static_cast<DWORD>(error));
-    }
+    ThrowIfError(static_cast<DWORD>(error),
+                 std::wstring(L"reading the application's registry value \"") + value + L"\"");
     return text;
 }
 
@@ -126,7 +123,7 @@ void SecureProcess() {
     ThrowIfFailed(CoInitializeSecurity(rights.Get(), -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_PKT_PRIVACY,
                                        RPC_C_IMP_LEVEL_IDENTIFY, nullptr,
                                        EOAC_NO_CUSTOM_MARSHAL | EOAC_DISABLE_AAA, nullptr),
-                  L"setting the security of calls failed");
+                  L"setting the security of calls");
 }
 
 } // namespace kemba::substitute

@@ -24,8 +24,7 @@ constexpr int kMisused = 2;
 class Apartment {
   public:
     Apartment() {
-        ThrowIfFailed(CoInitializeEx(nullptr, COINIT_MULTITHREADED),
-                      L"starting the component runtime failed");
+        ThrowIfFailed(CoInitializeEx(nullptr, COINIT_MULTITHREADED), L"starting the component runtime");
     }
     Apartment(const Apartment&) = delete;
     Apartment& operator=(const Apartment&) = delete;

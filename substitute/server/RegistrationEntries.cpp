@@ -25,7 +25,7 @@ std::wstring ProgramId(const ServerClass& served) {
 /// Appends the interface that the information describes if it is one for the system's marshaller.
 void AppendInterface(ITypeInfo& information, std::vector<LibraryDescription::Interface>& interfaces) {
     TYPEATTR* attributes = nullptr;
-    ThrowIfFailed(information.GetTypeAttr(&attributes), L"reading the type library failed");
+    ThrowIfFailed(information.GetTypeAttr(&attributes), L"reading the type library");
     const auto release = [&information](TYPEATTR* held) { information.ReleaseTypeAttr(held); };
     const std::unique_ptr<TYPEATTR, decltype(release)> held(attributes, release);
     if ((held->typekind != TKIND_INTERFACE && held->typekind != TKIND_DISPATCH) ||
@@ -34,7 +34,7 @@ void AppendInterface(ITypeInfo& information, std::vector<LibraryDescription::Int
     }
     OwnedBstr name;
     ThrowIfFailed(information.GetDocumentation(MEMBERID_NIL, name.Put(), nullptr, nullptr, nullptr),
-                  L"reading the type library failed");
+                  L"reading the type library");
     interfaces.push_back({Braced(held->guid), name.Text()});
 }
 
@@ -52,19 +52,19 @@ std::wstring VersionPart(WORD number) {
 
 LibraryDescription DescribeLibrary(ITypeLib& library) {
     TLIBATTR* attributes = nullptr;
-    ThrowIfFailed(library.GetLibAttr(&attributes), L"reading the type library failed");
+    ThrowIfFailed(library.GetLibAttr(&attributes), L"reading the type library");
     const auto release = [&library](TLIBATTR* held) { library.ReleaseTLibAttr(held); };
     const std::unique_ptr<TLIBATTR, decltype(release)> held(attributes, release);
     OwnedBstr name;
     ThrowIfFailed(library.GetDocumentation(MEMBERID_NIL, nullptr, name.Put(), nullptr, nullptr),
-                  L"reading the type library failed");
+                  L"reading the type library");
     const std::wstring version = VersionPart(held->wMajorVerNum) + L"." + VersionPart(held->wMinorVerNum);
     const int flags = held->wLibFlags & ~LIBFLAG_FHASDISKIMAGE; // the loader's, not the library's
     LibraryDescription described{
         Braced(held->guid), name.Text(), version, NumberText(static_cast<WORD>(flags)), {}};
     for (UINT index = 0; index < library.GetTypeInfoCount(); ++index) {
         ComPtr<ITypeInfo> information;
-        ThrowIfFailed(library.GetTypeInfo(index, information.Put()), L"reading the type library failed");
+        ThrowIfFailed(library.GetTypeInfo(index, information.Put()), L"reading the type library");
         AppendInterface(*information, described.interfaces);
     }
     return described;

@@ -12,24 +12,21 @@
 namespace kemba::substitute {
 namespace {
 
-/// Throws unless the call succeeded or met a missing key or value. Whether it succeeded.
-bool Found(LSTATUS error, const wchar_t* what, const std::wstring& path) {
-    if (error == ERROR_SUCCESS) {
-        return true;
-    }
-    if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) {
-        return false;
-    }
-    throw WindowsFailure(std::wstring(what) + L" the registry key \"" + path + L"\" failed",
-                         static_cast<DWORD>(error));
-}
-
 /// Throws unless the call succeeded.
 void Look(LSTATUS error, const wchar_t* what, const std::wstring& path) {
-    if (!Found(error, what, path)) {
+    if (error != ERROR_SUCCESS) {
         throw WindowsFailure(std::wstring(what) + L" the registry key \"" + path + L"\" failed",
                              static_cast<DWORD>(error));
     }
+}
+
+/// Throws unless the call succeeded or met a missing key or value. Whether it succeeded.
+bool Found(LSTATUS error, const wchar_t* what, const std::wstring& path) {
+    if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) {
+        return false;
+    }
+    Look(error, what, path);
+    return true;
 }
 
 REGSAM ViewOf(const KeyPlace& place) {

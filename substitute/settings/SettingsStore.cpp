@@ -25,12 +25,6 @@
 namespace kemba::substitute {
 namespace {
 
-void Need(DWORD error, const std::wstring& what) {
-    if (error != ERROR_SUCCESS) {
-        throw WindowsFailure(what + L" failed", error);
-    }
-}
-
 struct LessPlace {
     bool operator()(const PrinterValue& left, const PrinterValue& right) const {
         return ComparePlaces(left, right) < 0;
@@ -79,7 +73,7 @@ class Session {
     /// Throws Failure unless the driver takes the device mode.
     void NeedTaken(const Bytes& mode) const {
         Bytes merged;
-        Need(Merge(mode, merged), L"giving a device mode to the driver");
+        ThrowIfError(Merge(mode, merged), L"giving a device mode to the driver");
     }
 
     /// The driver gives its form of the mode when the step is made: the printer's data, which it may ask for,
@@ -128,12 +122,12 @@ class Session {
         if (error == ERROR_FILE_NOT_FOUND) { // a driver without data has no key
             return;
         }
-        Need(error, L"reading the values of \"" + key + L"\"");
+        ThrowIfError(error, L"reading the values of \"" + key + L"\"");
         keys.insert(key);
         std::vector<std::wstring> names;
         error = m_spooler.GetKeys(m_handle.Get(), key, names);
         if (error != ERROR_CALL_NOT_IMPLEMENTED) {
-            Need(error, L"reading the keys below \"" + key + L"\"");
+            ThrowIfError(error, L"reading the keys below \"" + key + L"\"");
         }
         for (const std::wstring& name : names) {
             ReadKey(key + L"\\" + name, keys, values);

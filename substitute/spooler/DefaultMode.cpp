@@ -48,9 +48,7 @@ class HiddenPrinter {
             record.pPrinterName = m_name.data();
             error = m_spooler.Add(record, m_handle);
         }
-        if (error != ERROR_SUCCESS) {
-            throw WindowsFailure(L"making a printer to read the default device mode from failed", error);
-        }
+        ThrowIfError(error, L"making a printer to read the default device mode from");
     }
     HiddenPrinter(const HiddenPrinter&) = delete;
     HiddenPrinter& operator=(const HiddenPrinter&) = delete;
@@ -78,9 +76,7 @@ Bytes AskFreshPrinter(const PrinterHandle& handle) {
     HiddenPrinter fresh(handle.GetSpooler(), *reinterpret_cast<const PRINTER_INFO_2W*>(record.data()));
     const std::optional<Bytes> mode =
         PrinterHandle(handle.GetSpooler(), fresh.Name(), PRINTER_ACCESS_USE).ReadMode(ModeLevel::Global);
-    if (const DWORD error = fresh.Delete(); error != ERROR_SUCCESS) {
-        throw WindowsFailure(L"deleting the hidden printer \"" + fresh.Name() + L"\" failed", error);
-    }
+    ThrowIfError(fresh.Delete(), L"deleting the hidden printer \"" + fresh.Name() + L"\"");
     return mode.value_or(Bytes());
 }
 
@@ -91,8 +87,8 @@ Bytes ReadDefaultMode(const PrinterHandle& handle) {
     const DWORD error = AskDriver(handle, mode);
     if (error == ERROR_CALL_NOT_IMPLEMENTED) {
         mode = AskFreshPrinter(handle);
-    } else if (error != ERROR_SUCCESS) {
-        throw WindowsFailure(L"asking for the driver's default device mode failed", error);
+    } else {
+        ThrowIfError(error, L"asking for the driver's default device mode");
     }
     if (mode.empty() || ModeSize(mode) != mode.size()) {
         throw WindowsFailure(L"the driver's default device mode is none", ERROR_INVALID_DATA);

@@ -34,12 +34,6 @@ DriverDescription DescriptionFrom(const Bytes& bytes) {
             0};
 }
 
-void Check(DWORD error, const std::wstring& what) {
-    if (error != ERROR_SUCCESS) {
-        throw WindowsFailure(what + L" failed", error);
-    }
-}
-
 /// "\\server" without a printer: the spooler would open the print server.
 bool IsServerName(const std::wstring& name) {
     return name.substr(0, 2) == L"\\\\" && name.find(L'\\', 2) == std::wstring::npos;
@@ -134,7 +128,7 @@ void Printer::ChangeShareName(const std::wstring& name) const {
 
 void Printer::Control(DWORD command, const wchar_t* what) const {
     const PrinterHandle handle = Open(PRINTER_ACCESS_ADMINISTER);
-    Check(handle.GetSpooler().SetRecord(handle.Get(), 0, nullptr, command), what);
+    ThrowIfError(handle.GetSpooler().SetRecord(handle.Get(), 0, nullptr, command), what);
 }
 
 bool Printer::CanShowDialogs() const {
@@ -143,11 +137,11 @@ bool Printer::CanShowDialogs() const {
 
 void Printer::ShowProperties(const std::wstring& what) const {
     const PrinterHandle handle = OpenAsFarAsAllowed();
-    Check(handle.GetSpooler().ShowProperties(handle.Get()), what);
+    ThrowIfError(handle.GetSpooler().ShowProperties(handle.Get()), what);
 }
 
 void Printer::ShowQueue(const std::wstring& what) const {
-    Check(m_handle.GetSpooler().ShowQueue(PresentName()), what);
+    ThrowIfError(m_handle.GetSpooler().ShowQueue(PresentName()), what);
 }
 
 PrinterHandle Printer::Open(DWORD access) const {
@@ -188,7 +182,7 @@ void Printer::ChangeRecord(const std::wstring& what, Change&& change) const {
     // rewrite the defaults.
     information.pSecurityDescriptor = nullptr;
     information.pDevMode = nullptr;
-    Check(handle.GetSpooler().SetRecord(handle.Get(), 2, record.data(), 0), what);
+    ThrowIfError(handle.GetSpooler().SetRecord(handle.Get(), 2, record.data(), 0), what);
 }
 
 std::wstring Printer::PresentName() const {

@@ -47,9 +47,7 @@ Bytes PrinterHandle::Read(DWORD level) const {
     const DWORD error = FillBuffer(record, [&](BYTE* buffer, DWORD size, DWORD& needed) {
         return m_spooler.GetRecord(m_handle, level, buffer, size, needed);
     });
-    if (error != ERROR_SUCCESS) {
-        throw WindowsFailure(L"asking the spooler failed", error);
-    }
+    ThrowIfError(error, L"asking the spooler");
     return record;
 }
 
@@ -71,9 +69,7 @@ std::pair<DWORD, Bytes> PrinterHandle::ReadDriver(DWORD level, DWORD olderLevel)
         level = olderLevel;
         error = ask(level);
     }
-    if (error != ERROR_SUCCESS) {
-        throw WindowsFailure(L"asking the spooler for the driver failed", error);
-    }
+    ThrowIfError(error, L"asking the spooler for the driver");
     return {level, std::move(record)};
 }
 
