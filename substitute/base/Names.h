@@ -3,20 +3,27 @@
 
 #include <windows.h>
 
-#include <string>
+#include <string_view>
 
 namespace kemba::substitute {
 
 /// Below 0, 0 or above 0 as `left` comes before, is, or comes after `right`.
-inline int CompareNames(const std::wstring& left, const std::wstring& right) {
+inline int CompareNames(std::wstring_view left, std::wstring_view right) {
+    if (left.empty() || right.empty()) { // whose address may be null, which the system refuses
+        return (left.empty() ? 0 : 1) - (right.empty() ? 0 : 1);
+    }
     return CompareStringOrdinal(left.data(), static_cast<int>(left.size()), right.data(),
                                 static_cast<int>(right.size()), TRUE) -
            CSTR_EQUAL;
 }
 
+inline bool IsSameName(std::wstring_view left, std::wstring_view right) {
+    return CompareNames(left, right) == 0;
+}
+
 /// Order of containers whose keys are such names.
 struct LessName {
-    bool operator()(const std::wstring& left, const std::wstring& right) const {
+    bool operator()(std::wstring_view left, std::wstring_view right) const {
         return CompareNames(left, right) < 0;
     }
 };

@@ -10,6 +10,7 @@
 
 #include "core/Handles.h"
 #include "substitute/base/Names.h"
+#include "substitute/base/NumberText.h"
 #include "substitute/base/Paths.h"
 #include "substitute/server/RegistrationEntries.h"
 #include "substitute/server/RegistryKeys.h"
@@ -18,10 +19,6 @@
 
 namespace kemba::substitute {
 namespace {
-
-bool IsSameName(const std::wstring& left, const std::wstring& right) {
-    return CompareNames(left, right) == 0;
-}
 
 /// Both files of a comparison are to be open at once: an index may be used again once its file is gone.
 OCore::UniqueHandle OpenToIdentify(const std::wstring& path) {
@@ -93,10 +90,10 @@ std::wstring ProgramOf(std::wstring_view commandLine) {
         return std::wstring(commandLine.substr(0, commandLine.find(L'"')));
     }
     // Without quotes, blanks may be part of the path as well as its end.
-    const std::wstring extension = L".exe";
-    for (std::size_t at = 0; at + extension.size() <= commandLine.size(); ++at) {
-        const std::size_t end = at + extension.size();
-        if (IsSameName(std::wstring(commandLine.substr(at, extension.size())), extension) &&
+    constexpr std::wstring_view kExtension = L".exe";
+    for (std::size_t at = 0; at + kExtension.size() <= commandLine.size(); ++at) {
+        const std::size_t end = at + kExtension.size();
+        if (IsSameName(commandLine.substr(at, kExtension.size()), kExtension) &&
             (end == commandLine.size() || commandLine[end] == L' ')) {
             return std::wstring(commandLine.substr(0, end));
         }
@@ -105,7 +102,7 @@ std::wstring ProgramOf(std::wstring_view commandLine) {
 }
 
 bool IsServerCopy(std::wstring_view program) {
-    return IsSameName(std::wstring(FileNameOf(program)), kProgramFile);
+    return IsSameName(FileNameOf(program), kProgramFile);
 }
 
 bool IsSameFile(const std::wstring& left, const std::wstring& right) {

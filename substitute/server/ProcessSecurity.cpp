@@ -6,11 +6,11 @@
 #include <array>
 #include <cstddef>
 #include <initializer_list>
-#include <iterator>
 #include <vector>
 
 #include "core/Handles.h"
 #include "substitute/base/Failure.h"
+#include "substitute/base/NumberText.h"
 #include "substitute/server/ServerIdentity.h"
 
 namespace kemba::substitute {
@@ -60,9 +60,7 @@ std::array<BYTE, SECURITY_MAX_SID_SIZE> WellKnown(WELL_KNOWN_SID_TYPE which) {
 } // namespace
 
 ApplicationIdentity ReadApplicationIdentity(HKEY root) {
-    wchar_t application[40] = {};
-    StringFromGUID2(kApplication, application, static_cast<int>(std::size(application)));
-    const std::wstring key = std::wstring(L"Software\\Classes\\AppID\\") + application;
+    const std::wstring key = L"Software\\Classes\\AppID\\" + Braced(kApplication);
     return {ReadText(root, key, L"RunAs"), ReadText(root, key, L"LocalService")};
 }
 

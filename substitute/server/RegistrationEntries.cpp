@@ -3,7 +3,6 @@
 
 #include <oleauto.h>
 
-#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -38,17 +37,11 @@ void AppendInterface(ITypeInfo& information, std::vector<LibraryDescription::Int
     interfaces.push_back({Braced(held->guid), name.Text()});
 }
 
-} // namespace
-
-std::wstring Braced(REFGUID id) {
-    wchar_t text[40] = {};
-    StringFromGUID2(id, text, static_cast<int>(std::size(text)));
-    return text;
-}
-
 std::wstring VersionPart(WORD number) {
     return NumberText(number, 1, L"0123456789abcdef");
 }
+
+} // namespace
 
 LibraryDescription DescribeLibrary(ITypeLib& library) {
     TLIBATTR* attributes = nullptr;

@@ -11,9 +11,6 @@
 
 namespace kemba::substitute {
 
-/// A GUID as the registry has it, in braces.
-std::wstring Braced(REFGUID id);
-
 /// What the registration needs of the contract's type library.
 struct LibraryDescription {
     struct Interface {

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -22,9 +21,7 @@ LUID OwnLogon() {
 }
 
 std::wstring ServingTurnName(const LUID& logon) {
-    wchar_t classId[40] = {};
-    StringFromGUID2(__uuidof(DriverAutomation), classId, static_cast<int>(std::size(classId)));
-    return L"Local\\" + std::wstring(classId) + (logon.HighPart < 0 ? L" -" : L" ") +
+    return L"Local\\" + Braced(__uuidof(DriverAutomation)) + (logon.HighPart < 0 ? L" -" : L" ") +
            NumberText(static_cast<std::uint64_t>(std::abs(std::int64_t{logon.HighPart}))) + L" " +
            NumberText(logon.LowPart);
 }

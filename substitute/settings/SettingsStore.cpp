@@ -195,7 +195,7 @@ void ApplySettings(const Printer& printer, const Settings& settings) {
     const PrinterHandle handle = printer.Open(kChangeRights);
     const Session session(handle);
     const std::wstring driver = session.ReadDriver().name;
-    if (CompareNames(driver, settings.driver.name) != 0) {
+    if (!IsSameName(driver, settings.driver.name)) {
         throw WindowsFailure(L"the settings are of the driver \"" + settings.driver.name +
                                  L"\", the printer's driver is \"" + driver + L"\"",
                              ERROR_UNKNOWN_PRINTER_DRIVER);

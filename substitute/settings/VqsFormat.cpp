@@ -145,7 +145,7 @@ bool GetMode(Reader& reader, std::optional<Bytes>& mode) {
 
 /// Whether the key is the driver's or one below it, without empty parts.
 bool IsDriverKey(const std::wstring& key) {
-    if (CompareNames(key.substr(0, key.find(L'\\')), kDriverDataKey) != 0) {
+    if (!IsSameName(key.substr(0, key.find(L'\\')), kDriverDataKey)) {
         return false;
     }
     return key.back() != L'\\' && key.find(L"\\\\") == std::wstring::npos;

@@ -75,7 +75,7 @@ Printer::Printer(Spooler& spooler, PrinterLocks& locks, const std::wstring& name
     } catch (const Failure&) {
         RefuseName(name);
     }
-    if (CompareNames(name, present) != 0) {
+    if (!IsSameName(name, present)) {
         RefuseName(name);
     }
 }
@@ -149,7 +149,7 @@ PrinterHandle Printer::Open(DWORD access) const {
     // no other one has it.
     const std::wstring name = PresentName();
     PrinterHandle handle(m_handle.GetSpooler(), name, access);
-    if (CompareNames(name, PresentName()) != 0) {
+    if (!IsSameName(name, PresentName())) {
         throw WindowsFailure(L"the printer is being renamed", ERROR_INVALID_PRINTER_NAME);
     }
     return handle;

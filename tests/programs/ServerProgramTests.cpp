@@ -15,6 +15,7 @@
 #include "automation/Owners.h"
 #include "demo/Printers.h"
 #include "demo/Wine.h"
+#include "substitute/base/NumberText.h"
 #include "substitute/server/ServerIdentity.h"
 #include "substitute/server/ServingTurn.h"
 #include "tests/kit/CallTexts.h"
@@ -280,9 +281,7 @@ TEST_F(ServerLifetime, ShowsNoDialogOnADesktopThatNobodySees) {
 }
 
 TEST_F(ServerLifetime, RefusesToServeWhenTheApplicationIsToRunAsAnAccount) {
-    wchar_t id[40] = {};
-    StringFromGUID2(kApplication, id, static_cast<int>(std::size(id)));
-    const RegistryPreset account(HKEY_LOCAL_MACHINE, std::wstring(L"Software\\Classes\\AppID\\") + id,
+    const RegistryPreset account(HKEY_LOCAL_MACHINE, L"Software\\Classes\\AppID\\" + Braced(kApplication),
                                  L"RunAs");
     account.Set(RegistryData::OfText(L"Interactive User"));
     const ProcessResult run = RunProgram(L"kemba-dal.exe", {L"/automation"});

@@ -57,7 +57,7 @@ class RecordWriter {
 };
 
 bool IsBelow(const std::wstring& path, const std::wstring& begin) {
-    return path.size() > begin.size() && CompareNames(path.substr(0, begin.size()), begin) == 0;
+    return path.size() > begin.size() && IsSameName(path.substr(0, begin.size()), begin);
 }
 
 std::wstring TextOrEmpty(const wchar_t* text) {
@@ -456,7 +456,7 @@ DWORD FakeSpooler::DeleteKey(HANDLE handle, const std::wstring& key) {
         }
         const auto erased =
             std::erase_if(static_cast<Opened*>(handle)->record->settings.keys, [&](const auto& entry) {
-                return CompareNames(entry.first, key) == 0 || IsBelow(entry.first, key + L"\\");
+                return IsSameName(entry.first, key) || IsBelow(entry.first, key + L"\\");
             });
         return erased ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
     });

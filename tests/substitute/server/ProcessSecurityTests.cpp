@@ -7,6 +7,7 @@
 #include <string>
 
 #include "substitute/base/Failure.h"
+#include "substitute/base/NumberText.h"
 #include "substitute/server/ProcessSecurity.h"
 #include "substitute/server/ServerIdentity.h"
 #include "tests/kit/Owners.h"
@@ -40,11 +41,6 @@ TEST(ApplicationIdentity, AnyAccountIsRefusedAndNoneIsNot) {
 /// A root of the test's own, in which the application's key may be written.
 class IdentityKey : public testing::Test {
   protected:
-    IdentityKey() {
-        wchar_t id[40] = {};
-        StringFromGUID2(kApplication, id, 40);
-        m_key = std::wstring(L"Software\\Classes\\AppID\\") + id;
-    }
     void Set(const wchar_t* name, DWORD type, const std::wstring& text) {
         RegistryData data = RegistryData::OfText(text);
         data.type = type;
@@ -54,7 +50,7 @@ class IdentityKey : public testing::Test {
     const ScratchKey m_scratch{HKEY_CURRENT_USER,
                                L"Software\\kemba identity test " + std::to_wstring(GetCurrentProcessId())};
     const UniqueKey m_root = MakeKey(HKEY_CURRENT_USER, m_scratch.Path(), KEY_ALL_ACCESS);
-    std::wstring m_key;
+    const std::wstring m_key = L"Software\\Classes\\AppID\\" + Braced(kApplication);
 };
 
 TEST_F(IdentityKey, WithoutTheKeyOrItsValuesNoAccountIsSet) {
