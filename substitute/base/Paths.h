@@ -18,6 +18,12 @@ bool IsDevicePath(std::wstring_view path);
 /// Whether a full path names a stream of a file, as "C:\file:stream" does.
 bool HasStreamPart(std::wstring_view fullPath);
 
+/// Whether the path names something below the folder, at any depth, whatever the case of the letters. Nothing
+/// is looked up: both have to be absolute ("C:\...", "\\server\...", either also behind "\\?\"), with "/" or
+/// "\", and a path that Windows would read otherwise than it is written ("..", a part that ends in a dot or a
+/// blank, a stream's name behind a colon) is below no folder.
+bool IsBelowFolder(std::wstring_view path, std::wstring_view folder);
+
 /// The path as the system understands it; itself if the system does not.
 std::wstring FullPath(const std::wstring& path);
 

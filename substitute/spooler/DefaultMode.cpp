@@ -5,9 +5,9 @@
 #include <optional>
 #include <string>
 
-#include "substitute/base/DriverFolder.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/NumberText.h"
+#include "substitute/base/Paths.h"
 #include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/Printer.h"
 #include "substitute/spooler/PrinterHandle.h"
