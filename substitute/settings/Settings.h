@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "substitute/spooler/DeviceMode.h"
+#include "substitute/base/Bytes.h"
 #include "substitute/spooler/Spooler.h"
 
 namespace kemba::substitute {

@@ -8,10 +8,10 @@
 #include <string>
 
 #include "core/Handles.h"
+#include "substitute/base/Bytes.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/InputFile.h"
 #include "substitute/base/Paths.h"
-#include "substitute/spooler/DeviceMode.h"
 
 namespace kemba::substitute {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string>
 
-#include "substitute/spooler/DeviceMode.h"
+#include "substitute/base/Bytes.h"
 
 namespace kemba::substitute {
 

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "substitute/base/Bytes.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/FileVersion.h"
 #include "substitute/base/Names.h"

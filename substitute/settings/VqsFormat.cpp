@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "core/Crc32.h"
+#include "substitute/base/Bytes.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/Names.h"
 #include "substitute/base/NumberText.h"

@@ -9,8 +9,8 @@
 #include <span>
 #include <string>
 
+#include "substitute/base/Bytes.h"
 #include "substitute/settings/Settings.h"
-#include "substitute/spooler/DeviceMode.h"
 
 namespace kemba::substitute {
 

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "substitute/base/Bytes.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/NumberText.h"
 #include "substitute/base/Paths.h"

@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include "substitute/spooler/DeviceMode.h"
+#include "substitute/base/Bytes.h"
 #include "substitute/spooler/PrinterHandle.h"
 
 namespace kemba::substitute {

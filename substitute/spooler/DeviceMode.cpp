@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "substitute/base/Bytes.h"
+
 namespace kemba::substitute {
 namespace {
 

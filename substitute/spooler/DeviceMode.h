@@ -1,14 +1,11 @@
 // Device modes: DEVMODEW records with the driver's private part behind them.
 #pragma once
 
-#include <windows.h>
-
 #include <cstddef>
-#include <vector>
+
+#include "substitute/base/Bytes.h"
 
 namespace kemba::substitute {
-
-using Bytes = std::vector<BYTE>;
 
 /// Size that a DEVMODEW gives itself, private part included; 0 when it is not to be trusted: the record does
 /// not fit into `bytes`, or lacks fields that every driver reads.

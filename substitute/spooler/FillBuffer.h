@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-#include "substitute/spooler/DeviceMode.h"
+#include "substitute/base/Bytes.h"
 
 namespace kemba::substitute {
 

@@ -4,9 +4,9 @@
 #include <string>
 
 #include "core/OSynchronizer.h"
+#include "substitute/base/Bytes.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/Names.h"
-#include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/PrinterHandle.h"
 #include "substitute/spooler/PrinterLocks.h"
 #include "substitute/spooler/Spooler.h"

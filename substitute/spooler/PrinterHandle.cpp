@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "substitute/base/Bytes.h"
 #include "substitute/base/Failure.h"
 #include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/FillBuffer.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "substitute/spooler/DeviceMode.h"
+#include "substitute/base/Bytes.h"
 #include "substitute/spooler/Spooler.h"
 
 namespace kemba::substitute {

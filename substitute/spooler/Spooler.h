@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "substitute/spooler/DeviceMode.h"
+#include "substitute/base/Bytes.h"
 
 namespace kemba::substitute {
 

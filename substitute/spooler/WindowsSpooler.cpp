@@ -13,6 +13,7 @@
 
 #include "core/Handles.h"
 #include "core/SystemLibraries.h"
+#include "substitute/base/Bytes.h"
 #include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/FillBuffer.h"
 #include "substitute/spooler/Spooler.h"

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "substitute/base/Bytes.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/Paths.h"
 #include "substitute/settings/SettingsPlan.h"

@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
+#include "substitute/base/Bytes.h"
 #include "substitute/settings/Settings.h"
 #include "substitute/settings/VqsFormat.h"
-#include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/Spooler.h"
 #include "tests/fuzz/Fuzz.h"
 #include "tests/fuzz/GuardedHeap.h"

@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "substitute/base/Bytes.h"
 #include "substitute/base/Names.h"
-#include "substitute/spooler/DeviceMode.h"
 
 namespace kit {
 

@@ -15,8 +15,8 @@
 #include <utility>
 #include <vector>
 
+#include "substitute/base/Bytes.h"
 #include "substitute/base/Names.h"
-#include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/Spooler.h"
 
 namespace kit {

@@ -12,11 +12,11 @@
 #include <vector>
 
 #include "automation/Owners.h"
+#include "substitute/base/Bytes.h"
 #include "substitute/objects/DriverSettingsObject.h"
 #include "substitute/settings/Settings.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
-#include "substitute/spooler/DeviceMode.h"
 #include "tests/kit/CallTexts.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/TemporaryFolder.h"

@@ -8,12 +8,12 @@
 #include <thread>
 #include <vector>
 
+#include "substitute/base/Bytes.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/InputFile.h"
 #include "substitute/base/Paths.h"
 #include "substitute/settings/SettingsFile.h"
 #include "substitute/settings/VqsFormat.h"
-#include "substitute/spooler/DeviceMode.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/substitute/FailureOf.h"

@@ -15,11 +15,11 @@
 #include <utility>
 
 #include "core/Crc32.h"
+#include "substitute/base/Bytes.h"
 #include "substitute/base/Failure.h"
 #include "substitute/settings/Settings.h"
 #include "substitute/settings/SettingsStore.h"
 #include "substitute/settings/VqsFormat.h"
-#include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/Printer.h"
 #include "substitute/spooler/PrinterLocks.h"
 #include "substitute/spooler/Spooler.h"

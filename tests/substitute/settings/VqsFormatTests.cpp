@@ -9,9 +9,9 @@
 #include <utility>
 
 #include "core/Crc32.h"
+#include "substitute/base/Bytes.h"
 #include "substitute/settings/Settings.h"
 #include "substitute/settings/VqsFormat.h"
-#include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/Spooler.h"
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/FakeSpooler.h"

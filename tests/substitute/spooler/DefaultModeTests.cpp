@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "substitute/base/Bytes.h"
 #include "substitute/base/Failure.h"
 #include "substitute/spooler/DefaultMode.h"
-#include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/PrinterHandle.h"
 #include "tests/substitute/FailureOf.h"
 #include "tests/substitute/FakeSpooler.h"

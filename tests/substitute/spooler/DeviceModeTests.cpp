@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "substitute/base/Bytes.h"
 #include "substitute/spooler/DeviceMode.h"
 
 using namespace kemba::substitute;

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "substitute/spooler/DeviceMode.h"
+#include "substitute/base/Bytes.h"
 #include "substitute/spooler/FillBuffer.h"
 
 using namespace kemba::substitute;
