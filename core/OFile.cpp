@@ -17,13 +17,13 @@ DWORD ShareOf(std::uint32_t mode) {
     }
 }
 
-/// An open handle, or null.
+/// A handle for its owner, or null.
 HANDLE OpenHandle(const OString& name, std::uint32_t mode) {
     const DWORD access = mode & OFile::kWrite ? GENERIC_READ | GENERIC_WRITE : GENERIC_READ;
     const DWORD disposition = mode & OFile::kOpenAlways ? OPEN_ALWAYS : OPEN_EXISTING;
-    const HANDLE handle =
-        CreateFileW(name.Wide(), access, ShareOf(mode), nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
-    return handle == INVALID_HANDLE_VALUE ? nullptr : handle;
+    return OCore::OwnFile(CreateFileW(name.Wide(), access, ShareOf(mode), nullptr, disposition,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr))
+        .release();
 }
 
 } // namespace
@@ -34,13 +34,13 @@ OFile::~OFile() {
 
 std::uint32_t OFile::WriteRaw(const void* bytes, std::uint32_t count) {
     DWORD written = 0;
-    return m_handle && WriteFile(m_handle, bytes, count, &written, nullptr) ? written : 0;
+    return m_handle && WriteFile(m_handle.get(), bytes, count, &written, nullptr) ? written : 0;
 }
 
 bool OFile::Open(const OString& name, std::uint32_t mode) {
     Close();
     m_name = name;
-    m_handle = OpenHandle(name, mode);
+    m_handle.reset(OpenHandle(name, mode));
     if (!m_handle) {
         return false;
     }
@@ -48,7 +48,7 @@ bool OFile::Open(const OString& name, std::uint32_t mode) {
         if (mode & kAppend) {
             Seek(0, FILE_END);
         } else {
-            SetEndOfFile(m_handle);
+            SetEndOfFile(m_handle.get());
         }
     }
     return true;
@@ -57,8 +57,7 @@ bool OFile::Open(const OString& name, std::uint32_t mode) {
 void OFile::Close() {
     if (m_handle) {
         Flush();
-        CloseHandle(m_handle);
-        m_handle = nullptr;
+        m_handle.reset();
     }
 }
 
@@ -67,16 +66,16 @@ std::uint32_t OFile::Seek(std::int32_t distance, std::uint32_t method) {
         return 0;
     }
     Flush();
-    return SetFilePointer(m_handle, distance, nullptr, method);
+    return SetFilePointer(m_handle.get(), distance, nullptr, method);
 }
 
 std::uint32_t OFile::GetSize() {
-    return m_handle ? ::GetFileSize(m_handle, nullptr) : 0;
+    return m_handle ? ::GetFileSize(m_handle.get(), nullptr) : 0;
 }
 
 std::uint32_t OFile::Read(void* buffer, std::uint32_t count) {
     DWORD read = 0;
-    return m_handle && ReadFile(m_handle, buffer, count, &read, nullptr) ? read : 0;
+    return m_handle && ReadFile(m_handle.get(), buffer, count, &read, nullptr) ? read : 0;
 }
 
 bool OFile::Exists(const OString& name) {

@@ -1,10 +1,9 @@
 // The stream over a Windows file handle.
 #pragma once
 
-#include <windows.h>
-
 #include <cstdint>
 
+#include "core/Handles.h"
 #include "core/OStream.h"
 #include "core/OString.h"
 
@@ -46,6 +45,6 @@ class OFile : public OCore::OStream {
     static bool Exists(const OString& name);
 
   private:
-    HANDLE m_handle = nullptr; // owned; null when closed
+    OCore::UniqueHandle m_handle; // none when closed
     OString m_name;
 };

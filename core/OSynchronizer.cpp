@@ -4,23 +4,22 @@
 #include "core/LockOrder.h"
 
 OCriticalSection::OCriticalSection() : m_section(new CRITICAL_SECTION) {
-    InitializeCriticalSection(m_section);
+    InitializeCriticalSection(m_section.get());
 }
 
 OCriticalSection::~OCriticalSection() {
-    OCore::LockIsGone(m_section);
-    DeleteCriticalSection(m_section);
-    delete m_section;
+    OCore::LockIsGone(m_section.get());
+    DeleteCriticalSection(m_section.get());
 }
 
 void OCriticalSection::Lock() {
-    OCore::LockIsTaken(m_section); // before a wait that may have no end
-    EnterCriticalSection(m_section);
+    OCore::LockIsTaken(m_section.get()); // before a wait that may have no end
+    EnterCriticalSection(m_section.get());
 }
 
 void OCriticalSection::Unlock() {
-    OCore::LockIsGivenBack(m_section);
-    LeaveCriticalSection(m_section);
+    OCore::LockIsGivenBack(m_section.get());
+    LeaveCriticalSection(m_section.get());
 }
 
 OScopedLock::OScopedLock(OSynchronizer& lock) : m_lock(&lock) {

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <memory>
+
 /// An abstract lock.
 class OSynchronizer {
   public:
@@ -25,7 +27,7 @@ class OCriticalSection : public OSynchronizer {
     void Unlock() override;
 
   private:
-    CRITICAL_SECTION* m_section; // owned
+    const std::unique_ptr<CRITICAL_SECTION> m_section;
 };
 
 /// Holds a lock from construction until `Release` or the end of its scope, whichever comes first.

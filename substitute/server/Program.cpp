@@ -1,11 +1,11 @@
 // Running a verb and saying what it did.
 #include "substitute/server/Program.h"
 
-#include <windows.h>
 #include <objbase.h>
 
 #include <string>
 
+#include "substitute/base/Apartment.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/Paths.h"
 #include "substitute/server/CommandLine.h"
@@ -18,18 +18,6 @@ namespace {
 
 constexpr int kFailed = 1;
 constexpr int kMisused = 2;
-
-/// The component runtime of this thread. Multithreaded, so that many clients are served at once and a printer
-/// that keeps one of them waiting holds up nobody else; the objects guard what they share.
-class Apartment {
-  public:
-    Apartment() {
-        ThrowIfFailed(CoInitializeEx(nullptr, COINIT_MULTITHREADED), L"starting the component runtime");
-    }
-    Apartment(const Apartment&) = delete;
-    Apartment& operator=(const Apartment&) = delete;
-    ~Apartment() { CoUninitialize(); }
-};
 
 std::wstring Line(const std::wstring& text) {
     return std::wstring(kServerName) + L": " + text + L"\r\n";
@@ -52,13 +40,17 @@ int RunProgram(const CommandLine& commandLine) {
         Complain(kUsage);
         return kMisused;
     }
-    const Apartment apartment;
+    // Multithreaded, so that many clients are served at once and a printer that keeps one of them waiting
+    // holds up nobody else; the objects guard what they share.
+    const Apartment apartment(COINIT_MULTITHREADED);
+    ThrowIfFailed(apartment.Status(), L"starting the component runtime");
     switch (commandLine.verb) {
     case Verb::Register:
         Tell(RegisterServer(commandLine.scope, ContractTypes(), ProgramPath(), commandLine.replace));
         break;
     case Verb::Unregister: Tell(UnregisterServer(commandLine.scope, ContractTypes(), ProgramPath())); break;
-    default: Serve(); break;
+    case Verb::Serve: Serve(); break;
+    case Verb::Usage: break; // has been answered
     }
     return 0;
 }

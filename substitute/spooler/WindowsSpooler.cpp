@@ -1,18 +1,19 @@
 // The system's own spooler behind the seam.
 #include "substitute/spooler/WindowsSpooler.h"
 
-#include <objbase.h>
 #include <wtsapi32.h>
 
 #include <cstring>
 #include <cwchar>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "core/Handles.h"
 #include "core/SystemLibraries.h"
+#include "substitute/base/Apartment.h"
 #include "substitute/base/Bytes.h"
 #include "substitute/spooler/DeviceMode.h"
 #include "substitute/spooler/FillBuffer.h"
@@ -85,10 +86,9 @@ bool IsSessionActive() {
         !query(WTS_CURRENT_SERVER_HANDLE, WTS_CURRENT_SESSION, WTSConnectState, &state, &size) || !state) {
         return true;
     }
-    const bool active = size < sizeof(WTS_CONNECTSTATE_CLASS) ||
-                        *reinterpret_cast<WTS_CONNECTSTATE_CLASS*>(state) == WTSActive;
-    free(state);
-    return active;
+    const std::unique_ptr<wchar_t, Free> owned(state, free);
+    return size < sizeof(WTS_CONNECTSTATE_CLASS) ||
+           *reinterpret_cast<WTS_CONNECTSTATE_CLASS*>(state) == WTSActive;
 }
 
 } // namespace
@@ -284,11 +284,8 @@ DWORD WindowsSpooler::ShowProperties(HANDLE handle) {
     // Drivers' pages expect a single-threaded apartment, which none of the server's own threads has.
     DWORD error = ERROR_SUCCESS;
     std::thread([&] {
-        const HRESULT apartment = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        const Apartment apartment(COINIT_APARTMENTTHREADED);
         error = ErrorOf(PrinterProperties(nullptr, handle));
-        if (SUCCEEDED(apartment)) {
-            CoUninitialize();
-        }
     }).join();
     return error;
 }
