@@ -67,7 +67,7 @@ OwnedBstr TextArgument(std::wstring_view text) {
 
 void CheckCall(HRESULT status, IUnknown* called, REFIID interfaceId) {
     if (FAILED(status)) {
-        throw ComError(status, TakeErrorInformation(called, interfaceId));
+        throw ComError(status, called ? TakeErrorInformation(called, interfaceId) : ComPtr<IErrorInfo>());
     }
 }
 

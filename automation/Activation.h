@@ -6,7 +6,6 @@
 #include <string_view>
 #include <utility>
 
-#include "automation/ComError.h"
 #include "automation/Owners.h"
 #include "core/OString.h"
 
@@ -17,17 +16,9 @@ namespace kemba {
 /// through it raises E_POINTER instead); any other failure throws ComError without error information.
 ComPtr<IUnknown> ActivateObject(REFCLSID classId, REFIID interfaceId);
 
-/// Throws ComError when `status` is a failure, with the error information that `called` supports for the
-/// interface.
+/// Throws ComError when `status` is a failure, with the error information that `called`, if there is one,
+/// supports for the interface.
 void CheckCall(HRESULT status, IUnknown* called, REFIID interfaceId);
-
-/// Throws ComError(E_POINTER) for a null pointer.
-template<class Interface>
-void RequirePointer(const ComPtr<Interface>& pointer) {
-    if (!pointer) {
-        throw ComError(E_POINTER);
-    }
-}
 
 /// A text as an argument, never null; throws ComError(E_OUTOFMEMORY) when it cannot be allocated.
 OwnedBstr TextArgument(std::wstring_view text);
@@ -44,9 +35,8 @@ ComPtr<Interface> Activate() {
 template<class Interface, class... Parameters, class... Arguments>
 void Call(const ComPtr<Interface>& object, HRESULT (Interface::*operation)(Parameters...),
           Arguments&&... arguments) {
-    RequirePointer(object);
-    CheckCall((object.Get()->*operation)(std::forward<Arguments>(arguments)...), object.Get(),
-              __uuidof(Interface));
+    CheckCall(object ? (object.Get()->*operation)(std::forward<Arguments>(arguments)...) : E_POINTER,
+              object.Get(), __uuidof(Interface));
 }
 
 /// Calls an operation that gives a text; a null BSTR counts as empty.

@@ -1,7 +1,6 @@
 // The operations by name: the table against the objects, operation by operation.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <functional>
 #include <map>
 #include <string>
@@ -154,14 +153,6 @@ TEST(Operations, TextsAndObjectsCanBeNull) {
         EXPECT_EQ(kCalls.at(operation.name)(objects, out), S_OK);
         EXPECT_FALSE(out.text);
         EXPECT_FALSE(out.object);
-    }
-}
-
-TEST(Operations, EveryClassHasAnInterfaceWithOperations) {
-    for (const FakeClass which : kAllClasses) {
-        SCOPED_TRACE(NameOf(which));
-        EXPECT_TRUE(std::ranges::any_of(
-            AllOperations(), [&](const Operation& row) { return row.Interface() == InterfaceOf(which); }));
     }
 }
 

@@ -47,15 +47,14 @@ constexpr Operation kOperations[] = {
 
 struct ClassRow {
     std::string_view name;
-    std::string_view interfaceName;
     const CLSID* id;
 };
 
 const ClassRow& RowOf(FakeClass which) {
     static const ClassRow rows[] = {
-        {"DriverAutomation", "IDriverAutomation", &__uuidof(DriverAutomation)},
-        {"DriverActions", "IDriverActions", &__uuidof(DriverActions)},
-        {"VersionInformation", "IVersionInformation", &__uuidof(VersionInformation)},
+        {"DriverAutomation", &__uuidof(DriverAutomation)},
+        {"DriverActions", &__uuidof(DriverActions)},
+        {"VersionInformation", &__uuidof(VersionInformation)},
     };
     return rows[static_cast<std::size_t>(which)];
 }
@@ -77,10 +76,6 @@ std::string_view NameOf(FakeClass which) {
 
 const CLSID& ClassIdOf(FakeClass which) {
     return *RowOf(which).id;
-}
-
-std::string_view InterfaceOf(FakeClass which) {
-    return RowOf(which).interfaceName;
 }
 
 std::span<const Operation> AllOperations() {

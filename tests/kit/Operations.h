@@ -19,8 +19,6 @@ inline constexpr std::array kAllClasses{FakeClass::DriverAutomation, FakeClass::
 /// The class's name, "DriverAutomation" for one.
 std::string_view NameOf(FakeClass which);
 const CLSID& ClassIdOf(FakeClass which);
-/// The interface that a client asks an object of the class for, "IDriverAutomation" for one.
-std::string_view InterfaceOf(FakeClass which);
 
 /// What an operation gives back beside its status.
 enum class Gives { Nothing, Text, Flag, Object };

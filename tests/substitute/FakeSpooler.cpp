@@ -107,8 +107,7 @@ DWORD FakeSpooler::Answer(Call call, HANDLE handle, Work&& work) {
         --static_cast<Opened*>(handle)->inUse;
     }
     if (number == failAt || (number > failAt && number <= failTo)) {
-        latest = call;
-        return failureAt;
+        return ERROR_WRITE_FAULT;
     }
     // The last write of a job is the one that fails, so that something has been written before.
     if (call == failing && (call != Call::Write || !Unfinished().empty())) {

@@ -106,17 +106,16 @@ class FakeSpooler : public kemba::substitute::Spooler {
     // What goes wrong.
     Call failing = Call::None;             ///< every such call fails, a write only after the first block
     DWORD failure = ERROR_PRINT_CANCELLED; ///< with that error
-    int failAt = 0, failTo = 0; ///< the calls of these numbers fail, from 1; no end: only the first of them
-    DWORD failureAt = ERROR_WRITE_FAULT; ///< with that error
-    int slowAt = 0;                      ///< the call of this number is slow
+    /// The calls of these numbers, from 1, fail with ERROR_WRITE_FAULT; no end: only the first of them.
+    int failAt = 0, failTo = 0;
+    int slowAt = 0; ///< the call of this number is slow
     std::function<void(const std::wstring& printer)>
         opening;                      ///< called outside of any lock before a printer is opened
     std::function<void(Call)> before; ///< the same before each call is carried out
 
     // What was done.
-    int calls = 0;            ///< but those that only give back
-    Call latest = Call::None; ///< the call that failed by its number, if any
-    int open = 0;             ///< handles opened and not yet closed
+    int calls = 0; ///< but those that only give back
+    int open = 0;  ///< handles opened and not yet closed
     int opened = 0;
     int overlaps = 0;                  ///< calls for a handle that another one was still using
     int asked = 0;                     ///< questions for a printer's record
