@@ -29,6 +29,16 @@ class StoppedClock {
     SystemCallsPreset m_calls;
 };
 
+/// The whole mask that a log runs with.
+template<class Log>
+std::uint32_t MaskOf(Log&& log) {
+    std::uint32_t mask = 0;
+    for (std::uint32_t bit = 1; bit != 0; bit <<= 1) {
+        mask |= log.IsEnabled(bit) ? bit : 0;
+    }
+    return mask;
+}
+
 /// The stored mask of a source that no other test uses; absent at first.
 class StoredMask : public RegistryPreset {
   public:

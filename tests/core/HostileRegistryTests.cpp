@@ -39,14 +39,6 @@ std::uint32_t MaskFrom(const std::vector<BYTE>& bytes) {
     return mask;
 }
 
-std::uint32_t MaskOf(OEventLogBase& log) {
-    std::uint32_t mask = 0;
-    for (std::uint32_t bit = 1; bit != 0; bit <<= 1) {
-        mask |= log.IsEnabled(bit) ? bit : 0;
-    }
-    return mask;
-}
-
 /// Sets a value of an existing key to exactly these bytes: RegSetValueEx ends a text that has no end.
 void SetValueExactly(HKEY root, const std::wstring& key, std::wstring name, const RegistryData& data) {
     struct CountedText {

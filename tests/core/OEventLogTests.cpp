@@ -21,15 +21,6 @@ namespace {
 constexpr std::uint32_t kCommandLine = 0x10000000;
 constexpr std::uint32_t kDefault = 0xE0000000;
 
-/// The whole mask that a log runs with.
-std::uint32_t MaskOf(const OEventLog& log) {
-    std::uint32_t mask = 0;
-    for (std::uint32_t bit = 1; bit != 0; bit <<= 1) {
-        mask |= log.IsEnabled(bit) ? bit : 0;
-    }
-    return mask;
-}
-
 TEST(OEventLog, WithoutAStoredMaskTakesTheDefaultOneAndStoresIt) {
     const StoredMask stored;
     const OEventLog log(stored.Source());

@@ -17,6 +17,7 @@
 #include "tests/fuzz/Fuzz.h"
 #include "tests/fuzz/GuardedHeap.h"
 #include "tests/substitute/FakeSpooler.h"
+#include "tests/substitute/SettingsSamples.h"
 
 using namespace kemba::substitute;
 using namespace kit;
@@ -40,19 +41,6 @@ std::uint64_t NumberAt(const Bytes& bytes, std::size_t at, std::size_t size) {
         number += std::uint64_t{bytes.at(at + index)} << 8 * index;
     }
     return number;
-}
-
-/// Makes the size and the checksum fit the other bytes.
-void Seal(Bytes& bytes) {
-    if (bytes.size() >= 20) {
-        for (std::size_t index = 0; index < 4; ++index) {
-            bytes[12 + index] = static_cast<BYTE>(bytes.size() >> 8 * index);
-        }
-        const std::uint32_t checksum = Checksum(bytes, bytes.size() - 4);
-        for (std::size_t index = 0; index < 4; ++index) {
-            bytes[bytes.size() - 4 + index] = static_cast<BYTE>(checksum >> 8 * index);
-        }
-    }
 }
 
 /// Reads a file by the table, from the first byte to the last; an exception where it ends too early.
@@ -204,10 +192,7 @@ void Damage(Case& input, Bytes& bytes) {
     case 4: {
         constexpr std::uint32_t kNumbers[] = {0,  1,  4096,       4097,       1024,      1025,
                                               11, 12, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
-        const std::uint32_t number = input.OneOf(kNumbers);
-        for (std::size_t index = 0; index < 4 && at + index < bytes.size(); ++index) {
-            bytes[at + index] = static_cast<BYTE>(number >> 8 * index);
-        }
+        PutNumber(bytes, at, input.OneOf(kNumbers));
         break;
     }
     default: break;
@@ -228,7 +213,7 @@ FUZZ_TARGET(SettingsFiles, 1500) {
         Damage(input, bytes);
     }
     if (!input.OnceIn(4)) {
-        Seal(bytes);
+        bytes = Sealed(bytes);
     }
     input.Say(
         [&] { return "ParseVqs(" + Literal(std::string(bytes.begin(), bytes.end())) + "s, settings);"; });

@@ -1,6 +1,12 @@
 // Printers' settings for tests.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "core/Crc32.h"
+#include "substitute/base/Bytes.h"
 #include "substitute/settings/Settings.h"
 #include "tests/substitute/FakeSpooler.h"
 
@@ -40,6 +46,22 @@ inline kemba::substitute::Settings SettingsOf(const FakeSpooler::State& state) {
         }
     }
     return settings;
+}
+
+/// Puts a number into a settings file's bytes, as far as these reach.
+inline void PutNumber(kemba::substitute::Bytes& bytes, std::size_t offset, std::uint32_t number) {
+    for (std::size_t index = 0; index < 4 && offset + index < bytes.size(); ++index) {
+        bytes[offset + index] = static_cast<BYTE>(number >> (8 * index));
+    }
+}
+
+/// Makes the size and the checksum fit the other bytes, so that the deeper checks are reached.
+inline kemba::substitute::Bytes Sealed(kemba::substitute::Bytes bytes) {
+    if (bytes.size() >= 20) {
+        PutNumber(bytes, 12, static_cast<std::uint32_t>(bytes.size()));
+        PutNumber(bytes, bytes.size() - 4, OCore::Crc32(std::span(bytes).first(bytes.size() - 4)));
+    }
+    return bytes;
 }
 
 } // namespace kit

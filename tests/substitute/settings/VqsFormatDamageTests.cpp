@@ -14,7 +14,6 @@
 #include <string>
 #include <utility>
 
-#include "core/Crc32.h"
 #include "substitute/base/Bytes.h"
 #include "substitute/base/Failure.h"
 #include "substitute/settings/Settings.h"
@@ -76,30 +75,13 @@ Outcome Decode(const Bytes& bytes) {
     return outcome;
 }
 
-void PutNumber(Bytes& bytes, std::size_t offset, std::uint32_t number) {
-    for (std::size_t index = 0; index < 4 && offset + index < bytes.size(); ++index) {
-        bytes[offset + index] = static_cast<BYTE>(number >> (8 * index));
-    }
-}
-
-/// Makes the size and the checksum fit the other bytes, so that the deeper checks are reached.
-void Seal(Bytes& bytes) {
-    if (bytes.size() >= 20) {
-        PutNumber(bytes, 12, static_cast<std::uint32_t>(bytes.size()));
-        PutNumber(bytes, bytes.size() - 4, OCore::Crc32(std::span(bytes).first(bytes.size() - 4)));
-    }
-}
-
 class Damager {
   public:
     Bytes Damage(Bytes bytes) {
         for (std::size_t left = 1 + Below(3); left > 0; --left) {
             DamageOnce(bytes);
         }
-        if (Below(4) != 0) {
-            Seal(bytes);
-        }
-        return bytes;
+        return Below(4) != 0 ? Sealed(std::move(bytes)) : bytes;
     }
 
   private:
@@ -199,8 +181,7 @@ TEST(VqsDamage, AForgedLengthAllocatesNothing) {
     for (std::size_t where = 16; where + 8 <= good.size(); ++where) {
         Bytes forged = good;
         PutNumber(forged, where, 0x7FFFFFF0);
-        Seal(forged);
-        ASSERT_LE(Decode(forged).allocated, good.size() + kSmallBound) << where;
+        ASSERT_LE(Decode(Sealed(forged)).allocated, good.size() + kSmallBound) << where;
     }
 }
 

@@ -30,19 +30,6 @@ HRESULT EncodeStatus(const Settings& settings) {
     return FailureOf([&] { EncodeVqs(settings); }).status;
 }
 
-void PutNumber(Bytes& bytes, std::size_t offset, std::uint32_t number) {
-    for (std::size_t index = 0; index < 4; ++index) {
-        bytes[offset + index] = static_cast<BYTE>(number >> (8 * index));
-    }
-}
-
-/// Makes the size and the checksum fit the other bytes.
-Bytes Sealed(Bytes bytes) {
-    PutNumber(bytes, 12, static_cast<std::uint32_t>(bytes.size()));
-    PutNumber(bytes, bytes.size() - 4, OCore::Crc32(std::span(bytes).first(bytes.size() - 4)));
-    return bytes;
-}
-
 constexpr HRESULT kBadData = HRESULT_FROM_WIN32(ERROR_INVALID_DATA);
 
 TEST(VqsFormat, GivesBackWhatItWasGiven) {
@@ -86,9 +73,7 @@ TEST(VqsFormat, EveryCutIsNoticedEvenWithSizeAndChecksumMadeToFit) {
     for (std::size_t size = 0; size < good.size(); ++size) {
         const Bytes cut(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size));
         ASSERT_EQ(DecodeStatus(cut), kBadData) << size;
-        if (size >= 20) {
-            ASSERT_EQ(DecodeStatus(Sealed(cut)), kBadData) << size;
-        }
+        ASSERT_EQ(DecodeStatus(Sealed(cut)), kBadData) << size;
     }
 }
 
