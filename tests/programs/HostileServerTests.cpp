@@ -290,7 +290,7 @@ INSTANTIATE_TEST_SUITE_P(In, SlowServers,
                              return name;
                          });
 
-class Activation : public HostileServers {
+class RealActivation : public HostileServers {
   protected:
     /// With no server to be had: the same words as for any other refusal.
     void ExpectNone() const {
@@ -308,18 +308,18 @@ class Activation : public HostileServers {
     }
 };
 
-TEST_F(Activation, OfAClassThatIsNotRegisteredFails) {
+TEST_F(RealActivation, OfAClassThatIsNotRegisteredFails) {
     ExpectNone();
 }
 
-TEST_F(Activation, StartsARegisteredProgram) {
+TEST_F(RealActivation, StartsARegisteredProgram) {
     const HostileServer server(kemba.classes, {"none", L"die"});
     const Registered registered(kemba.classes, L"LocalServer32", server.Line());
     EXPECT_EQ(GetComments().output, kServed);
     EXPECT_TRUE(server.WasStarted());
 }
 
-TEST_F(Activation, SurvivesARegisteredProgramThatDies) {
+TEST_F(RealActivation, SurvivesARegisteredProgramThatDies) {
     const HostileServer server(kemba.classes, {"IDriverAutomation.GetComment", L"die"});
     const Registered registered(kemba.classes, L"LocalServer32", server.Line());
     const ProcessResult run = GetComments();
@@ -328,7 +328,7 @@ TEST_F(Activation, SurvivesARegisteredProgramThatDies) {
     EXPECT_TRUE(server.WasStarted());
 }
 
-TEST_F(Activation, OfAMissingProgramFails) {
+TEST_F(RealActivation, OfAMissingProgramFails) {
     for (const wchar_t* const kind : {L"LocalServer32", L"InprocServer32"}) {
         for (const wchar_t* const path : {L"C:\\Nowhere\\missing.exe", L"C:\\", L"", L"\"", L"a:b"}) {
             SCOPED_TRACE(Printed(kind) + Printed(path));
@@ -338,7 +338,7 @@ TEST_F(Activation, OfAMissingProgramFails) {
     }
 }
 
-TEST_F(Activation, OfAProgramThatIsNoServerFails) {
+TEST_F(RealActivation, OfAProgramThatIsNoServerFails) {
     if (!demo::IsWine()) {
         GTEST_SKIP() << "Windows waits for two minutes each time";
     }
