@@ -16,7 +16,7 @@ bool Command_Send::Execute(const OString& printerName) {
         GetConsole().PrintMessage("error:NumberOfArguments");
         return false;
     }
-    // Two handlers and no third, unlike the other commands: whatever else happens ends the run in
+    // No third handler, which get, set, queue and action have: whatever else happens ends the run in
     // Command_Base.
     try {
         const OString path = GetArguments().front();

@@ -28,7 +28,8 @@ class OEventLogBase {
 
     /// The source's shared base, made if there is none.
     static std::shared_ptr<OEventLogBase> Fetch(const OString& source);
-    /// How many sources have a base; those without a log are swept out after two minutes.
+    /// How many sources have a base, for tests to look at; those without a log are swept out after two
+    /// minutes.
     static std::int32_t CountBases();
 
   private:
@@ -71,6 +72,7 @@ class OEventLog : public OEventLogTagList {
     /// Whether any of the category bits is switched on; false without any base.
     bool IsEnabled(std::uint32_t bits) const;
 
+    /// Null for a log that has a parent; for tests to look at.
     const std::shared_ptr<OEventLogBase>& Base() const { return m_base; }
 
   private:

@@ -13,7 +13,8 @@ namespace kemba::substitute {
 ComPtr<IActionRequest> RequestFrom(const VARIANT& argument);
 
 /// Carries the action of that code out on the printer, or only tells whether it could. What cannot be done
-/// is no failure but not supported. Throws Failure; the printer has been sent nothing then.
+/// is no failure but not supported. Throws Failure; a job that was begun is deleted then, as far as the
+/// spooler allows.
 ActionOutcome PerformActionOn(const ActionProfiles& profiles, const Printer& printer, LONG code,
                               bool execute);
 

@@ -7,7 +7,7 @@
 namespace kemba::substitute {
 
 /// Each of these opens the printer with the rights that it needs, and holds its lock, so that nobody else's
-/// half is read or left. They throw Failure with the spooler's status.
+/// half is read or left. They throw Failure.
 Settings ReadSettings(const Printer& printer);
 
 /// Makes the printer's settings those given, see docs/settings-file.md for what cannot be restored. Refuses
