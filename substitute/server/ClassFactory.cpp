@@ -7,7 +7,7 @@
 
 #include "automation/Owners.h"
 #include "substitute/base/Failure.h"
-#include "substitute/server/ServerClasses.h"
+#include "substitute/objects/ServerClasses.h"
 #include "substitute/server/ServingTurn.h"
 
 namespace kemba::substitute {

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "automation/Owners.h"
+#include "substitute/objects/ServerClasses.h"
 #include "substitute/objects/ServerContext.h"
-#include "substitute/server/ServerClasses.h"
 #include "substitute/server/ServerProcess.h"
 #include "substitute/server/ServingTurn.h"
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/OString.h"
+#include "substitute/registration/Registration.h"
 
 namespace kemba::substitute {
 namespace {

@@ -4,9 +4,9 @@
 #include <string_view>
 #include <vector>
 
-namespace kemba::substitute {
+#include "substitute/registration/Registration.h"
 
-enum class Scope { Machine, CurrentUser };
+namespace kemba::substitute {
 
 struct CommandLine {
     enum class Verb { Usage, Register, Unregister, Serve };

@@ -11,7 +11,7 @@
 #include "core/Handles.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/NumberText.h"
-#include "substitute/server/ServerIdentity.h"
+#include "substitute/registration/ServerIdentity.h"
 
 namespace kemba::substitute {
 namespace {

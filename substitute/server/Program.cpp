@@ -8,9 +8,9 @@
 #include "substitute/base/Apartment.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/Paths.h"
+#include "substitute/registration/Registration.h"
 #include "substitute/server/CommandLine.h"
 #include "substitute/server/Console.h"
-#include "substitute/server/Registration.h"
 #include "substitute/server/Serving.h"
 
 namespace kemba::substitute {

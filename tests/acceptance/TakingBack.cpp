@@ -18,7 +18,7 @@
 #include "demo/Made.h"
 #include "demo/PortTarget.h"
 #include "demo/Printers.h"
-#include "substitute/server/RegistryKeys.h"
+#include "substitute/registration/RegistryKeys.h"
 #include "tests/kit/Narrow.h"
 #include "tests/kit/ProcessRun.h"
 

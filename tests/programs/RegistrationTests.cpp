@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "demo/Wine.h"
-#include "substitute/server/RegistryKeys.h"
+#include "substitute/registration/RegistryKeys.h"
 #include "tests/kit/Narrow.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/ProcessRun.h"

@@ -16,7 +16,7 @@
 #include "demo/Printers.h"
 #include "demo/Wine.h"
 #include "substitute/base/NumberText.h"
-#include "substitute/server/ServerIdentity.h"
+#include "substitute/registration/ServerIdentity.h"
 #include "substitute/server/ServingTurn.h"
 #include "tests/kit/CallTexts.h"
 #include "tests/kit/Owners.h"

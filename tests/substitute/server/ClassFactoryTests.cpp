@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "automation/Owners.h"
+#include "substitute/objects/ServerClasses.h"
 #include "substitute/server/ClassFactory.h"
-#include "substitute/server/ServerClasses.h"
 #include "substitute/server/ServerProcess.h"
 #include "tests/kit/Owners.h"
 #include "tests/substitute/ObjectFixture.h"

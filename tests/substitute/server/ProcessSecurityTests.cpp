@@ -8,8 +8,8 @@
 
 #include "substitute/base/Failure.h"
 #include "substitute/base/NumberText.h"
+#include "substitute/registration/ServerIdentity.h"
 #include "substitute/server/ProcessSecurity.h"
-#include "substitute/server/ServerIdentity.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/RegistryPreset.h"
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "substitute/server/RegistryKeys.h"
+#include "substitute/registration/RegistryKeys.h"
 
 namespace kemba::substitute {
 

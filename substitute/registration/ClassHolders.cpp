@@ -1,5 +1,5 @@
 // Reading who holds the classes.
-#include "substitute/server/ClassHolders.h"
+#include "substitute/registration/ClassHolders.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -12,10 +12,10 @@
 #include "substitute/base/Names.h"
 #include "substitute/base/NumberText.h"
 #include "substitute/base/Paths.h"
-#include "substitute/server/RegistrationEntries.h"
-#include "substitute/server/RegistryKeys.h"
-#include "substitute/server/ServerClasses.h"
-#include "substitute/server/ServerIdentity.h"
+#include "substitute/objects/ServerClasses.h"
+#include "substitute/registration/RegistrationEntries.h"
+#include "substitute/registration/RegistryKeys.h"
+#include "substitute/registration/ServerIdentity.h"
 
 namespace kemba::substitute {
 namespace {

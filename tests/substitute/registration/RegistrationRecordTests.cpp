@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "substitute/server/RegistrationRecord.h"
-#include "substitute/server/RegistryKeys.h"
+#include "substitute/registration/RegistrationRecord.h"
+#include "substitute/registration/RegistryKeys.h"
 #include "tests/kit/Owners.h"
 #include "tests/kit/RegistryPreset.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "substitute/server/ClassHolders.h"
+#include "substitute/registration/ClassHolders.h"
 #include "tests/kit/TemporaryFile.h"
 
 using namespace kemba::substitute;

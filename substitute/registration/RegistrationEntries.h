@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "substitute/server/ServerClasses.h"
+#include "substitute/objects/ServerClasses.h"
 
 namespace kemba::substitute {
 

@@ -1,5 +1,5 @@
 // Steps of a registration, forwards and back.
-#include "substitute/server/RegistrationRecord.h"
+#include "substitute/registration/RegistrationRecord.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "substitute/base/NumberText.h"
-#include "substitute/server/RegistryKeys.h"
+#include "substitute/registration/RegistryKeys.h"
 
 namespace kemba::substitute {
 namespace {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "substitute/objects/ContractTypes.h"
-#include "substitute/server/RegistrationEntries.h"
+#include "substitute/registration/RegistrationEntries.h"
 
 using namespace kemba::substitute;
 

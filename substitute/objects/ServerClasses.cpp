@@ -1,5 +1,5 @@
 // The classes and their makers.
-#include "substitute/server/ServerClasses.h"
+#include "substitute/objects/ServerClasses.h"
 
 #include <DriverAutomation.h>
 

@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include "substitute/server/RegistrationEntries.h"
-#include "substitute/server/RegistryKeys.h"
-#include "substitute/server/ServerClasses.h"
+#include "substitute/objects/ServerClasses.h"
+#include "substitute/registration/RegistrationEntries.h"
+#include "substitute/registration/RegistryKeys.h"
 
 namespace kemba::substitute {
 

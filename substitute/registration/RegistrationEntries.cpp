@@ -1,5 +1,5 @@
 // What stands in the registry for COM, for scripts and for the marshaller.
-#include "substitute/server/RegistrationEntries.h"
+#include "substitute/registration/RegistrationEntries.h"
 
 #include <oleauto.h>
 
@@ -10,8 +10,8 @@
 #include "automation/Owners.h"
 #include "substitute/base/Failure.h"
 #include "substitute/base/NumberText.h"
-#include "substitute/server/ServerClasses.h"
-#include "substitute/server/ServerIdentity.h"
+#include "substitute/objects/ServerClasses.h"
+#include "substitute/registration/ServerIdentity.h"
 
 namespace kemba::substitute {
 namespace {

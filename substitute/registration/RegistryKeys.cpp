@@ -1,5 +1,5 @@
 // Calls of the registry, with failures that name the key.
-#include "substitute/server/RegistryKeys.h"
+#include "substitute/registration/RegistryKeys.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,5 +1,5 @@
 // Reading access lists.
-#include "substitute/server/WriteAccess.h"
+#include "substitute/registration/WriteAccess.h"
 
 #include <aclapi.h>
 

@@ -1,18 +1,17 @@
 // Writing and removing the registry entries.
-#include "substitute/server/Registration.h"
+#include "substitute/registration/Registration.h"
 
 #include <string>
 #include <vector>
 
 #include "substitute/base/Failure.h"
 #include "substitute/objects/ContractTypes.h"
-#include "substitute/server/ClassHolders.h"
-#include "substitute/server/CommandLine.h"
-#include "substitute/server/RegistrationEntries.h"
-#include "substitute/server/RegistrationRecord.h"
-#include "substitute/server/RegistryKeys.h"
-#include "substitute/server/ServerClasses.h"
-#include "substitute/server/WriteAccess.h"
+#include "substitute/objects/ServerClasses.h"
+#include "substitute/registration/ClassHolders.h"
+#include "substitute/registration/RegistrationEntries.h"
+#include "substitute/registration/RegistrationRecord.h"
+#include "substitute/registration/RegistryKeys.h"
+#include "substitute/registration/WriteAccess.h"
 
 namespace kemba::substitute {
 namespace {

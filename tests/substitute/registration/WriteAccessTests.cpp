@@ -4,7 +4,7 @@
 #include <array>
 #include <vector>
 
-#include "substitute/server/WriteAccess.h"
+#include "substitute/registration/WriteAccess.h"
 
 using namespace kemba::substitute;
 

@@ -5,9 +5,11 @@
 #include <vector>
 
 #include "substitute/objects/ContractTypes.h"
-#include "substitute/server/CommandLine.h"
 
 namespace kemba::substitute {
+
+/// For whom.
+enum class Scope { Machine, CurrentUser };
 
 /// What was done, and what its user should know of besides; lines without their ends.
 struct RegistrationReport {
