@@ -23,6 +23,7 @@
 #include "automation/Activation.h"
 #include "automation/ComError.h"
 #include "automation/Owners.h"
+#include "demo/LabelDriver.h"
 #include "demo/SpoolerLock.h"
 #include "substitute/base/Failure.h"
 #include "substitute/settings/Settings.h"
@@ -187,7 +188,7 @@ class SoakClient {
         CheckText(printer, Below(kSoakFieldCount));
         if (Below(4) == 0) {
             const OString model = kemba::CallForText(ObjectFor(printer), &IDriverAutomation::GetModelName);
-            if (model.Wide() != std::wstring(L"Dock Label Printer")) {
+            if (model.Wide() != std::wstring(demo::LabelDriverName())) {
                 Fail(printer, std::string("torn model name: ") + model.Narrow());
             }
         }
