@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "substitute/registration/Registration.h"
 #include "substitute/server/CommandLine.h"
 #include "tests/fuzz/Fuzz.h"
 
