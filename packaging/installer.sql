@@ -20,8 +20,8 @@ INSERT INTO `Environment` (`Environment`, `Name`, `Value`, `Component_`)
 INSERT INTO `InstallExecuteSequence` (`Action`, `Sequence`) VALUES ('RemoveEnvironmentStrings', 3300);
 INSERT INTO `InstallExecuteSequence` (`Action`, `Sequence`) VALUES ('WriteEnvironmentStrings', 5200);
 
--- An upgrade removes the older version within its own transaction, so that a failure brings that back; which features
--- were chosen is taken over (1) when it is found.
+-- An upgrade removes the older version within its own transaction, so that a failure brings that back. Which features
+-- were chosen has been taken over by then: wixl writes MigrateFeatureStates.
 UPDATE `InstallExecuteSequence` SET `Sequence` = 1501 WHERE `Action` = 'RemoveExistingProducts';
 
 -- Who serves the classes for all users: the default value (18: as it is, in the 64-bit view) of a key in HKLM (2).
